@@ -1,0 +1,12 @@
+// Random numbers fit for keys.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+namespace tembra::crypto {
+
+// Fills the buffer from libgcrypt's strong generator. Thread-safe.
+void fillRandom(std::span<std::uint8_t> out);
+
+} // namespace tembra::crypto

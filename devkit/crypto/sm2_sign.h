@@ -1,0 +1,36 @@
+// SM2 signatures (GB/T 32918.2).
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+#include "digest.h"
+#include "sm2_key.h"
+
+namespace tembra::crypto {
+
+// The signer's identity that is used when the parties agreed on none (GM/T 0009).
+constexpr std::string_view sm2DefaultSignerId = "1234567812345678";
+
+struct Sm2Signature {
+    Sm2Number r{};
+    Sm2Number s{};
+
+    friend bool operator==(const Sm2Signature &, const Sm2Signature &) = default;
+};
+
+// Z, the SM3 digest of the signer's identity (at most 8191 bytes), the curve and the public key.
+// Empty when the identity is too long.
+std::optional<Sm3Digest> sm2SignerDigest(const Sm2PublicKey &key,
+                                         std::string_view signerId = sm2DefaultSignerId);
+
+// What is signed for a message: SM3(Z || message).
+std::optional<Sm3Digest> sm2MessageDigest(const Sm2PublicKey &key, ByteView message,
+                                          std::string_view signerId = sm2DefaultSignerId);
+
+// Signs a digest of exactly 32 bytes; empty when the length or the key is wrong.
+std::optional<Sm2Signature> sm2Sign(const Sm2KeyPair &pair, ByteView digest);
+bool sm2Verify(const Sm2PublicKey &key, ByteView digest, const Sm2Signature &signature);
+
+} // namespace tembra::crypto
