@@ -1,0 +1,45 @@
+# tembra_import_library(QXSKFAPI) makes the target QXSKFAPI_import: what a binary links with to
+# import from a library that others supply at run time. It is made from src/platform/imports/*.def
+# alone, so the product is built the same way with and without the development kit.
+function(tembra_import_library library)
+  set(def ${CMAKE_CURRENT_SOURCE_DIR}/platform/imports/${library}.def)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${def})
+  if(WIN32)
+    tembra_windows_import_library(${library} ${def})
+  else()
+    tembra_elf_import_library(${library} ${def})
+  endif()
+endfunction()
+
+function(tembra_windows_import_library library def)
+  if(MSVC)
+    set(output ${CMAKE_CURRENT_BINARY_DIR}/${library}.lib)
+    set(command ${CMAKE_AR} /nologo /machine:x64 /def:${def} /out:${output})
+  else()
+    find_program(TEMBRA_DLLTOOL x86_64-w64-mingw32-dlltool dlltool REQUIRED)
+    set(output ${CMAKE_CURRENT_BINARY_DIR}/lib${library}.dll.a)
+    set(command ${TEMBRA_DLLTOOL} --input-def ${def} --output-lib ${output})
+  endif()
+  add_custom_command(OUTPUT ${output} COMMAND ${command} DEPENDS ${def} VERBATIM
+    COMMENT "Making the import library of ${library}.dll")
+  add_custom_target(${library}_import_file DEPENDS ${output})
+  add_library(${library}_import INTERFACE)
+  add_dependencies(${library}_import ${library}_import_file)
+  target_link_libraries(${library}_import INTERFACE ${output})
+endfunction()
+
+# ELF has no import libraries; an empty library of the same name with the same symbols does the work.
+function(tembra_elf_import_library library def)
+  file(STRINGS ${def} lines REGEX "^  [A-Za-z]")
+  set(stubs "")
+  foreach(line IN LISTS lines)
+    string(STRIP "${line}" name)
+    string(APPEND stubs "void ${name}(void);\nvoid ${name}(void) {}\n")
+  endforeach()
+  set(source ${CMAKE_CURRENT_BINARY_DIR}/${library}_import.c)
+  file(CONFIGURE OUTPUT ${source} CONTENT "${stubs}")
+  add_library(${library}_import SHARED ${source})
+  set_target_properties(${library}_import PROPERTIES
+    OUTPUT_NAME ${library}
+    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/imports)
+endfunction()
