@@ -15,7 +15,8 @@ function(tembra_entry_points names)
   set(${names} ${found} PARENT_SCOPE)
 endfunction()
 
-# Makes `target` export the entry points and nothing else.
+# Makes `target` export the entry points and nothing else; the list alone decides, so the sources
+# carry no export marks.
 function(tembra_export_entry_points target)
   tembra_entry_points(names)
   if(WIN32)
