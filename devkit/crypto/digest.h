@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
+#include <span>
 
 #include "bytes.h"
 
@@ -28,6 +28,8 @@ public:
     // The hash of everything so far: 32 bytes (SM3, SHA-256) or 20 (SHA-1). The state is left as it
     // is, so more data can follow.
     Bytes value() const;
+    // The same into a buffer of exactly that length.
+    void value(std::span<std::uint8_t> out) const;
 
 private:
     void *handle_; // gcry_md_hd_t, kept out of this header

@@ -14,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace tembra::door {
@@ -44,20 +45,28 @@ public:
     bool planned() const noexcept { return fault_.has_value(); }
     std::uint32_t fault() noexcept;
 
-    // Records the answer and passes it on.
+    // Records the answer, a code or a handle, and passes it on.
     template <typename Result>
     Result result(Result value) noexcept {
-        record(static_cast<std::uint32_t>(value));
+        if constexpr (std::is_pointer_v<Result>) {
+            recordHandle(value);
+        } else {
+            record(static_cast<std::uint32_t>(value));
+        }
         return value;
     }
-    void *result(void *value) noexcept;
 
-    // The usual body of an exported function: the planned answer, else what the body answers, else,
-    // when it throws, onException. So nothing is thrown across the boundary.
+    // The usual body of an exported function: the planned answer (null for a handle), else what the
+    // body answers, else, when it throws, onException. So nothing is thrown across the boundary.
     template <typename Result, typename Body>
     Result answer(Result onException, Body &&body) noexcept {
         if (planned()) {
-            return static_cast<Result>(fault());
+            const std::uint32_t code = fault();
+            if constexpr (std::is_pointer_v<Result>) {
+                return nullptr;
+            } else {
+                return static_cast<Result>(code);
+            }
         }
         try {
             return result<Result>(std::forward<Body>(body)());
@@ -70,7 +79,8 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void record(std::uint32_t code) noexcept;
-    void field(const char *name, std::string_view json) noexcept;
+    void recordHandle(const void *value) noexcept;
+    void field(const char *name, std::string_view json);
     template <typename Format>
     Call &append(const char *name, Format format) noexcept;
 

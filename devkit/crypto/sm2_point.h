@@ -1,0 +1,20 @@
+// The uncompressed encoding of a point: 0x04 || x || y.
+#pragma once
+
+#include <array>
+#include <optional>
+
+#include "sm2_key.h"
+
+namespace tembra::crypto {
+
+constexpr std::uint8_t uncompressedPoint = 0x04;
+constexpr std::size_t sm2PointSize = 1 + 2 * sm2Size;
+using Sm2EncodedPoint = std::array<std::uint8_t, sm2PointSize>;
+
+Sm2EncodedPoint encodeSm2Point(const Sm2PublicKey &key);
+
+// Exactly 65 bytes; that the point is on the curve is not looked at.
+std::optional<Sm2PublicKey> decodeSm2Point(ByteView encoded);
+
+} // namespace tembra::crypto

@@ -1,0 +1,37 @@
+#include "platform.h"
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tembra::door {
+
+std::optional<std::string> environmentVariable(const char *name) {
+    const char *value = std::getenv(name);
+    return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
+}
+
+std::uint64_t threadNumber() {
+    return static_cast<std::uint64_t>(::gettid());
+}
+
+AppendFile::AppendFile(const std::string &path)
+    : handle_(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR)) {}
+
+AppendFile::~AppendFile() {
+    if (isOpen()) {
+        ::close(static_cast<int>(handle_));
+    }
+}
+
+bool AppendFile::isOpen() const {
+    return handle_ >= 0;
+}
+
+void AppendFile::append(std::string_view piece) noexcept {
+    [[maybe_unused]] const auto written =
+        ::write(static_cast<int>(handle_), piece.data(), piece.size());
+}
+
+} // namespace tembra::door

@@ -1,0 +1,159 @@
+#include "key_pair_blob.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace tembra::host {
+
+namespace {
+
+using crypto::ByteView;
+
+constexpr std::string_view magic = "_KEYPAIR";
+constexpr std::uint32_t algorithmRsa = 1;
+constexpr std::uint32_t algorithmEcc = 4;
+constexpr std::uint32_t curveSm2 = 7;
+
+constexpr std::array rsaSecretFields = {&crypto::RsaPrivateKey::d,  &crypto::RsaPrivateKey::p,
+                                        &crypto::RsaPrivateKey::q,  &crypto::RsaPrivateKey::dP,
+                                        &crypto::RsaPrivateKey::dQ, &crypto::RsaPrivateKey::qInv};
+
+// A cursor that only shrinks. A read beyond the end takes nothing and spoils the cursor for good.
+class Cursor {
+public:
+    explicit Cursor(ByteView bytes) : rest_(bytes) {}
+
+    ByteView take(std::size_t count) {
+        if (count > rest_.size()) {
+            good_ = false;
+            return {};
+        }
+        const ByteView taken = rest_.first(count);
+        rest_ = rest_.subspan(count);
+        return taken;
+    }
+    std::uint32_t number() {
+        std::uint32_t value = 0;
+        for (const std::uint8_t digit : take(4)) {
+            value = value << 8 | digit;
+        }
+        return value;
+    }
+    // A field after its length, without leading zeros.
+    ByteView prefixed() {
+        const ByteView field = take(number());
+        good_ = good_ && !field.empty() && field.front() != 0;
+        return field;
+    }
+    bool finished() const { return good_ && rest_.empty(); }
+
+private:
+    ByteView rest_;
+    bool good_ = true;
+};
+
+class Writer {
+public:
+    void raw(ByteView bytes) { out_.insert(out_.end(), bytes.begin(), bytes.end()); }
+    void number(std::size_t value) {
+        for (const int shift : {24, 16, 8, 0}) {
+            out_.push_back(static_cast<std::uint8_t>(value >> shift));
+        }
+    }
+    void prefixed(ByteView field) {
+        number(field.size());
+        raw(field);
+    }
+    void start(std::uint32_t algorithm) {
+        out_.insert(out_.end(), magic.begin(), magic.end());
+        number(algorithm);
+    }
+    crypto::SecretBytes take() { return std::move(out_); }
+
+private:
+    crypto::SecretBytes out_;
+};
+
+bool isModulusSize(std::size_t bytes) {
+    return bytes == 128 || bytes == 256;
+}
+
+crypto::SecretBytes encode(const crypto::RsaPrivateKey &key) {
+    Writer writer;
+    if (!isModulusSize(key.n.size()) || key.publicKey().bits() != key.n.size() * 8) {
+        return {};
+    }
+    writer.start(algorithmRsa);
+    writer.number(key.n.size() * 8);
+    writer.prefixed(key.n);
+    writer.prefixed(key.e);
+    for (const auto field : rsaSecretFields) {
+        writer.prefixed(key.*field);
+    }
+    return writer.take();
+}
+
+crypto::SecretBytes encode(const crypto::Sm2KeyPair &key) {
+    Writer writer;
+    writer.start(algorithmEcc);
+    writer.number(curveSm2);
+    writer.number(crypto::sm2Size);
+    writer.raw(key.publicKey.x);
+    writer.raw(key.publicKey.y);
+    writer.raw(key.d);
+    return writer.take();
+}
+
+std::optional<crypto::PrivateKey> decodeRsa(Cursor cursor) {
+    crypto::RsaPrivateKey key;
+    const std::uint32_t bits = cursor.number();
+    const ByteView n = cursor.prefixed();
+    const ByteView e = cursor.prefixed();
+    key.n.assign(n.begin(), n.end());
+    key.e.assign(e.begin(), e.end());
+    for (const auto field : rsaSecretFields) {
+        const ByteView value = cursor.prefixed();
+        (key.*field).assign(value.begin(), value.end());
+    }
+    if (!cursor.finished() || !isModulusSize(key.n.size()) || bits != key.n.size() * 8 ||
+        key.publicKey().bits() != bits || !crypto::isConsistent(key)) {
+        return std::nullopt;
+    }
+    return key;
+}
+
+std::optional<crypto::PrivateKey> decodeEcc(Cursor cursor) {
+    if (cursor.number() != curveSm2 || cursor.number() != crypto::sm2Size) {
+        return std::nullopt;
+    }
+    crypto::Sm2KeyPair pair;
+    std::ranges::copy(cursor.take(crypto::sm2Size), pair.publicKey.x.begin());
+    std::ranges::copy(cursor.take(crypto::sm2Size), pair.publicKey.y.begin());
+    const ByteView d = cursor.take(crypto::sm2Size);
+    pair.d.assign(d.begin(), d.end());
+    if (!cursor.finished() || !crypto::isConsistent(pair)) {
+        return std::nullopt;
+    }
+    return pair;
+}
+
+} // namespace
+
+crypto::SecretBytes encodeKeyPairBlob(const crypto::PrivateKey &key) {
+    return std::visit([](const auto &one) { return encode(one); }, key);
+}
+
+std::optional<crypto::PrivateKey> decodeKeyPairBlob(ByteView blob) {
+    Cursor cursor(blob);
+    if (!std::ranges::equal(cursor.take(magic.size()), magic)) {
+        return std::nullopt;
+    }
+    switch (cursor.number()) {
+    case algorithmRsa: return decodeRsa(cursor);
+    case algorithmEcc: return decodeEcc(cursor);
+    default: return std::nullopt;
+    }
+}
+
+} // namespace tembra::host
