@@ -1,0 +1,55 @@
+#include "image.h"
+
+#include "crypto/hex.h"
+#include "crypto/random.h"
+
+#include <array>
+
+namespace tembra::token::model {
+
+namespace {
+
+// What a card's file system would spend on an entry beside its content.
+constexpr std::uint64_t applicationOverhead = 256;
+constexpr std::uint64_t containerOverhead = 64;
+constexpr std::uint64_t fileOverhead = 48;
+
+std::uint64_t sizeOf(const crypto::PrivateKey &key) {
+    if (const auto *rsa = std::get_if<crypto::RsaPrivateKey>(&key)) {
+        return rsa->n.size() * 9 / 2 + rsa->e.size(); // n, d and five numbers of half the length
+    }
+    return 3 * crypto::sm2Size;
+}
+
+std::uint64_t sizeOf(const KeySlot &slot) {
+    return slot.certificate.size() + (slot.key ? sizeOf(*slot.key) : 0);
+}
+
+std::uint64_t sizeOf(const Application &application) {
+    std::uint64_t size = applicationOverhead;
+    for (const Container &container : application.containers) {
+        size += containerOverhead + sizeOf(container.signature) + sizeOf(container.encryption);
+    }
+    for (const File &file : application.files) {
+        size += fileOverhead + file.content.size();
+    }
+    return size;
+}
+
+} // namespace
+
+std::string randomId() {
+    std::array<std::uint8_t, 8> bytes{};
+    crypto::fillRandom(bytes);
+    return crypto::toHex(bytes);
+}
+
+std::uint64_t usedSpace(const Image &image) {
+    std::uint64_t size = 0;
+    for (const Application &application : image.applications) {
+        size += sizeOf(application);
+    }
+    return size;
+}
+
+} // namespace tembra::token::model

@@ -1,0 +1,143 @@
+// Block ciphers under an imported key. SMS4 is what the token has; an operation is one call with
+// all of its data after an Init, and the next one needs an Init of its own.
+#include "entry.h"
+#include "handles.h"
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+
+using namespace tembra;
+using namespace tembra::token;
+using namespace tembra::token::skf;
+using tembra::door::Call;
+
+namespace {
+
+crypto::Sm4Mode modeOf(ULONG algorithm) {
+    require(algorithm == SGD_SMS4_ECB || algorithm == SGD_SMS4_CBC, SAR_NOTSUPPORTYETERR);
+    return algorithm == SGD_SMS4_CBC ? crypto::Sm4Mode::cbc : crypto::Sm4Mode::ecb;
+}
+
+std::shared_ptr<ImportedKey> importKey(std::shared_ptr<OpenDevice> on, const BYTE *bytes,
+                                       ULONG algorithm) {
+    (void)imageOf(*on);
+    auto key = std::make_shared<ImportedKey>();
+    key->mode = modeOf(algorithm);
+    requirePointer(bytes);
+    key->key.assign(bytes, bytes + crypto::sm4KeySize);
+    key->device = std::move(on);
+    return key;
+}
+
+CipherOperation operationOf(crypto::Sm4Mode mode, const BLOCKCIPHERPARAM &param) {
+    CipherOperation operation;
+    require(param.PaddingType <= 1, SAR_INVALIDPARAMERR);
+    operation.padding = static_cast<crypto::Sm4Padding>(param.PaddingType);
+    if (mode == crypto::Sm4Mode::cbc) {
+        require(param.IVLen == operation.iv.size(), SAR_INVALIDPARAMERR);
+        std::copy_n(param.IV, operation.iv.size(), operation.iv.begin());
+    }
+    return operation;
+}
+
+void requireWholeBlocks(crypto::ByteView data) {
+    require(data.size() % crypto::sm4BlockSize == 0, SAR_INDATALENERR);
+}
+
+void encrypt(ImportedKey &with, crypto::ByteView plain, BYTE *out, ULONG *length) {
+    const std::lock_guard guard(with.mutex);
+    require(with.encryption.has_value(), SAR_NOTINITIALIZEERR);
+    const CipherOperation &operation = *with.encryption;
+    std::size_t needed = plain.size();
+    if (operation.padding == crypto::Sm4Padding::none) {
+        requireWholeBlocks(plain);
+    } else {
+        needed += crypto::sm4BlockSize - needed % crypto::sm4BlockSize;
+    }
+    if (!roomFor(needed, out, length)) {
+        return;
+    }
+    const auto cipher =
+        crypto::sm4Encrypt(with.mode, operation.padding, with.key, operation.iv, plain);
+    with.encryption.reset();
+    require(cipher.has_value(), SAR_FAIL);
+    giveBytes(*cipher, out, length);
+}
+
+void decrypt(ImportedKey &with, crypto::ByteView cipher, BYTE *out, ULONG *length) {
+    const std::lock_guard guard(with.mutex);
+    require(with.decryption.has_value(), SAR_NOTINITIALIZEERR);
+    requireWholeBlocks(cipher);
+    requirePointer(length);
+    if (out == nullptr) { // with padding, how long it is shows only when it is decrypted
+        *length = static_cast<ULONG>(cipher.size());
+        return;
+    }
+    const CipherOperation &operation = *with.decryption;
+    const auto plain =
+        crypto::sm4Decrypt(with.mode, operation.padding, with.key, operation.iv, cipher);
+    require(plain.has_value(), SAR_INDATAERR);
+    giveBytes(*plain, out, length);
+    with.decryption.reset();
+}
+
+void init(const ImportedKey &with, std::optional<CipherOperation> &operation,
+          const BLOCKCIPHERPARAM &param, std::mutex &mutex) {
+    const CipherOperation prepared = operationOf(with.mode, param);
+    const std::lock_guard guard(mutex);
+    operation = prepared;
+}
+
+} // namespace
+
+ULONG SKF_SetSymmKey(DEVHANDLE hDev, BYTE *pbKey, ULONG ulAlgID, HANDLE *phKey) {
+    Call call("SKF_SetSymmKey");
+    call.handle("hDev", hDev).secret("pbKey", pbKey).number("ulAlgID", ulAlgID);
+    return answer(call, [&] {
+        auto on = device(hDev);
+        requirePointer(phKey);
+        *phKey = handles().keys.add(importKey(std::move(on), pbKey, ulAlgID));
+        call.outputs().handle("phKey", *phKey);
+    });
+}
+
+ULONG SKF_EncryptInit(HANDLE hKey, BLOCKCIPHERPARAM EncryptParam) {
+    Call call("SKF_EncryptInit");
+    call.handle("hKey", hKey).bytes("IV", EncryptParam.IV, sizeof EncryptParam.IV);
+    call.number("IVLen", EncryptParam.IVLen).number("PaddingType", EncryptParam.PaddingType);
+    return answer(call, [&] {
+        const auto found = key(hKey);
+        init(*found, found->encryption, EncryptParam, found->mutex);
+    });
+}
+
+ULONG SKF_Encrypt(HANDLE hKey, BYTE *pbData, ULONG ulDataLen, BYTE *pbEncryptedData,
+                  ULONG *pulEncryptedLen) {
+    Call call("SKF_Encrypt");
+    call.handle("hKey", hKey).secret("pbData", pbData).number("ulDataLen", ulDataLen);
+    return answer(call, [&] {
+        encrypt(*key(hKey), bytesArgument(pbData, ulDataLen), pbEncryptedData, pulEncryptedLen);
+        call.outputs().bytes("pbEncryptedData", pbEncryptedData, *pulEncryptedLen);
+    });
+}
+
+ULONG SKF_DecryptInit(HANDLE hKey, BLOCKCIPHERPARAM DecryptParam) {
+    Call call("SKF_DecryptInit");
+    call.handle("hKey", hKey).bytes("IV", DecryptParam.IV, sizeof DecryptParam.IV);
+    call.number("IVLen", DecryptParam.IVLen).number("PaddingType", DecryptParam.PaddingType);
+    return answer(call, [&] {
+        const auto found = key(hKey);
+        init(*found, found->decryption, DecryptParam, found->mutex);
+    });
+}
+
+ULONG SKF_Decrypt(HANDLE hKey, BYTE *pbEncryptedData, ULONG ulEncryptedLen, BYTE *pbData,
+                  ULONG *pulDataLen) {
+    Call call("SKF_Decrypt");
+    call.handle("hKey", hKey).bytes("pbEncryptedData", pbEncryptedData, ulEncryptedLen);
+    return answer(call, [&] {
+        decrypt(*key(hKey), bytesArgument(pbEncryptedData, ulEncryptedLen), pbData, pulDataLen);
+        call.outputs().secret("pbData", pbData).number("pulDataLen", *pulDataLen);
+    });
+}

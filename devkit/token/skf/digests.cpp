@@ -1,0 +1,94 @@
+// SM3 digests in pieces, and the handles of keys and digests alike.
+#include "entry.h"
+#include "handles.h"
+
+#include "token/model/key_blobs.h"
+
+#include "crypto/sm2_sign.h"
+
+#include <memory>
+#include <string_view>
+
+using namespace tembra;
+using namespace tembra::token;
+using namespace tembra::token::skf;
+using tembra::door::Call;
+
+namespace {
+
+// A signature covers its signer: the digest begins with Z, that of identity and public key.
+void addSigner(crypto::Digest &digest, const ECCPUBLICKEYBLOB *publicKey, crypto::ByteView id) {
+    requirePointer(publicKey);
+    const std::string_view text(reinterpret_cast<const char *>(id.data()), id.size());
+    const auto z = crypto::sm2SignerDigest(model::fromBlob(*publicKey), text);
+    require(z.has_value(), SAR_INDATALENERR);
+    digest.update(*z);
+}
+
+std::shared_ptr<RunningDigest> startDigest(std::shared_ptr<OpenDevice> on, ULONG algorithm,
+                                           const ECCPUBLICKEYBLOB *publicKey, crypto::ByteView id) {
+    (void)imageOf(*on);
+    require(algorithm == SGD_SM3, SAR_NOTSUPPORTYETERR);
+    auto running = std::make_shared<RunningDigest>();
+    running->digest.emplace(crypto::DigestAlgorithm::sm3);
+    if (!id.empty()) {
+        addSigner(*running->digest, publicKey, id);
+    }
+    running->device = std::move(on);
+    return running;
+}
+
+void update(RunningDigest &running, crypto::ByteView data) {
+    const std::lock_guard guard(running.mutex);
+    require(running.digest.has_value(), SAR_NOTINITIALIZEERR);
+    running.digest->update(data);
+}
+
+void finish(RunningDigest &running, BYTE *out, ULONG *length) {
+    const std::lock_guard guard(running.mutex);
+    require(running.digest.has_value(), SAR_NOTINITIALIZEERR);
+    if (roomFor(crypto::sm3Size, out, length)) {
+        giveBytes(running.digest->value(), out, length);
+        running.digest.reset();
+    }
+}
+
+} // namespace
+
+ULONG SKF_DigestInit(DEVHANDLE hDev, ULONG ulAlgID, ECCPUBLICKEYBLOB *pPubKey, BYTE *pbID,
+                     ULONG ulIDLen, HANDLE *phHash) {
+    Call call("SKF_DigestInit");
+    call.handle("hDev", hDev).number("ulAlgID", ulAlgID);
+    call.bytes("pPubKey", pPubKey, sizeof *pPubKey).bytes("pbID", pbID, ulIDLen);
+    return answer(call, [&] {
+        auto on = device(hDev);
+        requirePointer(phHash);
+        *phHash = handles().digests.add(
+            startDigest(std::move(on), ulAlgID, pPubKey, bytesArgument(pbID, ulIDLen)));
+        call.outputs().handle("phHash", *phHash);
+    });
+}
+
+ULONG SKF_DigestUpdate(HANDLE hHash, BYTE *pbData, ULONG ulDataLen) {
+    Call call("SKF_DigestUpdate");
+    call.handle("hHash", hHash).bytes("pbData", pbData, ulDataLen);
+    return answer(call, [&] { update(*digest(hHash), bytesArgument(pbData, ulDataLen)); });
+}
+
+ULONG SKF_DigestFinal(HANDLE hHash, BYTE *pbHashData, ULONG *pulHashLen) {
+    Call call("SKF_DigestFinal");
+    call.handle("hHash", hHash).handle("pbHashData", pbHashData);
+    return answer(call, [&] {
+        finish(*digest(hHash), pbHashData, pulHashLen);
+        call.outputs().bytes("pbHashData", pbHashData, *pulHashLen);
+    });
+}
+
+ULONG SKF_CloseHandle(HANDLE hHandle) {
+    Call call("SKF_CloseHandle");
+    call.handle("hHandle", hHandle);
+    return answer(call, [&] {
+        const bool closed = handles().keys.take(hHandle) || handles().digests.take(hHandle);
+        require(closed, SAR_INVALIDHANDLEERR);
+    });
+}

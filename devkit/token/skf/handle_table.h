@@ -1,0 +1,63 @@
+// Handles: numbers that were never used before and never will be, so that one that was closed, or
+// made up, is told from one that is open.
+#pragma once
+
+#include "token/model/refused.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <shared_mutex>
+#include <unordered_map>
+#include <utility>
+
+namespace tembra::token::skf {
+
+inline std::uintptr_t nextHandle() {
+    static std::atomic<std::uintptr_t> last{0x1000};
+    return last += 16;
+}
+
+// The open objects of one kind. Thread-safe. An object lives on while a call still works with it.
+template <typename Object>
+class HandleTable {
+public:
+    HANDLE add(std::shared_ptr<Object> object) {
+        const std::uintptr_t handle = nextHandle();
+        const std::unique_lock guard(mutex_);
+        objects_.emplace(handle, std::move(object));
+        return reinterpret_cast<HANDLE>(handle);
+    }
+
+    // Null when there is no such handle.
+    std::shared_ptr<Object> find(HANDLE handle) const {
+        const std::shared_lock guard(mutex_);
+        const auto found = objects_.find(reinterpret_cast<std::uintptr_t>(handle));
+        return found == objects_.end() ? nullptr : found->second;
+    }
+
+    std::shared_ptr<Object> get(HANDLE handle) const {
+        auto object = find(handle);
+        require(object != nullptr, SAR_INVALIDHANDLEERR);
+        return object;
+    }
+
+    // Takes the object out; null when there is no such handle.
+    std::shared_ptr<Object> take(HANDLE handle) {
+        const std::unique_lock guard(mutex_);
+        const auto node = objects_.extract(reinterpret_cast<std::uintptr_t>(handle));
+        return node.empty() ? nullptr : node.mapped();
+    }
+
+    std::size_t size() const {
+        const std::shared_lock guard(mutex_);
+        return objects_.size();
+    }
+
+private:
+    mutable std::shared_mutex mutex_;
+    std::unordered_map<std::uintptr_t, std::shared_ptr<Object>> objects_;
+};
+
+} // namespace tembra::token::skf

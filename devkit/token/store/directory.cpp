@@ -1,0 +1,62 @@
+#include "directory.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace tembra::token::store {
+
+namespace {
+
+constexpr std::string_view prefix = "TEMBRA-SOFT-";
+constexpr std::string_view serialCharacters =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
+constexpr std::size_t maxSerial = 32;
+
+} // namespace
+
+Path tokenDirectory() {
+    if (const auto directory = environment("TEMBRA_SOFT_TOKEN_DIR")) {
+        return pathFromUtf8(*directory);
+    }
+    if (const auto directory = userTokenDirectory()) {
+        return *directory;
+    }
+    throw std::runtime_error("no directory for tokens");
+}
+
+std::vector<std::string> tokenNames() {
+    std::vector<std::string> names;
+    std::error_code missing;
+    for (const auto &entry : std::filesystem::directory_iterator(tokenDirectory(), missing)) {
+        const std::string name = utf8FromPath(entry.path().stem());
+        if (entry.path().extension() == ".json" && isTokenName(name)) {
+            names.push_back(name);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string tokenName(std::string_view serial) {
+    return std::string(prefix).append(serial);
+}
+
+bool isTokenName(std::string_view name) {
+    if (!name.starts_with(prefix)) {
+        return false;
+    }
+    const std::string_view serial = name.substr(prefix.size());
+    return !serial.empty() && serial.size() <= maxSerial &&
+           serial.find_first_not_of(serialCharacters) == std::string_view::npos;
+}
+
+Path tokenFile(std::string_view name) {
+    return tokenDirectory() / pathFromUtf8(std::string(name) + ".json");
+}
+
+Path lockFile(const Path &tokenFile) {
+    Path lock = tokenFile;
+    return lock.replace_extension(".lock");
+}
+
+} // namespace tembra::token::store

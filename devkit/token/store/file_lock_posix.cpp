@@ -1,0 +1,51 @@
+#include "file_lock.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace tembra::token::store {
+
+namespace {
+
+// A lock on a file that its last holder has removed excludes nobody.
+bool isFileAt(int fd, const Path &file) {
+    struct stat mine = {};
+    struct stat there = {};
+    return ::fstat(fd, &mine) == 0 && ::stat(file.c_str(), &there) == 0 &&
+           mine.st_ino == there.st_ino && mine.st_dev == there.st_dev;
+}
+
+} // namespace
+
+std::optional<FileLock> FileLock::tryAcquire(const Path &file) {
+    for (;;) {
+        const int fd = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+        if (fd < 0) {
+            throw std::system_error(errno, std::generic_category(), "open lock file");
+        }
+        FileLock lock(fd);
+        if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+            return std::nullopt;
+        }
+        if (isFileAt(fd, file)) {
+            return lock;
+        }
+    }
+}
+
+FileLock::~FileLock() {
+    if (handle_ != none) {
+        ::close(static_cast<int>(handle_));
+    }
+}
+
+void FileLock::releaseAndRemove(FileLock lock, const Path &file) {
+    (void)lock; // removed while it is held: whoever waits notices that its file has gone
+    ::unlink(file.c_str());
+}
+
+} // namespace tembra::token::store

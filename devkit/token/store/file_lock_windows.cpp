@@ -1,0 +1,42 @@
+#include "file_lock.h"
+
+#include <system_error>
+#include <utility>
+
+#define NOMINMAX
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+namespace tembra::token::store {
+
+std::optional<FileLock> FileLock::tryAcquire(const Path &file) {
+    const HANDLE handle = ::CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
+                                        FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        const DWORD error = ::GetLastError();
+        if (error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION)
+            return std::nullopt; // being removed just now
+        throw std::system_error(static_cast<int>(error), std::system_category(), "open lock file");
+    }
+    FileLock lock(reinterpret_cast<std::intptr_t>(handle));
+    OVERLAPPED whole = {};
+    if (!::LockFileEx(handle, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0,
+                      &whole)) {
+        return std::nullopt;
+    }
+    return lock;
+}
+
+FileLock::~FileLock() {
+    if (handle_ != none) {
+        ::CloseHandle(reinterpret_cast<HANDLE>(handle_));
+    }
+}
+
+void FileLock::releaseAndRemove(FileLock lock, const Path &file) {
+    { const FileLock released(std::move(lock)); }
+    ::DeleteFileW(file.c_str()); // refused while anybody has it open, so no lock is ever orphaned
+}
+
+} // namespace tembra::token::store
