@@ -1,0 +1,77 @@
+// Memory of the provider: plain blocks, and blocks that hold secrets.
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+
+namespace tembra {
+
+namespace platform {
+// Overwrites with zeros in a way that the compiler does not leave out. Null is allowed.
+void wipe(void *memory, std::size_t size);
+} // namespace platform
+
+// A zeroed block, or null. A size of 0 gives a block, too.
+inline void *allocateZeroed(std::size_t size) {
+    if (size == 0)
+        size = 1;
+    void *memory = std::malloc(size);
+    if (memory)
+        std::memset(memory, 0, size);
+    return memory;
+}
+
+// A zeroed record, or null. Freed with std::free.
+template <typename Record>
+Record *allocateRecord() {
+    return static_cast<Record *>(allocateZeroed(sizeof(Record)));
+}
+
+// A copy with its NUL, or null. Freed with std::free.
+inline char *copyText(const char *text) {
+    const std::size_t size = std::strlen(text) + 1;
+    char *copy = static_cast<char *>(std::malloc(size));
+    if (copy)
+        std::memcpy(copy, text, size);
+    return copy;
+}
+
+// A zeroed heap block that is wiped before it is freed. data() is null when memory was short.
+class SecretBlock {
+public:
+    explicit SecretBlock(std::size_t size)
+        : m_data(static_cast<unsigned char *>(allocateZeroed(size))), m_size(size) {}
+    ~SecretBlock() {
+        platform::wipe(m_data, m_data ? m_size : 0);
+        std::free(m_data);
+    }
+    SecretBlock(const SecretBlock &) = delete;
+    SecretBlock &operator=(const SecretBlock &) = delete;
+
+    unsigned char *data() const { return m_data; }
+    std::size_t size() const { return m_size; }
+
+private:
+    unsigned char *m_data;
+    std::size_t m_size;
+};
+
+// A zeroed array on the stack that is wiped when its scope ends.
+template <std::size_t Size>
+class SecretArray {
+public:
+    SecretArray() = default;
+    ~SecretArray() { platform::wipe(m_data, Size); }
+    SecretArray(const SecretArray &) = delete;
+    SecretArray &operator=(const SecretArray &) = delete;
+
+    unsigned char *data() { return m_data; }
+    const unsigned char *data() const { return m_data; }
+    static constexpr std::size_t size() { return Size; }
+
+private:
+    unsigned char m_data[Size] = {};
+};
+
+} // namespace tembra

@@ -1,0 +1,16 @@
+// The SKF functions take plain pointers also where they only read; these say so in one place.
+#pragma once
+
+#include "platform/skf.h"
+
+namespace tembra {
+
+inline BYTE *skfInput(const unsigned char *data) {
+    return const_cast<BYTE *>(data);
+}
+
+inline LPSTR skfInput(const char *text) {
+    return const_cast<LPSTR>(text);
+}
+
+} // namespace tembra
