@@ -1,0 +1,69 @@
+#include "provider/keypair_table.h"
+
+#include "provider/lock.h"
+
+#include <cstdlib>
+
+namespace tembra {
+
+void registerKeypair(Device *hDevice, Keypair *hKeypair) {
+    hKeypair->m_device = hDevice;
+    hDevice->m_keypairs[hDevice->m_keypairCount] = hKeypair;
+    storeCount(hDevice->m_keypairCount, hDevice->m_keypairCount + 1);
+    ++hDevice->m_refCount;
+}
+
+void handOutKeypair(Device *hDevice, Keypair *hKeypair) {
+    const RecordLock lock;
+    ++hKeypair->m_handleCount;
+    ++hDevice->m_refCount;
+}
+
+void removeKeypair(Device *hDevice, Keypair *hKeypair) {
+    const int count = hDevice->m_keypairCount;
+    int index = 0;
+    while (index < count && hDevice->m_keypairs[index] != hKeypair)
+        ++index;
+    if (index < count) {
+        for (int i = index; i + 1 < count; ++i)
+            hDevice->m_keypairs[i] = hDevice->m_keypairs[i + 1];
+        hDevice->m_keypairs[count - 1] = nullptr;
+        storeCount(hDevice->m_keypairCount, count - 1);
+    }
+
+    bool isOrphan = false;
+    {
+        const RecordLock lock;
+        hKeypair->m_device = nullptr;
+        isOrphan = hKeypair->m_handleCount == 0;
+    }
+    if (isOrphan)
+        freeKeypair(hKeypair);
+}
+
+ReturnedHandle takeBackHandle(Keypair *hKeypair) {
+    const RecordLock lock;
+    --hKeypair->m_handleCount;
+    Device *hDevice = hKeypair->m_device;
+    return {hDevice, !hDevice && hKeypair->m_handleCount <= 0};
+}
+
+void freeKeypair(Keypair *hKeypair) {
+    std::free(hKeypair->m_label);
+    std::free(hKeypair);
+}
+
+Device *deviceOf(const Keypair *hKeypair) {
+    const RecordLock lock;
+    return hKeypair->m_device;
+}
+
+Container *containerOf(const Keypair *hKeypair) {
+    const RecordLock lock;
+    const Device *hDevice = hKeypair->m_device;
+    if (!hDevice || hKeypair->m_index < 0 || hKeypair->m_index >= CONTAINER_COUNT_MAX)
+        return nullptr;
+    return hDevice->m_containers[hKeypair->m_index];
+}
+
+} // namespace tembra
