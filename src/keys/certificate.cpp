@@ -1,0 +1,117 @@
+// Certificates of a key pair: served from the container's cache, written through to the token.
+#include "log/trace.h"
+#include "platform/skf_arguments.h"
+#include "provider/buffer.h"
+#include "provider/keypair_table.h"
+#include "provider/lock.h"
+
+#include <cstdlib>
+#include <cstring>
+
+using namespace tembra;
+
+namespace {
+
+bool isSignature(const Keypair *hKeypair) {
+    return hKeypair->m_keytype == ORVEL_PKI_KEYPAIRTYPE_SIGNATURE;
+}
+
+// The length goes first and stays when memory is short: the token has the new certificate.
+bool replaceCached(Container *hContainer, bool isSign, const unsigned char *certblob, int length) {
+    const RecordLock lock;
+    unsigned char *&cert = isSign ? hContainer->m_signCert : hContainer->m_encCert;
+    (isSign ? hContainer->m_signCertLen : hContainer->m_encCertLen) = length;
+    std::free(cert);
+    cert = static_cast<unsigned char *>(std::malloc(static_cast<std::size_t>(length)));
+    if (!cert)
+        return false;
+    std::memcpy(cert, certblob, static_cast<std::size_t>(length));
+    return true;
+}
+
+} // namespace
+
+int DeviceGetCertificateCount(SPI_KEYPAIR_HANDLE hKeypair) {
+    const call_stack_tracer tracer("DeviceGetCertificateCount");
+    TRACE_INFO("hKeypair=%p, hKeypair->m_keytype = %d", static_cast<void *>(hKeypair),
+               hKeypair ? hKeypair->m_keytype : 0);
+    if (!hKeypair)
+        return ORVEL_PKI_BADARGUMENT;
+    const Container *hContainer = containerOf(hKeypair);
+    if (!hContainer)
+        return ORVEL_PKI_BADARGUMENT;
+    const RecordLock lock;
+    switch (hKeypair->m_keytype) {
+    case ORVEL_PKI_KEYPAIRTYPE_SIGNATURE: return hContainer->m_signCertLen != 0;
+    case ORVEL_PKI_KEYPAIRTYPE_ENCRYPT: return hContainer->m_encCertLen != 0;
+    default: return ORVEL_PKI_BADARGUMENT;
+    }
+}
+
+int DeviceGetCertificate(SPI_KEYPAIR_HANDLE hKeypair, int index, unsigned char *certblob,
+                         int certbloblen, int *pretcertbloblen) {
+    const call_stack_tracer tracer("DeviceGetCertificate");
+    TRACE_INFO("SPI_KEYPAIR_HANDLE hKeypair = %p, int index = %d, unsigned char *certblob = %p, "
+               "int certbloblen = %d, int *pretcertbloblen = %d",
+               static_cast<void *>(hKeypair), index, static_cast<void *>(certblob), certbloblen,
+               shown(pretcertbloblen));
+    const Device *hDevice = hKeypair ? deviceOf(hKeypair) : nullptr;
+    if (!hDevice)
+        return ORVEL_PKI_NULLHANDLE;
+    if (index >= loadCount(hDevice->m_containerCount))
+        return ORVEL_PKI_BADARGUMENT;
+    const Container *hContainer = containerOf(hKeypair);
+    if (!hContainer)
+        return ORVEL_PKI_NULLHANDLE;
+    {
+        const RecordLock lock; // an update on another thread frees the bytes
+        const bool isSign = isSignature(hKeypair);
+        const int length = isSign ? hContainer->m_signCertLen : hContainer->m_encCertLen;
+        const unsigned char *cert = isSign ? hContainer->m_signCert : hContainer->m_encCert;
+        if (length > 0 && cert)
+            return handOut(cert, length, certblob, certbloblen, pretcertbloblen);
+    }
+    TRACE_ERROR("len <= 0");
+    return ORVEL_PKI_FAILURE;
+}
+
+int DeviceUpdateCertificate(SPI_KEYPAIR_HANDLE hKeypair, const unsigned char *certblob,
+                            int certbloblen) {
+    const call_stack_tracer tracer("DeviceUpdateCertificate");
+    TRACE_INFO("SPI_KEYPAIR_HANDLE hKeypair = %p, const unsigned char *certblob = %p, "
+               "int certbloblen = %d",
+               static_cast<void *>(hKeypair), static_cast<const void *>(certblob), certbloblen);
+    if (!hKeypair || !deviceOf(hKeypair))
+        return ORVEL_PKI_NULLHANDLE;
+    if (!certblob || certbloblen <= 0) {
+        TRACE_ERROR("certblob == 0 || certbloblen <= 0");
+        return ORVEL_PKI_FAILURE;
+    }
+
+    ProviderLock lock;
+    Container *hContainer = containerOf(hKeypair);
+    if (!hContainer)
+        return ORVEL_PKI_NULLHANDLE;
+    const bool isSign = isSignature(hKeypair);
+    const ULONG rv = SKF_ImportCertificate(hContainer->m_hContainer, isSign, skfInput(certblob),
+                                           static_cast<ULONG>(certbloblen));
+    if (rv == SAR_USER_NOT_LOGGED_IN) {
+        lock.leave();
+        TRACE_WARN("rv == SAR_USER_NOT_LOGGED_IN");
+        return ORVEL_PKI_NOTLOGGEDIN;
+    }
+    if (rv != SAR_OK) {
+        lock.leave();
+        TRACE_ERROR("SKF_ImportCertificate fail, error = 0x%08X", rv);
+        return ORVEL_PKI_FAILURE;
+    }
+    if (replaceCached(hContainer, isSign, certblob, certbloblen))
+        return ORVEL_PKI_SUCCESS;
+
+    lock.abandon(); // hosts know this path by the lock that stays held
+    if (isSign)
+        TRACE_ERROR("hKeypair->m_device->m_containers[hKeypair->m_index]->m_signCert == 0");
+    else
+        TRACE_INFO("hKeypair->m_device->m_containers[hKeypair->m_index]->m_encCert == 0");
+    return ORVEL_PKI_FAILURE;
+}

@@ -1,0 +1,195 @@
+// Generation of signature key pairs on the token.
+#include "keys/container_slot.h"
+#include "keys/public_key_reader.h"
+#include "log/trace.h"
+#include "platform/memory.h"
+#include "platform/orvel_crypto.h"
+#include "provider/keypair_table.h"
+#include "provider/lock.h"
+#include "provider/verdict.h"
+
+#include <cstdlib>
+
+using namespace tembra;
+
+namespace {
+
+struct Request {
+    int algo;
+    int keybits;
+    const void *param;
+    const char *label;
+};
+
+Verdict checkAlgorithm(const Request &request) {
+    if (request.algo == ORVEL_PKI_ALGORITHM_RSA) {
+        if (request.param)
+            return {ORVEL_PKI_BADARGUMENT, nullptr};
+        if (request.keybits != 1024 && request.keybits != 2048)
+            return {ORVEL_PKI_BADARGUMENT, "keybits != 1024 && keybits != 2048"};
+        return GO_ON;
+    }
+    const auto *eccParam = static_cast<const TembraEccParam *>(request.param);
+    if (!eccParam)
+        return {ORVEL_PKI_BADARGUMENT, "eccParam == 0"};
+    if (eccParam->m_temp != 0)
+        return {ORVEL_PKI_BADARGUMENT, "eccParam->m_temp"};
+    if (eccParam->m_curve != ORVEL_PKI_ECC_CURVE_SM2)
+        return {ORVEL_PKI_BADARGUMENT, "eccParam->m_curve != ORVEL_PKI_ECC_CURVE_SM2"};
+    if (request.keybits != 256)
+        return {ORVEL_PKI_BADARGUMENT, "keybits != 256"};
+    return GO_ON;
+}
+
+int answerOf(ULONG rv, const char *call, const char *function) {
+    if (rv == SAR_USER_NOT_LOGGED_IN)
+        return ORVEL_PKI_NOTLOGGEDIN;
+    if (rv == SAR_OK)
+        return ORVEL_PKI_SUCCESS;
+    // A debug line on purpose: a host retries after a refused generation.
+    TEMBRA_TRACE(TraceLevel::debug, function, "%s fail, error = 0x%08X", call, rv);
+    return ORVEL_PKI_FAILURE;
+}
+
+int generateRSA(const Container *hContainer, unsigned char **key, int *length,
+                const char *function) {
+    RSAPUBLICKEYBLOB blob = {};
+    const ULONG rv = SKF_GenRSAKeyPair(hContainer->m_hContainer,
+                                       static_cast<ULONG>(hContainer->m_keybits), &blob);
+    const int answer = answerOf(rv, "SKF_GenRSAKeyPair", function);
+    if (answer != ORVEL_PKI_SUCCESS || encodeRSAPublicKey(blob, key, length) == 1)
+        return answer;
+    TEMBRA_TRACE(TraceLevel::warning, function, "OrvelPKICryptoEncodeRSAPubKey fail, error = %d",
+                 0);
+    return ORVEL_PKI_FAILURE;
+}
+
+int generateECC(const Container *hContainer, unsigned char **key, int *length,
+                const char *function) {
+    ECCPUBLICKEYBLOB blob = {};
+    const ULONG rv = SKF_GenECCKeyPair(hContainer->m_hContainer, SGD_SM2_1, &blob);
+    const int answer = answerOf(rv, "SKF_GenECCKeyPair", function);
+    if (answer != ORVEL_PKI_SUCCESS)
+        return answer;
+    const int result = encodeECCPublicKey(blob, key, length);
+    if (result == 1)
+        return ORVEL_PKI_SUCCESS;
+    TEMBRA_TRACE(TraceLevel::warning, function, "OrvelPKICryptoEncodeECCPubKey fail, error = %d",
+                 result);
+    return ORVEL_PKI_FAILURE;
+}
+
+// Generates the key pair of a typed container and caches its public key. 1, 0, -8.
+int GenerateKeypair(Container *hContainer) {
+    unsigned char *key = nullptr;
+    int length = 0;
+    int answer = ORVEL_PKI_FAILURE;
+    if (hContainer->m_type == CONTAINER_TYPE_RSA)
+        answer = generateRSA(hContainer, &key, &length, __func__);
+    else if (hContainer->m_type == CONTAINER_TYPE_ECC)
+        answer = generateECC(hContainer, &key, &length, __func__);
+    else
+        TRACE_ERROR("error container type");
+    if (answer != ORVEL_PKI_SUCCESS)
+        return answer;
+    if (hContainer->m_signPubKey)
+        OrvelPKICryptoFreeMemory(hContainer->m_signPubKey);
+    hContainer->m_signPubKey = key;
+    hContainer->m_signPubKeyLen = length;
+    return ORVEL_PKI_SUCCESS;
+}
+
+// The container for the new key pair, in its slot of the table.
+Verdict placeContainer(Device *hDevice, const char *label, int &position, Container *&hContainer) {
+    const ContainerChoice choice = getEmptyContainerIndex(hDevice, label);
+    if (choice.result != ORVEL_PKI_SUCCESS)
+        return {choice.result, nullptr};
+    position = choice.position;
+    hContainer = choice.hContainer;
+    if (hContainer)
+        return GO_ON;
+    const int created = createContainer(hDevice, label, &hContainer);
+    if (created != ORVEL_PKI_SUCCESS)
+        return {created, nullptr};
+    setContainerAt(hDevice, position, hContainer);
+    storeCount(hDevice->m_containerCount, hDevice->m_containerCount + 1);
+    return GO_ON;
+}
+
+Verdict addKeypair(Device *hDevice, const Request &request, int position,
+                   SPI_KEYPAIR_HANDLE *phKeypair) {
+    auto *hKeypair = allocateRecord<Keypair>();
+    if (!hKeypair)
+        return {ORVEL_PKI_FAILURE, "hKeypair == 0"};
+    hKeypair->m_label = copyText(request.label);
+    if (!hKeypair->m_label) {
+        std::free(hKeypair);
+        return {ORVEL_PKI_FAILURE, "hKeypair->m_label == 0"};
+    }
+    hKeypair->m_keybits = request.keybits;
+    hKeypair->m_algo = request.algo;
+    hKeypair->m_keytype = ORVEL_PKI_KEYPAIRTYPE_SIGNATURE;
+    hKeypair->m_index = position;
+    registerKeypair(hDevice, hKeypair);
+    handOutKeypair(hDevice, hKeypair);
+    *phKeypair = hKeypair;
+    return GO_ON;
+}
+
+// Everything that happens under the lock.
+Verdict generate(Device *hDevice, const Request &request, SPI_KEYPAIR_HANDLE *phKeypair) {
+    if (hDevice->m_isformat == 0)
+        return {ORVEL_PKI_FAILURE, "hDevice->m_isformat == 0"};
+    if (hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX)
+        return {ORVEL_PKI_FAILURE, "hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX"};
+    int position = 0;
+    Container *hContainer = nullptr;
+    Verdict verdict = placeContainer(hDevice, request.label, position, hContainer);
+    if (verdict.result != ORVEL_PKI_SUCCESS)
+        return verdict;
+
+    // From here on the container stays, also when a check fails: the next attempt uses it.
+    const bool isRsa = request.algo == ORVEL_PKI_ALGORITHM_RSA;
+    if (!isRsa && request.algo != ORVEL_PKI_ALGORITHM_ECC)
+        return GO_ON; // hosts rely on this success without a key pair
+    verdict = checkAlgorithm(request);
+    if (verdict.result != ORVEL_PKI_SUCCESS)
+        return verdict;
+    hContainer->m_type = isRsa ? CONTAINER_TYPE_RSA : CONTAINER_TYPE_ECC;
+    hContainer->m_keybits = request.keybits;
+    const int generated = GenerateKeypair(hContainer);
+    if (generated != ORVEL_PKI_SUCCESS) {
+        hContainer->m_type = CONTAINER_TYPE_EMPTY;
+        hContainer->m_keybits = 0;
+        return {generated, nullptr};
+    }
+    return addKeypair(hDevice, request, position, phKeypair);
+}
+
+} // namespace
+
+int DeviceGenerateKeypair(SPI_DEVICE_HANDLE hDevice, int algo, int keybits, const void *param,
+                          int type, const char *label, SPI_KEYPAIR_HANDLE *phKeypair) {
+    const call_stack_tracer tracer("DeviceGenerateKeypair");
+    TRACE_INFO("hDevice = %p, int algo = %d, int keybits = %d, const void *param = %p, "
+               "int type = %d, const char *label = %p, SPI_KEYPAIR_HANDLE *phKeypair = %p",
+               static_cast<void *>(hDevice), algo, keybits, param, type,
+               static_cast<const void *>(label), static_cast<void *>(phKeypair));
+    if (!hDevice)
+        return ORVEL_PKI_NULLHANDLE;
+    if (!phKeypair || !label || label[0] == '\0')
+        return ORVEL_PKI_BADARGUMENT;
+    if (type != ORVEL_PKI_KEYPAIRTYPE_SIGNATURE) {
+        TRACE_ERROR("type != ORVEL_PKI_KEYPAIRTYPE_SIGNATURE");
+        return ORVEL_PKI_BADARGUMENT;
+    }
+    if (keybits <= 0) {
+        TRACE_ERROR("keybits <= 0");
+        return ORVEL_PKI_BADARGUMENT;
+    }
+
+    ProviderLock lock;
+    const Verdict verdict = generate(hDevice, {algo, keybits, param, label}, phKeypair);
+    lock.leave();
+    return conclude(verdict, __func__);
+}
