@@ -1,0 +1,142 @@
+// Signing with a signature key pair of a token.
+#include "log/trace.h"
+#include "platform/memory.h"
+#include "platform/orvel_crypto.h"
+#include "platform/skf_arguments.h"
+#include "provider/buffer.h"
+#include "provider/keypair_table.h"
+#include "provider/lock.h"
+#include "provider/verdict.h"
+
+using namespace tembra;
+
+namespace {
+
+constexpr int SM2_SIGNATURE_BOUND = 80; // above the largest encoded SM2 signature
+constexpr int SM2_INTEGER_LEN = 32;
+constexpr int SM2_INTEGER_AT = ECC_MAX_COORDINATE_LEN - SM2_INTEGER_LEN;
+constexpr ULONG VENDOR_NOT_LOGGED_IN = 0x000000B3;
+
+// One of the two token calls, under the lock; false when the pair's container is gone.
+template <typename Call>
+bool callToken(const Keypair *hKeypair, ULONG &rv, Call call) {
+    const ProviderLock lock;
+    const Container *hContainer = containerOf(hKeypair);
+    if (!hContainer)
+        return false;
+    rv = call(hContainer->m_hContainer);
+    return true;
+}
+
+int signRSA(const Keypair *hKeypair, const unsigned char *tbs, int tbslen, unsigned char *sign,
+            int signlen, int *pretsignlen, const char *function) {
+    ULONG length = static_cast<ULONG>(signlen);
+    ULONG rv = SAR_OK;
+    if (!callToken(hKeypair, rv, [&](HCONTAINER hCon) {
+            return SKF_RSASignData(hCon, skfInput(tbs), static_cast<ULONG>(tbslen), sign, &length);
+        }))
+        return fail("hKeypair->m_device == 0", function);
+    if (rv == SAR_USER_NOT_LOGGED_IN)
+        return conclude({ORVEL_PKI_NOTLOGGEDIN, "SKF_RSASignData fail,rv= SAR_USER_NOT_LOGGED_IN"},
+                        function);
+    if (rv != SAR_OK) {
+        TEMBRA_TRACE(TraceLevel::error, function, "SKF_RSASignData fail, error = 0x%08X", rv);
+        return ORVEL_PKI_FAILURE;
+    }
+    *pretsignlen = static_cast<int>(length);
+    return ORVEL_PKI_SUCCESS;
+}
+
+int encodeAndHandOut(const ECCSIGNATUREBLOB &blob, unsigned char *sign, int signlen,
+                     int *pretsignlen, const char *function) {
+    unsigned char *out = nullptr;
+    int outlen = 0;
+    const int result =
+        OrvelPKICryptoEncodeECCSignature(&blob.r[SM2_INTEGER_AT], SM2_INTEGER_LEN,
+                                         &blob.s[SM2_INTEGER_AT], SM2_INTEGER_LEN, &out, &outlen);
+    if (result != 1) {
+        TEMBRA_TRACE(TraceLevel::error, function,
+                     "OrvelPKICryptoEncodeECCSignature fail, error = %d", result);
+        return ORVEL_PKI_FAILURE;
+    }
+    const int rv = handOut(out, outlen, sign, signlen, pretsignlen);
+    OrvelPKICryptoFreeMemory(out);
+    if (rv != ORVEL_PKI_SUCCESS)
+        return conclude({rv, "signlen < sm2SignValueLen, ORVEL_PKI_MOREDATA"}, function);
+    TEMBRA_TRACE(TraceLevel::debug, function, "DeviceSign success");
+    return rv;
+}
+
+int signSM2(const Keypair *hKeypair, const unsigned char *tbs, int tbslen, unsigned char *sign,
+            int signlen, int *pretsignlen, const char *function) {
+    ECCSIGNATUREBLOB blob = {};
+    ULONG rv = SAR_OK;
+    if (!callToken(hKeypair, rv, [&](HCONTAINER hCon) {
+            return SKF_ECCSignData(hCon, skfInput(tbs), static_cast<ULONG>(tbslen), &blob);
+        }))
+        return fail("hKeypair->m_device == 0", function);
+    if (rv == SAR_USER_NOT_LOGGED_IN || rv == VENDOR_NOT_LOGGED_IN)
+        return conclude({ORVEL_PKI_NOTLOGGEDIN, " SKF_ECCSignData fail, rv == "
+                                                "SAR_USER_NOT_LOGGED_IN || rv == 0x000000b3"},
+                        function);
+    if (rv != SAR_OK) {
+        TEMBRA_TRACE(TraceLevel::error, function, "SKF_ECCSignData fail, error = 0x%08X", rv);
+        return ORVEL_PKI_FAILURE;
+    }
+    return encodeAndHandOut(blob, sign, signlen, pretsignlen, function);
+}
+
+// For any call, size queries included.
+Verdict checkArguments(const Keypair *hKeypair, const unsigned char *tbs, int tbslen,
+                       const int *pretsignlen) {
+    if (!hKeypair)
+        return {ORVEL_PKI_NULLHANDLE, "hKeypair == 0"};
+    if (hKeypair->m_keytype != ORVEL_PKI_KEYPAIRTYPE_SIGNATURE)
+        return {ORVEL_PKI_BADARGUMENT, "hKeypair->m_keytype != ORVEL_PKI_KEYPAIRTYPE_SIGNATURE"};
+    if (!pretsignlen)
+        return {ORVEL_PKI_BADARGUMENT, "pretsignlen == 0"};
+    if (tbslen < 0)
+        return {ORVEL_PKI_BADARGUMENT, "tbslen < 0"};
+    if (tbslen == 0 && tbs)
+        return {ORVEL_PKI_BADARGUMENT, "tbslen == 0 && tbs != 0"};
+    return GO_ON;
+}
+
+const char *wrongAlgorithm(const Keypair *hKeypair, int algo) {
+    switch (hKeypair->m_algo) {
+    case ORVEL_PKI_ALGORITHM_RSA:
+        return algo == ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_SIGN
+                   ? nullptr
+                   : "algo != ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_SIGN";
+    case ORVEL_PKI_ALGORITHM_ECC:
+        return algo == ORVEL_PKI_ALGORITHM_SM2_SIGN ? nullptr
+                                                    : "algo != ORVEL_PKI_ALGORITHM_SM2_SIGN";
+    default: return "error algo";
+    }
+}
+
+} // namespace
+
+int DeviceSign(SPI_KEYPAIR_HANDLE hKeypair, int algo, const void *param, const unsigned char *tbs,
+               int tbslen, unsigned char *sign, int signlen, int *pretsignlen) {
+    const call_stack_tracer tracer("DeviceSign");
+    TRACE_INFO("SPI_KEYPAIR_HANDLE hKeypair = %p, int algo = %d, const void *param = %p, "
+               "const unsigned char *tbs = %p, int tbslen = %d, unsigned char *sign = %p, "
+               "int signlen = %d, int *pretsignlen = %d",
+               static_cast<void *>(hKeypair), algo, param, static_cast<const void *>(tbs), tbslen,
+               static_cast<void *>(sign), signlen, shown(pretsignlen));
+    const Verdict verdict = checkArguments(hKeypair, tbs, tbslen, pretsignlen);
+    if (verdict.message)
+        return conclude(verdict, __func__);
+    const bool isRsa = hKeypair->m_algo == ORVEL_PKI_ALGORITHM_RSA;
+    if (!sign) {
+        *pretsignlen = isRsa ? (hKeypair->m_keybits + 7) / 8 : SM2_SIGNATURE_BOUND;
+        TRACE_DEBUG("DeviceSign success, sign == 0");
+        return ORVEL_PKI_SUCCESS;
+    }
+    const char *message = signlen <= 0 ? "signlen <= 0" : wrongAlgorithm(hKeypair, algo);
+    if (message)
+        return conclude({ORVEL_PKI_BADARGUMENT, message}, __func__);
+    return isRsa ? signRSA(hKeypair, tbs, tbslen, sign, signlen, pretsignlen, __func__)
+                 : signSM2(hKeypair, tbs, tbslen, sign, signlen, pretsignlen, __func__);
+}
