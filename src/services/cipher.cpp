@@ -1,0 +1,174 @@
+// Block ciphers on the token, without padding: every piece is one whole token operation, and the
+// provider carries the CBC chain from piece to piece and from call to call.
+#include "log/hex.h"
+#include "log/trace.h"
+#include "platform/memory.h"
+#include "platform/skf_arguments.h"
+#include "provider/cipher_algorithms.h"
+#include "provider/handle_list.h"
+#include "provider/lock.h"
+#include "provider/records.h"
+#include "provider/settings.h"
+#include "provider/verdict.h"
+
+using namespace tembra;
+
+namespace {
+
+constexpr int KEY_LEN = 16;
+constexpr ULONG IV_LEN = 16;
+
+// The record with its key imported and counted in the device's list, or null.
+CipherContext *createCipher(Device *hDevice, int enc, int algo, const unsigned char *key,
+                            const void *iv) {
+    HANDLE hKey = nullptr;
+    if (SKF_SetSymmKey(hDevice->m_hDev, skfInput(key), static_cast<ULONG>(skfCipherAlgorithm(algo)),
+                       &hKey) != SAR_OK)
+        return nullptr;
+    auto *hCipher = allocateRecord<CipherContext>();
+    if (!hCipher) {
+        SKF_CloseHandle(hKey);
+        return nullptr;
+    }
+    hCipher->m_device = hDevice;
+    hCipher->m_handle = hKey;
+    hCipher->m_enc = enc;
+    if (isChained(algo)) {
+        hCipher->m_chained = 1;
+        std::memcpy(hCipher->m_iv, iv, IV_LEN);
+    }
+    if (!appendHandle(hDevice->m_ciphers, hDevice->m_cipherAllocCount, hDevice->m_cipherCount,
+                      hCipher)) {
+        closeAndFree(hCipher);
+        return nullptr;
+    }
+    ++hDevice->m_refCount;
+    return hCipher;
+}
+
+int failedCall(const char *call, ULONG rv, const char *function) {
+    TEMBRA_TRACE(TraceLevel::error, function, "%s fail, error = 0x%08X", call, rv);
+    return ORVEL_PKI_FAILURE;
+}
+
+// One token operation over a piece; 1 or 0.
+int transformPiece(const CipherContext *hCipher, const unsigned char *in, ULONG piece,
+                   unsigned char *out, const char *function) {
+    BLOCKCIPHERPARAM param = {};
+    if (hCipher->m_chained) {
+        std::memcpy(param.IV, hCipher->m_iv, IV_LEN);
+        param.IVLen = IV_LEN;
+    }
+    ULONG partOutLen = piece;
+    ULONG rv = SAR_OK;
+    if (hCipher->m_enc) {
+        rv = SKF_EncryptInit(hCipher->m_handle, param);
+        if (rv != SAR_OK)
+            return failedCall("SKF_EncryptInit", rv, function);
+        rv = SKF_Encrypt(hCipher->m_handle, skfInput(in), piece, out, &partOutLen);
+        if (rv != SAR_OK)
+            return failedCall("SKF_Encrypt", rv, function);
+    } else {
+        rv = SKF_DecryptInit(hCipher->m_handle, param);
+        if (rv != SAR_OK)
+            return ORVEL_PKI_FAILURE; // no line here, unlike above: hosts know the trace so
+        rv = SKF_Decrypt(hCipher->m_handle, skfInput(in), piece, out, &partOutLen);
+        if (rv != SAR_OK)
+            return failedCall("SKF_Decrypt", rv, function);
+    }
+    return partOutLen == piece ? ORVEL_PKI_SUCCESS : fail("partOutLen != len", function);
+}
+
+// Two zeros a byte stand for the output: what came out never reaches the trace.
+void traceOutput(int length, const char *function) {
+    if (!traceEnabled(TraceLevel::verbose))
+        return;
+    const std::size_t digits = 2 * static_cast<std::size_t>(length);
+    auto *text = static_cast<char *>(allocateZeroed(digits + 1));
+    if (!text)
+        return;
+    std::memset(text, '0', digits);
+    writeLog("out[length:%d]: %s", traceTag(TraceLevel::verbose), function, length, text);
+    std::free(text);
+}
+
+int cipherUpdate(CipherContext *hCipher, const unsigned char *in, int inlen, unsigned char *out,
+                 int outlen, int *pretoutlen) {
+    if (outlen < inlen)
+        return fail("outlen < inlen", __func__);
+    const ULONG total = static_cast<ULONG>(inlen);
+    const ULONG limit = static_cast<ULONG>(g_maxOperationLen);
+    ULONG done = 0;
+    while (done < total) {
+        const ULONG piece = limit != 0 && total - done > limit ? limit : total - done;
+        unsigned char lastInput[IV_LEN] = {}; // out may be in
+        if (piece >= IV_LEN)
+            std::memcpy(lastInput, in + done + piece - IV_LEN, IV_LEN);
+        if (transformPiece(hCipher, in + done, piece, out + done, __func__) != ORVEL_PKI_SUCCESS)
+            return ORVEL_PKI_FAILURE;
+        done += piece;
+        if (hCipher->m_chained && piece >= IV_LEN)
+            std::memcpy(hCipher->m_iv, hCipher->m_enc ? out + done - IV_LEN : lastInput, IV_LEN);
+    }
+    *pretoutlen = inlen;
+    traceOutput(inlen, __func__);
+    return ORVEL_PKI_SUCCESS;
+}
+
+} // namespace
+
+SPI_CIPHER_HANDLE DeviceNewCipher(SPI_DEVICE_HANDLE hDevice, int enc, int algo,
+                                  const unsigned char *key, int keylen, const void *param) {
+    const call_stack_tracer tracer("DeviceNewCipher");
+    TRACE_INFO("hDevice = %p, int enc = %d, int algo = %d, const unsigned char *key = %p, "
+               "int keylen = %d, const void *param = %p",
+               static_cast<void *>(hDevice), enc, algo, static_cast<const void *>(key), keylen,
+               param);
+    if (!hDevice || skfCipherAlgorithm(algo) == -1 || !key || keylen != KEY_LEN)
+        return nullptr;
+    if (isChained(algo) && !param)
+        return nullptr;
+    const ProviderLock lock;
+    return createCipher(hDevice, enc, algo, key, param);
+}
+
+int DeviceCipherUpdate(SPI_CIPHER_HANDLE hCipher, const unsigned char *in, int inlen,
+                       unsigned char *out, int outlen, int *pretoutlen) {
+    const call_stack_tracer tracer("DeviceCipherUpdate");
+    TRACE_INFO("SPI_CIPHER_HANDLE hCipher = %p, const unsigned char *in = %p, int inlen = %d, "
+               "unsigned char *out = %p, int outlen = %d, int *pretoutlen = %p",
+               static_cast<void *>(hCipher), static_cast<const void *>(in), inlen,
+               static_cast<void *>(out), outlen, static_cast<void *>(pretoutlen));
+    {
+        const HexText hex(in, inlen); // built also when the line is not written
+        if (hex.text() && traceEnabled(TraceLevel::verbose))
+            writeLog("in[length:%d]: %s", traceTag(TraceLevel::verbose), __func__, inlen,
+                     hex.text());
+    }
+    if (!hCipher)
+        return ORVEL_PKI_NULLHANDLE;
+    if (!pretoutlen || inlen < 0)
+        return ORVEL_PKI_BADARGUMENT;
+    *pretoutlen = inlen;
+    if (inlen == 0)
+        return !out || outlen >= 0 ? ORVEL_PKI_SUCCESS : ORVEL_PKI_BADARGUMENT;
+    if (!in)
+        return ORVEL_PKI_BADARGUMENT;
+    if (!out)
+        return ORVEL_PKI_SUCCESS;
+    if (outlen < inlen)
+        return ORVEL_PKI_MOREDATA;
+    return cipherUpdate(hCipher, in, inlen, out, outlen, pretoutlen);
+}
+
+int DeviceFreeCipher(SPI_CIPHER_HANDLE hCipher) {
+    const call_stack_tracer tracer("DeviceFreeCipher");
+    TRACE_INFO("SPI_CIPHER_HANDLE hCipher = %p", static_cast<void *>(hCipher));
+    if (!hCipher)
+        return ORVEL_PKI_SUCCESS;
+    Device *hDevice = hCipher->m_device;
+    removeHandle(hDevice->m_ciphers, hDevice->m_cipherCount, hCipher);
+    closeAndFree(hCipher);
+    DeviceFreeDevice(hDevice);
+    return ORVEL_PKI_SUCCESS;
+}

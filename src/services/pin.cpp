@@ -1,0 +1,139 @@
+// PINs. Their texts are written to the trace in clear at level information: that is part of the
+// trace's contract.
+#include "log/trace.h"
+#include "platform/skf_arguments.h"
+#include "provider/lock.h"
+#include "provider/records.h"
+#include "provider/verdict.h"
+#include "services/device_auth.h"
+
+using namespace tembra;
+
+namespace {
+
+constexpr const char *NOT_FORMATTED = "hDevice->m_isformat == 0";
+
+bool isPinType(int type) {
+    return type == TEMBRA_PWD_USER || type == TEMBRA_PWD_ADMIN;
+}
+
+ULONG skfPinType(int type) {
+    return type == TEMBRA_PWD_USER ? USER_TYPE : ADMIN_TYPE;
+}
+
+// The token counts in unsigned numbers, the host in signed ones of the same width.
+ULONG *skfCount(int *number) {
+    return reinterpret_cast<ULONG *>(number);
+}
+
+// wrongPin is the one code that means a wrong PIN in this call; failed begins the line of any
+// other.
+int answerOf(ULONG rv, ULONG wrongPin, const char *failed, const char *function) {
+    if (rv == wrongPin)
+        return ORVEL_PKI_WRONGPIN;
+    if (rv == SAR_PIN_LEN_RANGE)
+        return ORVEL_PKI_PINLENGTH;
+    if (rv == SAR_OK)
+        return ORVEL_PKI_SUCCESS;
+    TEMBRA_TRACE(TraceLevel::error, function, "%s = 0x%08X", failed, rv);
+    return ORVEL_PKI_FAILURE;
+}
+
+// Calls the token under the lock; false for a token without application.
+template <typename Call>
+bool callToken(const Device *hDevice, ULONG &rv, Call call) {
+    const ProviderLock lock;
+    if (hDevice->m_isformat == 0)
+        return false;
+    rv = call(hDevice->m_hApp);
+    return true;
+}
+
+} // namespace
+
+int DeviceVerifyPwd(SPI_DEVICE_HANDLE hDevice, int type, const char *pwd, int *pretrynum) {
+    const call_stack_tracer tracer("DeviceVerifyPwd");
+    TRACE_INFO("hDevice = %p, type = %d, pwd = %s, *pretrynum = %d", static_cast<void *>(hDevice),
+               type, shown(pwd), shown(pretrynum));
+    if (!hDevice)
+        return ORVEL_PKI_NULLHANDLE;
+    if (!pwd)
+        return ORVEL_PKI_BADARGUMENT;
+    if (type == TEMBRA_PWD_DEVICE_AUTH)
+        return VerifySuperPwd(hDevice, pwd, pretrynum);
+    if (!isPinType(type))
+        return ORVEL_PKI_BADARGUMENT;
+    if (!hDevice->m_hApp)
+        return fail("hDevice->m_hApp == 0", __func__);
+
+    ProviderLock lock;
+    const ULONG rv =
+        SKF_VerifyPIN(hDevice->m_hApp, skfPinType(type), skfInput(pwd), skfCount(pretrynum));
+    lock.leave();
+    return answerOf(rv, SAR_PIN_INCORRECT, "SKF_VerifyPIN fail, error", __func__);
+}
+
+int DeviceChangePwd(SPI_DEVICE_HANDLE hDevice, int type, const char *oldpwd, const char *newpwd,
+                    int *pretrynum) {
+    const call_stack_tracer tracer("DeviceChangePwd");
+    TRACE_INFO("hDevice = %p, int type = %d, const char *oldpwd = %s, const char *newpwd = %s, "
+               "int *pretrynum = %d",
+               static_cast<void *>(hDevice), type, shown(oldpwd), shown(newpwd), shown(pretrynum));
+    if (!hDevice)
+        return ORVEL_PKI_NULLHANDLE;
+    if (!isPinType(type) || !oldpwd || !newpwd)
+        return ORVEL_PKI_BADARGUMENT;
+    ULONG rv = SAR_OK;
+    if (!callToken(hDevice, rv, [&](HAPPLICATION hApp) {
+            return SKF_ChangePIN(hApp, skfPinType(type), skfInput(oldpwd), skfInput(newpwd),
+                                 skfCount(pretrynum));
+        }))
+        return fail(NOT_FORMATTED, __func__);
+    return answerOf(rv, SAR_PIN_INCORRECT, "SKF_ChangePIN fail, error", __func__);
+}
+
+int DeviceUnlockPwd(SPI_DEVICE_HANDLE hDevice, int type, const char *sopwd, const char *newpwd,
+                    int *pretrynum) {
+    const call_stack_tracer tracer("DeviceUnlockPwd");
+    TRACE_INFO("hDevice = %p, int type = %d, const char *sopwd = %s, const char *newpwd = %s, "
+               "int *pretrynum = %p",
+               static_cast<void *>(hDevice), type, shown(sopwd), shown(newpwd),
+               static_cast<void *>(pretrynum));
+    if (!hDevice)
+        return ORVEL_PKI_NULLHANDLE;
+    if (type != TEMBRA_PWD_USER || !sopwd || !newpwd)
+        return ORVEL_PKI_BADARGUMENT;
+    ULONG rv = SAR_OK;
+    if (!callToken(hDevice, rv, [&](HAPPLICATION hApp) {
+            return SKF_UnblockPIN(hApp, skfInput(sopwd), skfInput(newpwd), skfCount(pretrynum));
+        }))
+        return fail(NOT_FORMATTED, __func__);
+    // Here the locked PIN counts as the wrong one, unlike above.
+    return answerOf(rv, SAR_PIN_LOCKED, "rv != SAR_OK, rv", __func__);
+}
+
+int DeviceGetPwdRetryNum(SPI_DEVICE_HANDLE hDevice, int type, int *pretrynum) {
+    const call_stack_tracer tracer("DeviceGetPwdRetryNum");
+    // The full-width comma is part of the line that readers of the trace look for.
+    TRACE_INFO("hDevice = %p, int type = %d\xEF\xBC\x8C int *pretrynum = %d",
+               static_cast<void *>(hDevice), type, shown(pretrynum));
+    if (!hDevice)
+        return ORVEL_PKI_NULLHANDLE;
+    if (!isPinType(type))
+        return ORVEL_PKI_BADARGUMENT;
+    ULONG maximum = 0;
+    ULONG remaining = 0;
+    BOOL isDefault = 0;
+    ULONG rv = SAR_OK;
+    if (!callToken(hDevice, rv, [&](HAPPLICATION hApp) {
+            return SKF_GetPINInfo(hApp, skfPinType(type), &maximum, &remaining, &isDefault);
+        }))
+        return fail(NOT_FORMATTED, __func__);
+    if (rv != SAR_OK) {
+        TRACE_ERROR("SKF_GetPINInfo fail, error : 0x%08X", rv);
+        return ORVEL_PKI_FAILURE;
+    }
+    if (pretrynum)
+        *pretrynum = static_cast<int>(remaining);
+    return ORVEL_PKI_SUCCESS;
+}
