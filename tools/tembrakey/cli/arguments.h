@@ -1,0 +1,38 @@
+// What a command takes on its command line. Keeps the parsing library out of the commands.
+#pragma once
+
+#include <initializer_list>
+#include <string>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
+namespace tembra::tool {
+
+// Each function declares one argument: the spec is "-o,--out FILE" for an option with its value's
+// name, "--so" for a flag, "FILE" for a positional argument. The help text is English and is
+// translated here. Targets keep their value when the argument is absent, and must outlive parsing.
+class Arguments {
+public:
+    explicit Arguments(CLI::App &app) : app_(app) {}
+
+    Arguments &text(const char *spec, std::string &target, const char *help);
+    Arguments &number(const char *spec, int &target, const char *help, int least, int most);
+    Arguments &flag(const char *spec, bool &target, const char *help);
+    Arguments &choice(const char *spec, std::string &target,
+                      std::initializer_list<const char *> choices, const char *help);
+
+    // The argument declared last must be given; it cannot stand with another one.
+    Arguments &required();
+    Arguments &excludes(const char *option);
+
+private:
+    Arguments &declare(CLI::Option *option, const std::string &valueName);
+
+    CLI::App &app_;
+    CLI::Option *last_ = nullptr;
+};
+
+} // namespace tembra::tool

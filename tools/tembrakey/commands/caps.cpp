@@ -1,0 +1,81 @@
+#include "tembrakey/commands/commands.h"
+#include "tembrakey/provider/devices.h"
+#include "tembrakey/text/text.h"
+
+namespace tembra::tool {
+
+namespace {
+
+const int sm3 = ORVEL_PKI_ALGORITHM_SM3;
+const TembraEccParam sm2Curve = {ORVEL_PKI_ECC_CURVE_SM2, 0};
+
+// One question to the provider.
+struct Question {
+    const char *algorithm;
+    const char *usage;
+    int algorithmId;
+    int bits;
+    int usageId;
+    const void *param;
+};
+
+const Question questions[] = {
+    {"SM2", "generate a key pair", ORVEL_PKI_ALGORITHM_ECC, 256, ORVEL_PKI_USAGE_GENKEYPAIR,
+     &sm2Curve},
+    {"SM2", "sign", ORVEL_PKI_ALGORITHM_SM2_SIGN, 0, ORVEL_PKI_USAGE_SIGN, nullptr},
+    {"SM2", "decrypt", ORVEL_PKI_ALGORITHM_SM2_ENC, 0, ORVEL_PKI_USAGE_DECRYPT, &sm3},
+    {"RSA-1024", "generate a key pair", ORVEL_PKI_ALGORITHM_RSA, 1024, ORVEL_PKI_USAGE_GENKEYPAIR,
+     nullptr},
+    {"RSA-2048", "generate a key pair", ORVEL_PKI_ALGORITHM_RSA, 2048, ORVEL_PKI_USAGE_GENKEYPAIR,
+     nullptr},
+    {"RSA PKCS#1 v1.5", "sign", ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_SIGN, 0, ORVEL_PKI_USAGE_SIGN,
+     nullptr},
+    {"RSA PKCS#1 v1.5", "decrypt", ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC, 0,
+     ORVEL_PKI_USAGE_DECRYPT, nullptr},
+    {"SM3", "hash", ORVEL_PKI_ALGORITHM_SM3, 0, ORVEL_PKI_USAGE_HASH, nullptr},
+    {"SM4-ECB", "encrypt", ORVEL_PKI_ALGORITHM_SMS4_ECB, 0, ORVEL_PKI_USAGE_ENCRYPT, nullptr},
+    {"SM4-CBC", "encrypt", ORVEL_PKI_ALGORITHM_SMS4_CBC, 0, ORVEL_PKI_USAGE_ENCRYPT, nullptr},
+    {"SM1-ECB", "encrypt", ORVEL_PKI_ALGORITHM_SM1_ECB, 0, ORVEL_PKI_USAGE_ENCRYPT, nullptr},
+    {"SM1-CBC", "encrypt", ORVEL_PKI_ALGORITHM_SM1_CBC, 0, ORVEL_PKI_USAGE_ENCRYPT, nullptr},
+    {"SM1-ECB", "import a key pair", ORVEL_PKI_ALGORITHM_SM1_ECB, 0, ORVEL_PKI_USAGE_IMPORTKEYPAIR,
+     nullptr},
+    {"SSF33-ECB", "encrypt", ORVEL_PKI_ALGORITHM_SSF33_ECB, 0, ORVEL_PKI_USAGE_ENCRYPT, nullptr},
+    {"SSF33-CBC", "encrypt", ORVEL_PKI_ALGORITHM_SSF33_CBC, 0, ORVEL_PKI_USAGE_ENCRYPT, nullptr},
+};
+
+class Caps final : public Command {
+public:
+    void describe(Arguments &) override {}
+    void run(Context &context) override;
+};
+
+void Caps::run(Context &context) {
+    const Session session(context.provider);
+    const Device device = chooseDevice(session, context.device);
+    Record::List rows;
+    std::string text;
+    for (const Question &one : questions) {
+        const bool yes =
+            session->DeviceIsSupportedAlgorithm2(device.get(), one.algorithmId, one.bits,
+                                                 one.usageId, one.param) == ORVEL_PKI_SUCCESS;
+        rows.push_back(
+            Record().add("algorithm", one.algorithm).add("usage", one.usage).add("supported", yes));
+        char line[64];
+        std::snprintf(line, sizeof line, "%-16s ", one.algorithm);
+        text += (text.empty() ? "" : "\n") + std::string(yes ? "+ " : "- ") + line + tr(one.usage);
+    }
+    context.console.result(Record().add("capabilities", std::move(rows)), text);
+}
+
+} // namespace
+
+const CommandEntry capsCommand = {
+    "caps", "Show which algorithms the token supports (+ yes, - no)",
+    "SM3 and SM4 also need the provider's settings HasSM3 and HasSM4.\n"
+    "\n"
+    "Examples:\n"
+    "  tembrakey caps\n"
+    "  tembrakey --device 1 caps --json",
+    make<Caps>};
+
+} // namespace tembra::tool

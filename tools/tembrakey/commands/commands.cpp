@@ -1,0 +1,18 @@
+#include "tembrakey/commands/commands.h"
+
+namespace tembra::tool {
+
+std::span<const CommandEntry *const> commandTable() {
+    static const CommandEntry *const table[] = {
+        &listCommand,        &capsCommand,        &loginCommand,      &pinVerifyCommand,
+        &pinChangeCommand,   &pinUnblockCommand,  &pinRetriesCommand, &keyGenerateCommand,
+        &keyDeleteCommand,   &keyExportCommand,   &keyImportCommand,  &keyEnvelopeCommand,
+        &certImportCommand,  &certExportCommand,  &signCommand,       &encryptCommand,
+        &decryptCommand,     &hashCommand,        &randomCommand,     &dataCreateCommand,
+        &dataReadCommand,    &dataWriteCommand,   &dataDeleteCommand, &tokenListCommand,
+        &tokenCreateCommand, &tokenRemoveCommand,
+    };
+    return table;
+}
+
+} // namespace tembra::tool

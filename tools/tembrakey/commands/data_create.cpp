@@ -1,0 +1,62 @@
+#include <limits>
+
+#include "tembrakey/commands/commands.h"
+#include "tembrakey/provider/devices.h"
+#include "tembrakey/provider/login.h"
+#include "tembrakey/provider/results.h"
+#include "tembrakey/text/text.h"
+
+namespace tembra::tool {
+
+namespace {
+
+class DataCreate final : public Command {
+public:
+    void describe(Arguments &arguments) override {
+        const int most = std::numeric_limits<int>::max();
+        arguments.number("ID", id_, "The object's number", 0, most)
+            .required()
+            .number("--size N", size_, "Its size in bytes, which stays", 0, most)
+            .required()
+            .choice("--anyone", anyone_, {"none", "r", "w", "rw"}, "Rights of anyone (none)")
+            .choice("--user", user_, {"none", "r", "w", "rw"}, "Rights after user login (rw)");
+        pin_.describe(arguments);
+    }
+    void run(Context &context) override {
+        const Session session(context.provider);
+        const Device device = chooseDevice(session, context.device);
+        logInIfGiven(device, pin_);
+        const char mode[] = {3, rights(anyone_), rights(user_)};
+        const int result = session->DeviceCreateData(device.get(), id_, mode, size_);
+        check("DeviceCreateData", result,
+              {ORVEL_PKI_FAILURE, tr("the token may be full or without application")});
+        context.console.result(
+            Record().add("id", id_).add("size", size_),
+            tr("Data object {1} created, {2} bytes", {std::to_string(id_), std::to_string(size_)}));
+    }
+
+private:
+    // Bit 0 reading, bit 1 writing.
+    static char rights(const std::string &text) {
+        const bool reading = text.find('r') != std::string::npos;
+        const bool writing = text.find('w') != std::string::npos;
+        return static_cast<char>((reading ? 1 : 0) | (writing ? 2 : 0));
+    }
+
+    int id_ = 0;
+    int size_ = 0;
+    std::string anyone_ = "none";
+    std::string user_ = "rw";
+    PinSource pin_{"pin", "User PIN"};
+};
+
+} // namespace
+
+const CommandEntry dataCreateCommand = {
+    "data create", "Create a data object of a fixed size",
+    "Examples:\n"
+    "  tembrakey data create 7 --size 256 --pin-env PIN\n"
+    "  tembrakey data create 8 --size 64 --anyone r --user rw --pin-env PIN",
+    make<DataCreate>};
+
+} // namespace tembra::tool

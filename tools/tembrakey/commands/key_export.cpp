@@ -1,0 +1,50 @@
+#include "crypto/pem.h"
+#include "tembrakey/commands/commands.h"
+#include "tembrakey/io/files.h"
+#include "tembrakey/provider/devices.h"
+#include "tembrakey/provider/key_pairs.h"
+#include "tembrakey/text/text.h"
+
+namespace tembra::tool {
+
+namespace {
+
+class KeyExport final : public Command {
+public:
+    void describe(Arguments &arguments) override {
+        key_.describe(arguments, true);
+        arguments.text("-o,--out FILE", out_, "Where the PEM goes (else standard output)");
+    }
+    void run(Context &context) override;
+
+private:
+    KeyPairChoice key_;
+    std::string out_;
+};
+
+void KeyExport::run(Context &context) {
+    const Session session(context.provider);
+    const Device device = chooseDevice(session, context.device);
+    const KeyPair pair = chooseKeyPair(device, key_);
+    const std::string pem = crypto::encodePem("PUBLIC KEY", publicKeyDer(pair));
+    Record record;
+    record.add("label", label(pair)).add("type", key_.type).add("algorithm", algorithmName(pair));
+    if (out_.empty()) {
+        context.console.result(record.add("pem", pem), pem.substr(0, pem.size() - 1));
+        return;
+    }
+    writeWhole(out_, {reinterpret_cast<const std::uint8_t *>(pem.data()), pem.size()});
+    if (out_ != "-")
+        context.console.result(record.add("out", out_), tr("Public key written to {1}", {out_}));
+}
+
+} // namespace
+
+const CommandEntry keyExportCommand = {
+    "key export", "Export a public key as PEM SubjectPublicKeyInfo",
+    "Examples:\n"
+    "  tembrakey key export --label alice --out alice.pem\n"
+    "  tembrakey key export --label alice --type encrypt | openssl pkey -pubin -text -noout",
+    make<KeyExport>};
+
+} // namespace tembra::tool

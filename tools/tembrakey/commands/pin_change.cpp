@@ -1,0 +1,51 @@
+#include "tembrakey/commands/commands.h"
+#include "tembrakey/commands/pin_texts.h"
+#include "tembrakey/provider/devices.h"
+#include "tembrakey/provider/login.h"
+#include "tembrakey/text/text.h"
+
+namespace tembra::tool {
+
+namespace {
+
+class PinChange final : public Command {
+public:
+    void describe(Arguments &arguments) override {
+        arguments.flag("--so", so_, "The administrator PIN instead of the user PIN");
+        pin_.describe(arguments);
+        newPin_.describe(arguments);
+    }
+    void run(Context &context) override {
+        const Session session(context.provider);
+        const Device device = chooseDevice(session, context.device);
+        const SecretText oldPin = pin_.read();
+        const SecretText newPin = newPin_.readNew();
+        const int type = so_ ? TEMBRA_PWD_ADMIN : TEMBRA_PWD_USER;
+        int tries = -1;
+        checkPin(
+            "DeviceChangePwd", device, type,
+            session->DeviceChangePwd(device.get(), type, oldPin.c_str(), newPin.c_str(), &tries));
+        context.console.result(
+            Record().add("pin", so_ ? "administrator" : "user").add("changed", true),
+            tr("The PIN is changed"));
+    }
+
+private:
+    bool so_ = false;
+    PinSource pin_{"pin", "Present PIN"};
+    PinSource newPin_{"new-pin", "New PIN"};
+};
+
+} // namespace
+
+const CommandEntry pinChangeCommand = {
+    "pin change", "Change a PIN",
+    TEMBRA_PIN_WARNING "\n"
+                       "Examples:\n"
+                       "  tembrakey pin change\n"
+                       "  tembrakey pin change --pin-env OLD --new-pin-env NEW\n"
+                       "  printf '%s\\n' \"$OLD\" \"$NEW\" | tembrakey pin change --pin-fd 0 "
+                       "--new-pin-fd 0",
+    make<PinChange>};
+
+} // namespace tembra::tool

@@ -1,0 +1,105 @@
+#include "crypto/hex.h"
+#include "crypto/sm2_sign.h"
+#include "tembrakey/commands/commands.h"
+#include "tembrakey/io/files.h"
+#include "tembrakey/io/stream.h"
+#include "tembrakey/provider/buffers.h"
+#include "tembrakey/provider/devices.h"
+#include "tembrakey/provider/key_pairs.h"
+#include "tembrakey/provider/login.h"
+#include "tembrakey/text/text.h"
+
+namespace tembra::tool {
+
+namespace {
+
+class Sign final : public Command {
+public:
+    void describe(Arguments &arguments) override {
+        arguments.text("FILE", file_, "The file to sign (- is standard input)").required();
+        key_.describe(arguments, false);
+        arguments
+            .text("--signer-id ID", signerId_,
+                  "SM2: the signer's identity (1234567812345678 unless agreed otherwise)")
+            .text("-o,--out FILE", out_,
+                  "Where the signature goes as bytes (else it is printed in hex)");
+        pin_.describe(arguments);
+    }
+    void run(Context &context) override;
+
+private:
+    crypto::Bytes digestInfo() const;
+    crypto::Bytes sm2Digest(const KeyPair &pair) const;
+    crypto::Bytes fileDigest(crypto::Digest digest) const;
+
+    std::string file_;
+    KeyPairChoice key_;
+    std::string signerId_{crypto::sm2DefaultSignerId};
+    std::string out_;
+    PinSource pin_{"pin", "User PIN"};
+};
+
+crypto::Bytes Sign::fileDigest(crypto::Digest digest) const {
+    forEachPiece(file_, tr("Hashing"), [&](crypto::ByteView piece) { digest.update(piece); });
+    return digest.value();
+}
+
+crypto::Bytes Sign::digestInfo() const {
+    return crypto::sha256DigestInfo(fileDigest(crypto::Digest(crypto::DigestAlgorithm::sha256)));
+}
+
+crypto::Bytes Sign::sm2Digest(const KeyPair &pair) const {
+    const auto key = publicKey(pair);
+    const auto *sm2 = std::get_if<crypto::Sm2PublicKey>(&key);
+    if (sm2 == nullptr)
+        throw Failure(ExitCode::Failure, tr("The public key of {1} is no SM2 key", {label(pair)}));
+    const auto z = crypto::sm2SignerDigest(*sm2, signerId_);
+    if (!z)
+        throw Failure(ExitCode::Usage, tr("The signer's identity is longer than 8191 bytes"));
+    crypto::Digest digest(crypto::DigestAlgorithm::sm3);
+    digest.update(*z);
+    return fileDigest(std::move(digest));
+}
+
+void Sign::run(Context &context) {
+    const Session session(context.provider);
+    const Device device = chooseDevice(session, context.device);
+    const KeyPair pair = chooseKeyPair(device, key_);
+    const bool rsa = isRsa(pair);
+    const int algorithm =
+        rsa ? ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_SIGN : ORVEL_PKI_ALGORITHM_SM2_SIGN;
+    const crypto::Bytes toSign = rsa ? digestInfo() : sm2Digest(pair);
+    logIn(device, pin_);
+    const auto signature = readBytes("DeviceSign", [&](auto *buffer, int capacity, int *length) {
+        return session->DeviceSign(pair.get(), algorithm, nullptr, toSign.data(),
+                                   static_cast<int>(toSign.size()), buffer, capacity, length);
+    });
+    Record record;
+    record.add("label", label(pair)).add("algorithm", rsa ? "rsa-sha256" : "sm2-sm3");
+    if (out_.empty()) {
+        const std::string hex = crypto::toHex(signature);
+        context.console.result(record.add("signature", hex), hex);
+        return;
+    }
+    writeWhole(out_, signature);
+    if (out_ != "-")
+        context.console.result(record.add("out", out_), tr("Signature written to {1}", {out_}));
+}
+
+} // namespace
+
+const CommandEntry signCommand = {
+    "sign", "Sign a file with a key on the token",
+    "SM2 keys sign the SM3 digest of Z and the file; the signature is DER. RSA keys sign the "
+    "file's\n"
+    "SHA-256 digest with PKCS #1 v1.5 padding.\n"
+    "\n"
+    "Examples:\n"
+    "  tembrakey sign letter.txt --label alice --out letter.sig --pin-env PIN\n"
+    "  openssl dgst -sm3 -verify alice.pem -sigopt distid:1234567812345678 \\\n"
+    "      -signature letter.sig letter.txt\n"
+    "  tembrakey sign letter.txt --label bob --out letter.rsa\n"
+    "  openssl dgst -sha256 -verify bob.pem -signature letter.rsa letter.txt",
+    make<Sign>};
+
+} // namespace tembra::tool

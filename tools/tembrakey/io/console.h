@@ -1,0 +1,38 @@
+// What the tool says: results on standard output, everything else on standard error.
+#pragma once
+
+#include <string>
+
+#include "crypto/bytes.h"
+#include "tembrakey/cli/failure.h"
+#include "tembrakey/io/record.h"
+
+namespace tembra::tool {
+
+class Console {
+public:
+    explicit Console(bool json) : json_(json) {}
+
+    bool json() const { return json_; }
+
+    // The result: the record with --json, else the text, which needs no line end.
+    void result(const Record &record, const std::string &text) const;
+
+    // Only for people, on standard error; silent with --json.
+    void note(const std::string &text) const;
+
+    // "tembrakey: ..." or, with --json, an object that begins with the member "error"; on
+    // standard error.
+    void error(const Failure &failure) const;
+
+    // Asks yes or no when standard input is a terminal; elsewhere the answer is yes.
+    bool confirms(const std::string &question) const;
+
+    // Makes sure that everything printed has arrived. Throws Failure.
+    void finish() const;
+
+private:
+    bool json_;
+};
+
+} // namespace tembra::tool

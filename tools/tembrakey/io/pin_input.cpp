@@ -1,0 +1,97 @@
+#include "tembrakey/io/pin_input.h"
+
+#include <cstdio>
+
+#include "tembrakey/cli/failure.h"
+#include "tembrakey/platform/files.h"
+#include "tembrakey/platform/process.h"
+#include "tembrakey/platform/terminal.h"
+#include "tembrakey/text/text.h"
+
+namespace tembra::tool {
+
+namespace {
+
+constexpr std::size_t longest = 1024; // far beyond what tokens take
+
+// A line under construction, wiped whatever happens.
+struct Line {
+    char text[longest] = {};
+    ~Line() { crypto::wipe(text, sizeof text); }
+};
+
+SecretText fromDescriptor(int descriptor) {
+    Line line;
+    std::size_t used = 0;
+    for (char c = 0; used < longest - 1; line.text[used++] = c) {
+        const int count = platform::readDescriptor(descriptor, &c, 1);
+        if (count < 0)
+            throw Failure(ExitCode::InputOutput, tr("Cannot read a PIN from descriptor {1}",
+                                                    {std::to_string(descriptor)}));
+        if (count == 0 || c == '\n')
+            break;
+    }
+    if (used > 0 && line.text[used - 1] == '\r')
+        --used;
+    return SecretText(std::string_view(line.text, used));
+}
+
+SecretText fromEnvironment(const std::string &variable) {
+    auto value = platform::environment(variable);
+    if (!value)
+        throw Failure(ExitCode::Usage, tr("The environment variable {1} is not set", {variable}));
+    SecretText text(*value);
+    crypto::wipe(value->data(), value->size());
+    return text;
+}
+
+SecretText fromPrompt(const std::string &prompt) {
+    std::fprintf(stderr, "%s: ", prompt.c_str());
+    std::fflush(stderr);
+    Line line;
+    if (!platform::readTerminalLine(line.text, longest, true))
+        throw Failure(ExitCode::InputOutput, tr("No PIN was entered"));
+    return SecretText(line.text);
+}
+
+} // namespace
+
+void PinSource::describe(Arguments &arguments, const char *alias) {
+    std::string variable = "--" + std::string(name_) + "-env";
+    std::string descriptor = "--" + std::string(name_) + "-fd";
+    if (alias != nullptr) {
+        variable += ",--" + std::string(alias) + "-env";
+        descriptor += ",--" + std::string(alias) + "-fd";
+    }
+    arguments
+        .text((variable + " NAME").c_str(), variable_,
+              tr("{1} from an environment variable", {tr(what_)}).c_str())
+        .number((descriptor + " N").c_str(), descriptor_,
+                tr("{1} from a line of an open file descriptor", {tr(what_)}).c_str(), 0, 65535)
+        .excludes(variable.substr(0, variable.find(',')).c_str());
+}
+
+bool PinSource::available() const {
+    return given() || platform::isTerminal(stdin);
+}
+
+SecretText PinSource::read() const {
+    if (!variable_.empty())
+        return fromEnvironment(variable_);
+    if (descriptor_ >= 0)
+        return fromDescriptor(descriptor_);
+    if (platform::isTerminal(stdin))
+        return fromPrompt(tr(what_));
+    throw Failure(
+        ExitCode::Usage,
+        tr("There is no terminal to ask for the PIN: use --{1}-env NAME or --{1}-fd N", {name_}));
+}
+
+SecretText PinSource::readNew() const {
+    SecretText pin = read();
+    if (!given() && !(fromPrompt(tr("{1} again", {tr(what_)})) == pin))
+        throw Failure(ExitCode::Usage, tr("The two PINs differ"));
+    return pin;
+}
+
+} // namespace tembra::tool

@@ -1,0 +1,34 @@
+// How far a long job is, on standard error.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tembra::tool {
+
+// Draws a bar once the job has taken a second, and only at a terminal; wipes it at the end.
+class Progress {
+public:
+    Progress(std::string what, std::optional<std::uint64_t> totalBytes);
+    ~Progress();
+    Progress(const Progress &) = delete;
+    Progress &operator=(const Progress &) = delete;
+
+    void advance(std::uint64_t bytes);
+
+private:
+    using Clock = std::chrono::steady_clock;
+    void draw();
+
+    std::string what_;
+    std::optional<std::uint64_t> total_;
+    std::uint64_t done_ = 0;
+    bool atTerminal_;
+    bool drawn_ = false;
+    Clock::time_point start_;
+    Clock::time_point next_;
+};
+
+} // namespace tembra::tool

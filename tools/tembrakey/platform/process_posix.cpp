@@ -1,0 +1,34 @@
+#include "tembrakey/platform/process.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+namespace tembra::tool::platform {
+
+std::vector<std::string> arguments(int argc, char **argv) {
+    return argc > 1 ? std::vector<std::string>(argv + 1, argv + argc) : std::vector<std::string>();
+}
+
+std::optional<std::string> environment(const std::string &name) {
+    const char *value = std::getenv(name.c_str());
+    return value == nullptr ? std::nullopt : std::optional<std::string>(value);
+}
+
+std::string executableFolder() {
+    std::error_code error;
+    const auto path = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? std::string() : path.parent_path().string();
+}
+
+bool systemSpeaksChinese() {
+    return false;
+}
+
+void prepareStreams() {}
+
+std::string libraryFileName(const std::string &name) {
+    return "lib" + name + ".so";
+}
+
+} // namespace tembra::tool::platform

@@ -1,0 +1,59 @@
+#include "tembrakey/provider/devices.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "tembrakey/cli/failure.h"
+#include "tembrakey/provider/buffers.h"
+#include "tembrakey/provider/results.h"
+#include "tembrakey/text/text.h"
+
+namespace tembra::tool {
+
+DeviceSet allDevices(const Session &session) {
+    DeviceSet set(session, session->DeviceGetAllDevices());
+    if (!set)
+        refuseNull("DeviceGetAllDevices", tr("memory is short"));
+    return set;
+}
+
+std::string serialNumber(const Device &device) {
+    return readText("DeviceGetSerialNumber", device.session()->DeviceGetSerialNumber, device.get());
+}
+
+std::string label(const Device &device) {
+    return readText("DeviceGetLabel", device.session()->DeviceGetLabel, device.get());
+}
+
+namespace {
+
+bool isIndex(const std::string &text) {
+    return text.size() <= 4 &&
+           std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+} // namespace
+
+Device chooseDevice(const Session &session, const std::string &wanted) {
+    const DeviceSet set = allDevices(session);
+    const int count = session->DeviceGetDeviceCount(set.get());
+    std::vector<int> matching;
+    for (int i = 0; i < count; ++i) {
+        const Device device(session, session->DeviceGetDevice(set.get(), i));
+        if (wanted.empty() || serialNumber(device) == wanted)
+            matching.push_back(i);
+    }
+    if (matching.empty() && !wanted.empty() && isIndex(wanted) && std::stoi(wanted) < count)
+        matching.push_back(std::stoi(wanted));
+    if (matching.empty())
+        throw Failure(ExitCode::NotFound,
+                      wanted.empty() ? tr("No token is connected")
+                                     : tr("There is no device {1}: list shows them", {wanted}));
+    if (matching.size() > 1)
+        throw Failure(ExitCode::NotFound,
+                      tr("There are several devices: choose one with --device INDEX (list shows "
+                         "them)"));
+    return Device(session, session->DeviceGetDevice(set.get(), matching.front()));
+}
+
+} // namespace tembra::tool

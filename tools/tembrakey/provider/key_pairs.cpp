@@ -1,0 +1,93 @@
+#include "tembrakey/provider/key_pairs.h"
+
+#include "tembrakey/cli/failure.h"
+#include "tembrakey/provider/buffers.h"
+#include "tembrakey/text/text.h"
+
+namespace tembra::tool {
+
+void KeyPairChoice::describe(Arguments &arguments, bool withType) {
+    arguments.text("-l,--label LABEL", label,
+                   "The key's label, the name of its container (else the only key there is)");
+    if (withType)
+        arguments.choice("--type", type, {"sign", "encrypt"}, "Which pair of the container");
+}
+
+int KeyPairChoice::typeNumber() const {
+    return type == "encrypt" ? ORVEL_PKI_KEYPAIRTYPE_ENCRYPT : ORVEL_PKI_KEYPAIRTYPE_SIGNATURE;
+}
+
+namespace {
+
+KeyPair onlyKeyPair(const Device &device, const KeyPairChoice &choice) {
+    const Session &session = device.session();
+    KeyPair found(session, nullptr);
+    const int count = session->DeviceGetKeypairCount(device.get());
+    for (int i = 0; i < count; ++i) {
+        KeyPair pair(session, session->DeviceGetKeypair(device.get(), i));
+        if (session->DeviceGetKeypairType(pair.get()) != choice.typeNumber())
+            continue;
+        if (found)
+            throw Failure(ExitCode::NotFound,
+                          tr("There are several keys: choose one with --label (list shows them)"));
+        found = std::move(pair);
+    }
+    if (!found)
+        throw Failure(ExitCode::NotFound,
+                      tr("The device has no key pair of type {1}", {choice.type}));
+    return found;
+}
+
+} // namespace
+
+KeyPair chooseKeyPair(const Device &device, const KeyPairChoice &choice) {
+    if (choice.label.empty())
+        return onlyKeyPair(device, choice);
+    const Session &session = device.session();
+    SPI_KEYPAIR_HANDLE handle = nullptr;
+    if (session->DeviceFindKeypair(device.get(), choice.typeNumber(), choice.label.c_str(),
+                                   &handle) != ORVEL_PKI_SUCCESS)
+        throw Failure(ExitCode::NotFound,
+                      tr("There is no key pair of type {1} with the label {2}: list shows them",
+                         {choice.type, choice.label}));
+    return KeyPair(session, handle);
+}
+
+std::string label(const KeyPair &pair) {
+    return readText("DeviceGetKeypairLabel", pair.session()->DeviceGetKeypairLabel, pair.get());
+}
+
+const char *typeName(const KeyPair &pair) {
+    const int type = pair.session()->DeviceGetKeypairType(pair.get());
+    return type == ORVEL_PKI_KEYPAIRTYPE_ENCRYPT ? "encrypt" : "sign";
+}
+
+bool isRsa(const KeyPair &pair) {
+    return pair.session()->DeviceGetKeypairAlgorithm(pair.get()) == ORVEL_PKI_ALGORITHM_RSA;
+}
+
+const char *algorithmName(const KeyPair &pair) {
+    return isRsa(pair) ? "rsa" : "sm2";
+}
+
+crypto::Bytes publicKeyDer(const KeyPair &pair) {
+    const Session &session = pair.session();
+    const PublicKeyHandle key(session, session->DeviceGetPublicKeyFromKeypair(pair.get()));
+    if (!key)
+        refuseNull("DeviceGetPublicKeyFromKeypair", tr("the container has no such public key"));
+    return readBytes("DeviceExportPublicKey",
+                     [&](unsigned char *buffer, int capacity, int *length) {
+                         return session->DeviceExportPublicKey(key.get(), buffer, capacity, length);
+                     });
+}
+
+crypto::PublicKey publicKey(const KeyPair &pair) {
+    const auto key = crypto::decodePublicKey(publicKeyDer(pair));
+    if (!key)
+        throw Failure(ExitCode::Failure,
+                      tr("The host library's encoding of the public key is no X.509 "
+                         "SubjectPublicKeyInfo"));
+    return *key;
+}
+
+} // namespace tembra::tool

@@ -1,0 +1,117 @@
+#include "tembrakey/token/soft_token_library.h"
+
+#include <cstdio>
+
+#include "tembrakey/cli/failure.h"
+#include "tembrakey/io/beside.h"
+#include "tembrakey/text/text.h"
+
+namespace tembra::tool {
+
+const char *const softTokenPrefix = "TEMBRA-SOFT-";
+
+namespace {
+
+struct Meaning {
+    std::uint32_t code;
+    ExitCode exitCode;
+    const char *text;
+};
+
+const Meaning meanings[] = {
+    {0x0A000004, ExitCode::InputOutput, "a file could not be read or written"},
+    {0x0A000006, ExitCode::Usage, "a value is out of range"},
+    {0x0A000009, ExitCode::Usage, "a name or text is empty or too long"},
+    {0x0A000023, ExitCode::NotFound, "there is no token of that name (see token list)"},
+    {0x0A000027, ExitCode::PinLength, "PINs have 6 to 16 bytes"},
+    {0x0A00002C, ExitCode::AlreadyExists, "the token has an application of that name"},
+    {0x0A00002F, ExitCode::AlreadyExists, "there is a token with that serial number"},
+    {0x0A000030, ExitCode::Failure, "the token has no room for it"},
+};
+
+void check(const char *function, std::uint32_t result) {
+    if (result == 0)
+        return;
+    const Meaning *found = nullptr;
+    for (const Meaning &one : meanings) {
+        if (one.code == result)
+            found = &one;
+    }
+    char code[16];
+    std::snprintf(code, sizeof code, "0x%08X", static_cast<unsigned>(result));
+    throw Failure(found != nullptr ? found->exitCode : ExitCode::Failure,
+                  tr("{1} answered {2}: {3}",
+                     {function, code,
+                      tr(found != nullptr ? found->text
+                                          : "no directory for tokens, or a file that is none")}),
+                  function, static_cast<int>(result));
+}
+
+} // namespace
+
+template <typename Function>
+void SoftTokenLibrary::find(Function *&function, const char *name) {
+    function = reinterpret_cast<Function *>(library_.symbol(name));
+    if (function == nullptr)
+        throw Failure(
+            ExitCode::NoProvider,
+            tr("{1} is not the development kit's software token: it lacks {2}", {path_, name}));
+}
+
+SoftTokenLibrary::SoftTokenLibrary()
+    : path_(firstReadable(librariesBeside("QXSKFAPI"), tr("the software token's library"),
+                          tr("it comes with the development kit"))) {
+    const std::string reason = library_.open(path_);
+    if (!reason.empty())
+        throw Failure(ExitCode::NoProvider, tr("{1} cannot be loaded: {2}", {path_, reason}));
+    find(create_, "TembraSoftTokenCreate");
+    find(remove_, "TembraSoftTokenRemove");
+    find(addApplication_, "TembraSoftTokenAddApplication");
+    find(list_, "TembraSoftTokenList");
+    find(directory_, "TembraSoftTokenDirectory");
+}
+
+std::string SoftTokenLibrary::create(const TembraSoftTokenOptions &options) const {
+    char name[64] = {};
+    std::uint32_t size = sizeof name;
+    check("TembraSoftTokenCreate", create_(&options, name, &size));
+    return name;
+}
+
+void SoftTokenLibrary::addApplication(const std::string &token,
+                                      const TembraSoftTokenApplication &application) const {
+    check("TembraSoftTokenAddApplication", addApplication_(token.c_str(), &application));
+}
+
+void SoftTokenLibrary::remove(const std::string &token) const {
+    check("TembraSoftTokenRemove", remove_(token.c_str()));
+}
+
+namespace {
+
+std::string readAll(const char *function, std::uint32_t (*read)(char *, std::uint32_t *)) {
+    std::uint32_t size = 0;
+    check(function, read(nullptr, &size));
+    std::string text(size + 1, '\0');
+    check(function, read(text.data(), &size));
+    text.resize(size);
+    return text;
+}
+
+} // namespace
+
+std::vector<std::string> SoftTokenLibrary::list() const {
+    const std::string names = readAll("TembraSoftTokenList", list_);
+    std::vector<std::string> result;
+    for (std::size_t at = 0; at < names.size() && names[at] != '\0';) {
+        result.emplace_back(names.c_str() + at);
+        at += result.back().size() + 1;
+    }
+    return result;
+}
+
+std::string SoftTokenLibrary::directory() const {
+    return readAll("TembraSoftTokenDirectory", directory_).c_str();
+}
+
+} // namespace tembra::tool
