@@ -36,7 +36,9 @@ Arguments &Arguments::text(const char *spec, std::string &target, const char *he
 Arguments &Arguments::number(const char *spec, int &target, const char *help, int least, int most) {
     const Spec parts = split(spec);
     CLI::Option *option = app_.add_option(parts.names, target, tr(help));
-    option->check(CLI::Range(least, most));
+    CLI::Range range(least, most);
+    range.description("");
+    option->check(range);
     return declare(option, parts.value);
 }
 

@@ -23,6 +23,8 @@ public:
     void parse(std::vector<std::string> arguments);
     void run(Context &context);
     Context context() const;
+    // What the command line has that nobody takes.
+    std::vector<std::string> unknown() const { return app_.remaining(true); }
     // The way to the innermost command named, for "tembrakey key generate --help".
     std::string path() const;
     int exit(const CLI::ParseError &error) { return app_.exit(error); }
@@ -71,6 +73,7 @@ CLI::App &CommandLine::group(const std::string &name) {
         app = app_.add_subcommand(name, tr(groupSummary(name)));
         shape(*app);
         app->require_subcommand(1);
+        app->footer("");
     }
     return *app;
 }
@@ -114,8 +117,10 @@ std::string CommandLine::path() const {
 }
 
 int usageError(const CommandLine &line, const CLI::ParseError &error, bool json) {
-    const std::string message =
-        std::string(error.what()) + " " + tr("(see {1} --help)", {line.path()});
+    const auto unknown = line.unknown();
+    const std::string what =
+        unknown.empty() ? error.what() : tr("There is no {1} here", {unknown.front()});
+    const std::string message = what + " " + tr("(see {1} --help)", {line.path()});
     Console(json).error(Failure(ExitCode::Usage, message));
     return static_cast<int>(ExitCode::Usage);
 }

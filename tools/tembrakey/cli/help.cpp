@@ -41,10 +41,22 @@ const char *groupSummary(const std::string &name) {
     return "Data objects on the token";
 }
 
+namespace {
+
+// The library's own pages without its remarks on types, ranges and exclusions.
+class HelpFormatter final : public CLI::Formatter {
+    std::string make_option_opts(const CLI::Option *option) const override {
+        const std::string value = option->get_type_name();
+        return value.empty() ? "" : " " + value;
+    }
+};
+
+} // namespace
+
 std::shared_ptr<CLI::FormatterBase> makeHelpFormatter() {
-    auto formatter = std::make_shared<CLI::Formatter>();
+    auto formatter = std::make_shared<HelpFormatter>();
     formatter->column_width(34);
-    for (const char *word : {"Usage", "Positionals", "Options", "Subcommands", "REQUIRED"})
+    for (const char *word : {"Usage", "Positionals", "Options", "Subcommands"})
         formatter->label(word, tr(word));
     for (const char *word : {"OPTIONS", "SUBCOMMAND"})
         formatter->label(word, tr(word));

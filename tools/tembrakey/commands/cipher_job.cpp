@@ -36,6 +36,11 @@ private:
     std::uint64_t written_ = 0;
 };
 
+[[noreturn]] void refuseLength() {
+    throw Failure(ExitCode::Usage,
+                  tr("The input's length is no multiple of 16 bytes (--pad lets encrypt fill up)"));
+}
+
 SPI_CIPHER_HANDLE newCipher(const Device &device, const CipherChoice &choice, bool encrypt) {
     const crypto::SecretBytes key = choice.key();
     const crypto::Bytes iv = choice.iv();
@@ -97,7 +102,7 @@ void CipherJob::finish() {
         return;
     }
     if (!tail_.empty())
-        throw Failure(ExitCode::Usage, tr("The input's length is no multiple of 16 bytes"));
+        refuseLength();
     if (padded_)
         removePadding();
 }
@@ -106,6 +111,9 @@ void CipherJob::finish() {
 
 std::uint64_t runCipher(const Device &device, const CipherChoice &choice, bool encrypt,
                         const std::string &in, const std::string &out) {
+    const bool whole = !encrypt || !choice.padded(); // blocks only
+    if (whole && InputFile(in).size().value_or(0) % blockSize != 0)
+        refuseLength();
     OutputFile file(out);
     CipherJob job(device, choice, encrypt, file);
     forEachPiece(in, encrypt ? tr("Encrypting") : tr("Decrypting"),

@@ -106,6 +106,9 @@ void List::run(Context &context) {
         devices.push_back(std::move(shown.record));
         text += (text.empty() ? "" : "\n") + shown.text;
     }
+    if (devices.empty() && !context.device.empty())
+        throw Failure(ExitCode::NotFound,
+                      tr("There is no device {1}: list shows them", {context.device}));
     if (devices.empty())
         text = tr("No token is connected");
     context.console.result(Record().add("devices", std::move(devices)), text);

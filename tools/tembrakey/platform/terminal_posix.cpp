@@ -47,8 +47,8 @@ public:
     HiddenInput &operator=(const HiddenInput &) = delete;
 
 private:
+    termios before_ = {}; // read by the initialiser of hidden_
     bool hidden_;
-    termios before_ = {};
     struct sigaction actionsBefore_[4] = {};
 };
 

@@ -8,12 +8,11 @@ namespace tembra::tool {
 
 namespace {
 
-std::string triesAdvice(int tries) {
-    if (tries == 0)
-        return tr("the PIN is locked (pin unblock sets a new user PIN)");
+std::string triesAdvice(int type, int tries) {
     if (tries > 0)
         return tr("tries left: {1}", {std::to_string(tries)});
-    return {};
+    return type == TEMBRA_PWD_USER ? tr("the PIN is locked; pin unblock sets a new one")
+                                   : tr("the administrator PIN is locked");
 }
 
 int triesLeft(const Device &device, int type) {
@@ -27,17 +26,19 @@ int triesLeft(const Device &device, int type) {
 void checkPin(const char *entryPoint, const Device &device, int type, int result) {
     if (type == TEMBRA_PWD_DEVICE_AUTH) {
         check(entryPoint, result,
-              {ORVEL_PKI_WRONGPIN, tr("the device-authentication key is wrong")});
+              {result, result == ORVEL_PKI_WRONGPIN
+                           ? tr("the device-authentication key is wrong")
+                           : tr("the device-authentication key has 32 digits or letters")});
         return;
     }
     const bool refused = result == ORVEL_PKI_WRONGPIN || result == ORVEL_PKI_FAILURE;
     const int tries = refused ? triesLeft(device, type) : -1;
     if (result == ORVEL_PKI_FAILURE && tries == 0) // a locked PIN is a plain failure to the token
         throw Failure(ExitCode::WrongPin,
-                      tr("{1} answered {2}: {3}", {entryPoint, "0", triesAdvice(0)}), entryPoint,
-                      result);
+                      tr("{1} answered {2}: {3}", {entryPoint, "0", triesAdvice(type, 0)}),
+                      entryPoint, result);
     check(entryPoint, result,
-          tries < 0 ? Advice() : Advice{ORVEL_PKI_WRONGPIN, triesAdvice(tries)});
+          tries < 0 ? Advice() : Advice{ORVEL_PKI_WRONGPIN, triesAdvice(type, tries)});
 }
 
 void verifyPin(const Device &device, int type, const SecretText &pin) {
