@@ -3,7 +3,7 @@
 if(NOT CMAKE_CROSSCOMPILING)
   find_package(nlohmann_json REQUIRED)
   find_package(CLI11 REQUIRED)
-else()
+elseif(NOT TARGET CLI11::CLI11) # global there, made once
   set(header_only ${CMAKE_BINARY_DIR}/header-only)
   file(MAKE_DIRECTORY ${header_only})
   foreach(folder nlohmann CLI)
