@@ -10,8 +10,7 @@ namespace {
 
 // `number` has no more bytes than `field`, which is zero.
 void alignRight(std::span<BYTE> field, crypto::ByteView number) {
-    std::copy(number.begin(), number.end(),
-              field.end() - static_cast<std::ptrdiff_t>(number.size()));
+    std::copy_backward(number.begin(), number.end(), field.end());
 }
 
 crypto::Sm2Number numberFrom(crypto::ByteView field) {

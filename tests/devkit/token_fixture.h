@@ -1,0 +1,70 @@
+// A software token in a directory of its own, connected, with one application opened.
+#pragma once
+
+#include "platform/skf.h"
+#include "tembra_soft_token.h"
+
+#include "crypto/sm2_key.h"
+#include "process_environment.h"
+#include "temporary_directory.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace tembra::test {
+
+// The interface takes texts it doesn't change as char *.
+inline LPSTR text(const char *name) {
+    return const_cast<LPSTR>(name);
+}
+
+class TokenTest : public ::testing::Test {
+protected:
+    static constexpr const char *adminPin = "12345678";
+    static constexpr const char *userPin = "111111";
+
+    TokenTest();
+    ~TokenTest() override; // every handle of the test must be closed by then
+
+    void open();
+    void close();
+    void login() {
+        ASSERT_EQ(SAR_OK, SKF_VerifyPIN(application, USER_TYPE, text(userPin), nullptr));
+    }
+    void loginAdmin() {
+        ASSERT_EQ(SAR_OK, SKF_VerifyPIN(application, ADMIN_TYPE, text(adminPin), nullptr));
+    }
+    HCONTAINER create(const char *name);
+    // A container with a signature key; the public key goes to blob.
+    HCONTAINER createSm2(const char *name, ECCPUBLICKEYBLOB *blob = nullptr);
+    HCONTAINER createRsa(const char *name, ULONG bits, RSAPUBLICKEYBLOB *blob = nullptr);
+    ULONG freeSpace() const;
+
+    TemporaryDirectory directory;
+    std::string name;
+    DEVHANDLE device = nullptr;
+    HAPPLICATION application = nullptr;
+};
+
+crypto::Sm2PublicKey publicKey(const ECCPUBLICKEYBLOB &blob);
+
+// The names of a list, after the whole protocol: asking for the size, one byte short, exact.
+std::vector<std::string> listed(auto function) {
+    ULONG size = 0;
+    EXPECT_EQ(SAR_OK, function(nullptr, &size));
+    std::string list(size, '?');
+    ULONG shorter = size - 1;
+    EXPECT_EQ(SAR_BUFFER_TOO_SMALL, function(list.data(), &shorter));
+    EXPECT_EQ(size, shorter);
+    EXPECT_EQ(std::string(size, '?'), list) << "a buffer that is too short stays untouched";
+    EXPECT_EQ(SAR_OK, function(list.data(), &size));
+    std::vector<std::string> names;
+    for (const char *at = list.data(); *at != '\0'; at += names.back().size() + 1) {
+        names.emplace_back(at);
+    }
+    return names;
+}
+
+} // namespace tembra::test
