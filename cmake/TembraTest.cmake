@@ -45,13 +45,21 @@ function(tembra_test name)
   target_link_libraries(${name} PRIVATE ${arg_LIBS} GTest::gmock)
   tembra_warnings(${name})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${TEMBRA_TEST_BIN_DIR})
-  set(properties TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}" ENVIRONMENT
-    "${TEMBRA_TEST_ENVIRONMENT}")
   if(arg_WHOLE)
     add_test(NAME ${name} COMMAND ${name})
-    set_tests_properties(${name} PROPERTIES ${properties})
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}"
+      ENVIRONMENT "${TEMBRA_TEST_ENVIRONMENT}")
   else()
-    gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_MODE PRE_TEST
-      DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
+    gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
+    # The cases are known only when ctest runs, and the properties are lists, which cannot be handed
+    # to the discovery: a file that ctest reads after it gives them.
+    set(file ${CMAKE_CURRENT_BINARY_DIR}/${name}_properties.cmake)
+    file(CONFIGURE OUTPUT ${file} @ONLY CONTENT [[
+if(@name@_TESTS)
+  set_tests_properties(${@name@_TESTS} PROPERTIES TIMEOUT @arg_TIMEOUT@
+    LABELS "@arg_LABELS@" ENVIRONMENT "@TEMBRA_TEST_ENVIRONMENT@")
+endif()
+]])
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${file})
   endif()
 endfunction()
