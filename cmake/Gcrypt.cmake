@@ -14,18 +14,25 @@ set_target_properties(Gcrypt::gcrypt PROPERTIES
   INTERFACE_INCLUDE_DIRECTORIES "${GCRYPT_INCLUDE_DIR}"
   INTERFACE_LINK_LIBRARIES "${GCRYPT_LIBRARY};${GPG_ERROR_LIBRARY}")
 
-set(TEMBRA_GCRYPT_DLLS "")
+# On Windows a target with the property TEMBRA_STATIC_GCRYPT needs none of those DLLs.
+set(static_gcrypt $<BOOL:$<TARGET_PROPERTY:TEMBRA_STATIC_GCRYPT>>)
 if(WIN32)
-  foreach(name libgcrypt-20.dll libgpg-error-0.dll)
-    find_file(TEMBRA_DLL_${name} ${name} PATH_SUFFIXES bin REQUIRED)
-    list(APPEND TEMBRA_GCRYPT_DLLS ${TEMBRA_DLL_${name}})
-  endforeach()
+  find_library(GCRYPT_STATIC_LIBRARY libgcrypt.a REQUIRED)
+  find_library(GPG_ERROR_STATIC_LIBRARY libgpg-error.a REQUIRED)
+  set_target_properties(Gcrypt::gcrypt PROPERTIES INTERFACE_LINK_LIBRARIES
+    "$<IF:${static_gcrypt},${GCRYPT_STATIC_LIBRARY},${GCRYPT_LIBRARY}>;$<IF:${static_gcrypt},${GPG_ERROR_STATIC_LIBRARY},${GPG_ERROR_LIBRARY}>;ws2_32")
+endif()
+
+if(WIN32)
+  find_file(GCRYPT_DLL libgcrypt-20.dll PATH_SUFFIXES bin REQUIRED)
+  find_file(GPG_ERROR_DLL libgpg-error-0.dll PATH_SUFFIXES bin REQUIRED)
 endif()
 
 function(tembra_copy_gcrypt target)
-  if(TEMBRA_GCRYPT_DLLS)
+  if(WIN32)
     add_custom_command(TARGET ${target} POST_BUILD
-      COMMAND ${CMAKE_COMMAND} -E copy_if_different ${TEMBRA_GCRYPT_DLLS} $<TARGET_FILE_DIR:${target}>
+      COMMAND ${CMAKE_COMMAND} -E copy_if_different
+        ${GCRYPT_DLL} ${GPG_ERROR_DLL} $<TARGET_FILE_DIR:${target}>
       VERBATIM)
   endif()
 endfunction()
