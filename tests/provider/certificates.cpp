@@ -1,0 +1,109 @@
+// Certificates: served from memory, written through to the token.
+#include "scripted_test.h"
+
+namespace tembra::test {
+namespace {
+
+class Certificates : public ScriptedTest {
+protected:
+    Bytes certificateOf(SPI_KEYPAIR_HANDLE handle, int index = 0) {
+        Bytes bytes(100);
+        int length = 0;
+        EXPECT_EQ(DeviceGetCertificate(handle, index, bytes.data(), 100, &length), 1);
+        bytes.resize(static_cast<std::size_t>(length));
+        return bytes;
+    }
+};
+
+TEST_F(Certificates, BelongToTheKindOfTheirPair) {
+    ContainerModel both = ecc("both", true, true);
+    both.signCertificate = {1, 2, 3};
+    both.encryptCertificate = {4, 5};
+    insert({both, ecc("none", true, false), {"empty"}});
+    SPI_KEYPAIR_HANDLE sign = pair("both", 2);
+    mark();
+    EXPECT_EQ(DeviceGetCertificateCount(sign), 1);
+    EXPECT_THAT(trace().texts(), ElementsAre(info("DeviceGetCertificateCount",
+                                                  "hKeypair=%p, hKeypair->m_keytype = 2")));
+    EXPECT_EQ(certificateOf(sign), (Bytes{1, 2, 3}));
+    EXPECT_EQ(certificateOf(pair("both", 1)), (Bytes{4, 5}));
+    for (const int index :
+         {2, 1, 0, -1, -0x7FFFFFFF}) { // bounded by the containers, selects nothing
+        EXPECT_EQ(certificateOf(sign, index), (Bytes{1, 2, 3})) << index;
+    }
+    int length = 77;
+    mark();
+    EXPECT_EQ(DeviceGetCertificate(sign, 3, nullptr, 9, &length), -1);
+    EXPECT_THAT(
+        trace().texts(),
+        ElementsAre(info("DeviceGetCertificate",
+                         "SPI_KEYPAIR_HANDLE hKeypair = %p, int index = 3, unsigned char "
+                         "*certblob = (nil), int certbloblen = 9, int *pretcertbloblen = 77")));
+    SPI_KEYPAIR_HANDLE none = pair("none", 2);
+    EXPECT_EQ(DeviceGetCertificateCount(none), 0);
+    EXPECT_EQ(DeviceGetCertificate(none, 0, nullptr, 0, &length), 0);
+    EXPECT_EQ(length, 77);
+    EXPECT_THAT(trace().failures(), ElementsAre(error("DeviceGetCertificate", "len <= 0")));
+}
+
+TEST_F(Certificates, AreUpdatedOnTheTokenAndInMemory) {
+    ContainerModel model = ecc("both", true, true);
+    model.signCertificate = {1, 2, 3};
+    ApplicationModel &application = insert({model});
+    const Bytes longer = {9, 8, 7, 6, 5};
+    for (const int type : {2, 1}) {
+        SPI_KEYPAIR_HANDLE handle = pair("both", type);
+        EXPECT_EQ(DeviceUpdateCertificate(handle, longer.data(), 5), 1);
+        EXPECT_EQ(script().SKF_ImportCertificate.argument<1>(), type == 2);
+        EXPECT_THAT(
+            trace().texts(),
+            ElementsAre(info("DeviceUpdateCertificate",
+                             "SPI_KEYPAIR_HANDLE hKeypair = %p, const unsigned char *certblob = "
+                             "%p, int certbloblen = 5")));
+        EXPECT_EQ(DeviceGetCertificateCount(handle), 1);
+        EXPECT_EQ(certificateOf(handle), longer);
+    }
+    EXPECT_EQ(application.containers.front().signCertificate, longer);
+    EXPECT_EQ(application.containers.front().encryptCertificate, longer);
+}
+
+TEST_F(Certificates, KeepTheOldOneWhenTheUpdateFails) {
+    ContainerModel model = ecc("sm2", true, false);
+    model.signCertificate = {1, 2, 3};
+    insert({model});
+    SPI_KEYPAIR_HANDLE handle = pair("sm2", 2);
+    const unsigned char bytes[] = {7, 7};
+    const struct {
+        ULONG answer;
+        int result;
+        std::string line;
+    } answers[] = {
+        {SAR_USER_NOT_LOGGED_IN, -8,
+         warning("DeviceUpdateCertificate", "rv == SAR_USER_NOT_LOGGED_IN")},
+        {0xB3, 0,
+         error("DeviceUpdateCertificate", "SKF_ImportCertificate fail, error = 0x000000B3")},
+        {SAR_FAIL, 0,
+         error("DeviceUpdateCertificate", "SKF_ImportCertificate fail, error = 0x0A000001")},
+    };
+    for (const auto &at : answers) {
+        script().SKF_ImportCertificate.answer(at.answer);
+        mark();
+        EXPECT_EQ(DeviceUpdateCertificate(handle, bytes, 2), at.result);
+        EXPECT_THAT(trace().failures(), ElementsAre(at.line));
+    }
+    const int calls = script().SKF_ImportCertificate.calls();
+    const struct {
+        const unsigned char *bytes;
+        int length;
+    } empty[] = {{nullptr, 2}, {bytes, 0}, {bytes, -1}, {nullptr, 0}};
+    for (const auto &at : empty) {
+        mark();
+        EXPECT_EQ(DeviceUpdateCertificate(handle, at.bytes, at.length), 0);
+        EXPECT_EQ(trace().failures().size(), 1u);
+    }
+    EXPECT_EQ(script().SKF_ImportCertificate.calls(), calls) << "the token is not asked";
+    EXPECT_EQ(certificateOf(handle), (Bytes{1, 2, 3}));
+}
+
+} // namespace
+} // namespace tembra::test

@@ -1,0 +1,262 @@
+// Block ciphers: the chain across pieces and calls, in place and not, and what goes to the token.
+#include "scripted_test.h"
+
+#include <cstring>
+
+namespace tembra::test {
+namespace {
+
+constexpr int sm4Cbc = ORVEL_PKI_ALGORITHM_SMS4_CBC;
+constexpr int sm4Ecb = ORVEL_PKI_ALGORITHM_SMS4_ECB;
+
+Bytes counting(std::size_t size) {
+    Bytes bytes(size);
+    for (std::size_t i = 0; i < size; ++i) {
+        bytes[i] = static_cast<unsigned char>(i * 31 + 7);
+    }
+    return bytes;
+}
+
+class Ciphers : public ScriptedTest {
+protected:
+    // The data through a new cipher in updates of these sizes, the last one repeated.
+    Bytes run(int enc, int algo, const Bytes &data, std::vector<int> sizes, bool inPlace) {
+        SPI_CIPHER_HANDLE cipher = DeviceNewCipher(device, enc, algo, key.data(), 16, iv.data());
+        EXPECT_NE(cipher, nullptr);
+        Bytes out = inPlace ? data : Bytes(data.size());
+        for (std::size_t at = 0, i = 0; at < data.size(); ++i) {
+            const int size =
+                std::min(sizes[std::min(i, sizes.size() - 1)], static_cast<int>(data.size() - at));
+            int length = 0;
+            EXPECT_EQ(DeviceCipherUpdate(cipher, inPlace ? &out[at] : &data[at], size, &out[at],
+                                         size, &length),
+                      1);
+            EXPECT_EQ(length, size);
+            at += static_cast<std::size_t>(size);
+        }
+        DeviceFreeCipher(cipher);
+        return out;
+    }
+
+    const Bytes key = counting(16);
+    const Bytes iv = Bytes(16, 0xA5);
+};
+
+TEST_F(Ciphers, ChainAcrossPiecesAndCalls) {
+    const Bytes plain = counting(2560);
+    for (const char *setting :
+         {"", "\"MaxOperationLen\"=dword:00000010\r\n", "\"MaxOperationLen\"=dword:00000030\r\n",
+          "\"MaxOperationLen\"=dword:7fffffff\r\n"}) {
+        restart(setting);
+        resetDevices();
+        insert({});
+        for (const int algo : {sm4Cbc, sm4Ecb}) {
+            const Bytes cipher = toyEncrypt(key, algo == sm4Cbc ? iv : Bytes(), plain);
+            for (const std::vector<int> &sizes :
+                 {std::vector<int>{2560}, {16}, {16, 32, 1024}, {1040, 16}, {1024}}) {
+                for (const bool inPlace : {false, true}) {
+                    EXPECT_EQ(run(1, algo, plain, sizes, inPlace), cipher) << setting << sizes[0];
+                    EXPECT_EQ(run(0, algo, cipher, sizes, inPlace), plain) << setting << sizes[0];
+                }
+            }
+        }
+    }
+}
+
+TEST_F(Ciphers, EveryPieceIsAWholeOperation) {
+    insert({});
+    const Bytes plain = counting(2560);
+    const Bytes cipher = run(1, sm4Cbc, plain, {2560}, false);
+    ASSERT_EQ(script().SKF_Encrypt.calls(), 3);
+    const ULONG sizes[] = {1024, 1024, 512};
+    Bytes expectedIv = iv;
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(script().SKF_Encrypt.argument<2>(i), sizes[i]);
+        BLOCKCIPHERPARAM expected{};
+        std::copy(expectedIv.begin(), expectedIv.end(), expected.IV);
+        expected.IVLen = 16;
+        const BLOCKCIPHERPARAM used = script().SKF_EncryptInit.argument<1>(i);
+        EXPECT_EQ(std::memcmp(&used, &expected, sizeof used), 0) << i;
+        const auto end = cipher.begin() + 1024 * (i + 1);
+        expectedIv.assign(i < 2 ? end - 16 : end - 1024, i < 2 ? end : end - 1008);
+    }
+    run(0, sm4Ecb, plain, {2560}, false);
+    const BLOCKCIPHERPARAM none{};
+    const BLOCKCIPHERPARAM used = script().SKF_DecryptInit.argument<1>();
+    EXPECT_EQ(std::memcmp(&used, &none, sizeof used), 0);
+}
+
+TEST_F(Ciphers, AlgorithmsAndKeys) {
+    insert({});
+    const struct {
+        int algo;
+        ULONG token; // 0: refused
+        bool chained;
+    } cases[] = {{ORVEL_PKI_ALGORITHM_SSF33_ECB, SGD_SSF33_ECB, false},
+                 {ORVEL_PKI_ALGORITHM_SSF33_CBC, SGD_SSF33_CBC, true},
+                 {ORVEL_PKI_ALGORITHM_SM1_ECB, SGD_SM1_ECB, false},
+                 {ORVEL_PKI_ALGORITHM_SM1_CBC, SGD_SM1_CBC, true},
+                 {ORVEL_PKI_ALGORITHM_SMS4_ECB, SGD_SMS4_ECB, false},
+                 {ORVEL_PKI_ALGORITHM_SMS4_CBC, SGD_SMS4_CBC, true},
+                 {ORVEL_PKI_ALGORITHM_SM3, 0, false},
+                 {0, 0, false},
+                 {-1, 0, false}};
+    for (const auto &at : cases) {
+        for (const void *param :
+             {static_cast<const void *>(iv.data()), static_cast<const void *>(nullptr)}) {
+            mark();
+            SPI_CIPHER_HANDLE cipher = DeviceNewCipher(device, 1, at.algo, key.data(), 16, param);
+            EXPECT_EQ(cipher != nullptr, at.token != 0 && (param != nullptr || !at.chained));
+            if (cipher != nullptr) {
+                EXPECT_EQ(script().SKF_SetSymmKey.argument<2>(), at.token);
+            }
+            EXPECT_THAT(trace().failures(), IsEmpty());
+            DeviceFreeCipher(cipher);
+        }
+    }
+    for (const int size : {0, 8, 15, 17, 32, -16}) {
+        EXPECT_EQ(DeviceNewCipher(device, 1, sm4Ecb, key.data(), size, nullptr), nullptr);
+    }
+    script().SKF_SetSymmKey.answer(SAR_FAIL);
+    mark();
+    EXPECT_EQ(DeviceNewCipher(device, 1, sm4Ecb, key.data(), 16, nullptr), nullptr);
+    EXPECT_THAT(trace().failures(), IsEmpty());
+}
+
+TEST_F(Ciphers, UpdateChecksItsArguments) {
+    insert({});
+    SPI_CIPHER_HANDLE cipher = DeviceNewCipher(device, 1, sm4Ecb, key.data(), 16, nullptr);
+    Bytes in(16), out(16, 0xEE);
+    const struct {
+        unsigned char *in;
+        int inlen;
+        unsigned char *out;
+        int outlen, result, length;
+    } cases[] = {
+        {in.data(), -1, out.data(), 16, -1, 77}, {nullptr, 0, nullptr, -1, 1, 0},
+        {nullptr, 0, out.data(), 0, 1, 0},       {nullptr, 0, out.data(), -1, -1, 0},
+        {nullptr, 16, out.data(), 16, -1, 16},   {in.data(), 16, nullptr, 0, 1, 16},
+        {in.data(), 16, out.data(), 15, -4, 16}, {in.data(), 16, out.data(), -1, -4, 16},
+    };
+    mark();
+    for (const auto &at : cases) {
+        int length = 77;
+        EXPECT_EQ(DeviceCipherUpdate(cipher, at.in, at.inlen, at.out, at.outlen, &length),
+                  at.result);
+        EXPECT_EQ(length, at.length);
+    }
+    EXPECT_EQ(DeviceCipherUpdate(cipher, in.data(), 16, out.data(), 16, nullptr), -1);
+    EXPECT_THAT(trace().failures(), IsEmpty());
+    EXPECT_EQ(out, Bytes(16, 0xEE));
+    EXPECT_EQ(script().SKF_EncryptInit.calls(), 0);
+    DeviceFreeCipher(cipher);
+}
+
+TEST_F(Ciphers, FailuresOfTheTokenKeepTheChain) {
+    insert({});
+    const Bytes plain = counting(48);
+    const struct {
+        int enc;
+        std::function<void()> fault;
+        Lines lines;
+    } cases[] = {
+        {1,
+         [] { script().SKF_EncryptInit.answerAt(1, SAR_FAIL); },
+         {error("cipherUpdate", "SKF_EncryptInit fail, error = 0x0A000001")}},
+        {1,
+         [] { script().SKF_Encrypt.answerAt(1, SAR_FAIL); },
+         {error("cipherUpdate", "SKF_Encrypt fail, error = 0x0A000001")}},
+        {0, [] { script().SKF_DecryptInit.answerAt(1, SAR_FAIL); }, {}},
+        {0,
+         [] { script().SKF_Decrypt.answerAt(1, SAR_FAIL); },
+         {error("cipherUpdate", "SKF_Decrypt fail, error = 0x0A000001")}},
+        {1,
+         [] {
+             script().SKF_Encrypt.run([](HANDLE, BYTE *, ULONG, BYTE *, ULONG *size) {
+                 --*size;
+                 return SAR_OK;
+             });
+         },
+         {error("cipherUpdate", "partOutLen != len")}},
+    };
+    for (const auto &at : cases) {
+        SPI_CIPHER_HANDLE cipher =
+            DeviceNewCipher(device, at.enc, sm4Cbc, key.data(), 16, iv.data());
+        const Bytes cipherText = toyEncrypt(key, iv, plain);
+        const Bytes &in = at.enc ? plain : cipherText;
+        Bytes out(48);
+        int length = 0;
+        EXPECT_EQ(DeviceCipherUpdate(cipher, in.data(), 16, out.data(), 16, &length), 1);
+        at.fault();
+        mark();
+        EXPECT_EQ(DeviceCipherUpdate(cipher, &in[16], 32, &out[16], 32, &length), 0);
+        EXPECT_EQ(trace().failures(), at.lines);
+        restoreFunctions();
+        EXPECT_EQ(DeviceCipherUpdate(cipher, &in[16], 32, &out[16], 32, &length), 1);
+        EXPECT_EQ(out, at.enc ? cipherText : plain) << "the chain goes on where it was";
+        DeviceFreeCipher(cipher);
+    }
+    SPI_CIPHER_HANDLE cipher = DeviceNewCipher(device, 1, sm4Cbc, key.data(), 16, iv.data());
+    Bytes out(48);
+    int length = 0;
+    mark();
+    EXPECT_EQ(DeviceCipherUpdate(cipher, plain.data(), 17, out.data(), 48, &length), 0);
+    EXPECT_THAT(trace().failures(),
+                ElementsAre(error("cipherUpdate", "SKF_Encrypt fail, error = 0x0A000010")));
+    DeviceFreeCipher(cipher);
+}
+
+// A token that takes odd lengths: nothing is read before the buffers, the chain stays as it was.
+TEST_F(Ciphers, PiecesShorterThanABlockLeaveTheChainAlone) {
+    insert({});
+    const auto accept = [](HANDLE, BYTE *, ULONG, BYTE *, ULONG *) { return SAR_OK; };
+    script().SKF_Encrypt.run(accept);
+    script().SKF_Decrypt.run(accept);
+    for (const int enc : {1, 0}) {
+        SPI_CIPHER_HANDLE cipher = DeviceNewCipher(device, enc, sm4Cbc, key.data(), 16, iv.data());
+        Bytes data(5, 1);
+        int length = 0;
+        EXPECT_EQ(DeviceCipherUpdate(cipher, data.data(), 5, data.data(), 5, &length), 1);
+        EXPECT_EQ(DeviceCipherUpdate(cipher, data.data(), 5, data.data(), 5, &length), 1);
+        const BLOCKCIPHERPARAM used =
+            enc ? script().SKF_EncryptInit.argument<1>() : script().SKF_DecryptInit.argument<1>();
+        EXPECT_EQ(Bytes(used.IV, used.IV + 16), iv);
+        DeviceFreeCipher(cipher);
+    }
+}
+
+TEST_F(Ciphers, TraceNeverShowsTheirOutput) {
+    insert({});
+    trace().setLevel("5");
+    SPI_CIPHER_HANDLE cipher = DeviceNewCipher(device, 1, sm4Ecb, key.data(), 16, nullptr);
+    const Bytes in(16, 0xAB);
+    Bytes out(20);
+    int length = 0;
+    DeviceCipherUpdate(cipher, in.data(), 16, out.data(), 20, &length);
+    DeviceFreeCipher(cipher);
+    Lines lines = trace().texts();
+    std::erase_if(lines,
+                  [](const std::string &text) { return text.find("call_stack") != text.npos; });
+    std::string inHex, outHex;
+    for (int i = 0; i < 16; ++i) {
+        inHex += "AB";
+        outHex += "00";
+    }
+    ASSERT_EQ(lines.size(), 7u);
+    EXPECT_EQ(lines[0],
+              info("DeviceNewCipher",
+                   "hDevice = %p, int enc = 1, int algo = 75497472, const unsigned char *key = "
+                   "%p, int keylen = 16, const void *param = (nil)"));
+    EXPECT_THAT(Lines(lines.begin() + 1, lines.begin() + 3),
+                ::testing::UnorderedElementsAre(
+                    info("DeviceCipherUpdate",
+                         "SPI_CIPHER_HANDLE hCipher = %p, const unsigned char *in = %p, "
+                         "int inlen = 16, unsigned char *out = %p, int outlen = 20, "
+                         "int *pretoutlen = %p"),
+                    verbose("DeviceCipherUpdate", "in[length:16]: " + inHex)));
+    EXPECT_EQ(lines[3], verbose("cipherUpdate", "out[length:16]: " + outHex));
+    EXPECT_EQ(lines[4], info("DeviceFreeCipher", "SPI_CIPHER_HANDLE hCipher = %p"));
+}
+
+} // namespace
+} // namespace tembra::test

@@ -1,0 +1,257 @@
+// Data objects: names, rights, ranges, and the lists that a token may answer.
+#include "scripted_test.h"
+
+#include <algorithm>
+
+namespace tembra::test {
+namespace {
+
+class DataObjects : public ScriptedTest {
+protected:
+    void SetUp() override {
+        ScriptedTest::SetUp();
+        application = &insert({});
+    }
+    void store(const char *name, std::size_t size) {
+        FileModel &file = application->files[name];
+        for (std::size_t i = 0; i < size; ++i) {
+            file.content.push_back(static_cast<unsigned char>(i));
+        }
+    }
+    ApplicationModel *application = nullptr;
+    unsigned char buffer[256] = {};
+    int length = 77;
+};
+
+TEST_F(DataObjects, RightsComeFromTheModeBlock) {
+    const struct {
+        std::vector<char> mode;
+        int result;
+        ULONG read, write;
+    } cases[] = {
+        {{3, 0, 1}, 1, 0x10, 0x00},
+        {{2, 3}, 1, 0xFF, 0xFF},
+        {{4, 0, 0, 3}, 1, 0x00, 0x00},
+        {{4, 0, 3, 0}, 1, 0x10, 0x10},
+        {{2, 1, 3, 3}, 1, 0xFF, 0x00},
+        {{3, 2, 1}, 1, 0x10, 0xFF},
+        {{2, 4}, 1, 0x00, 0x00},
+        {{5, 3, 3, 3, 3}, 0, 0, 0},
+        {{1, 3}, 0, 0, 0},
+        {{0, 3}, 0, 0, 0},
+        {{-1, 3}, 0, 0, 0},
+        {{-128, 3}, 0, 0, 0},
+    };
+    int id = 0;
+    for (const auto &at : cases) {
+        mark();
+        EXPECT_EQ(DeviceCreateData(device, ++id, at.mode.data(), 10), at.result);
+        if (at.result == 1) {
+            const FileModel &file = application->files.at(std::to_string(id));
+            EXPECT_EQ(file.readRights, at.read) << id;
+            EXPECT_EQ(file.writeRights, at.write) << id;
+            EXPECT_EQ(file.content.size(), 10u);
+        } else {
+            EXPECT_THAT(
+                trace().failures(),
+                ElementsAre(error("DeviceCreateData",
+                                  "GetFileRight(mode, &ulReadRights, &ulWriteRights) == 0")));
+        }
+    }
+    const char bad[] = {5};
+    EXPECT_EQ(DeviceCreateData(device, 1, bad, 10), -6) << "existence comes before the rights";
+    EXPECT_EQ(DeviceCreateData(device, 0x7FFFFFFF, "\2\3", 0), 1);
+    EXPECT_TRUE(application->files.contains("2147483647"));
+}
+
+TEST_F(DataObjects, ReadWhatThereIs) {
+    store("7", 100);
+    const struct {
+        int id, offset;
+        bool query;
+        int size, result, length;
+        Lines lines;
+    } cases[] = {
+        {7, 90, false, 100, 1, 10, {}},
+        {7, 0, false, 100, 1, 100, {}},
+        {7, 0, false, 5, 1, 5, {}},
+        {7, 100, false, 5, 1, 0, {}},
+        {7, 101, false, 5, -1, 77, {error("DeviceReadDataEx", "offset > (int)attr.FileSize")}},
+        {7, 30, true, 0, 1, 70, {}},
+        {7, 100, true, -1, 1, 0, {}},
+        {7, 5, false, -1, -1, 77, {error("DeviceReadDataEx", "datalen < 0")}},
+        {7, 5, false, 0, 1, 0, {}},
+        {-1, 0, false, 5, -1, 77, {}},
+        {7, -1, false, 5, -1, 77, {}},
+        {8, 0, false, 5, -7, 77, {}},
+        {70, 0, false, 5, -7, 77, {}},
+        {7,
+         0x7FFFFFFF,
+         false,
+         0x7FFFFFFF,
+         -1,
+         77,
+         {error("DeviceReadDataEx", "offset > (int)attr.FileSize")}},
+        {7, 99, false, 0x7FFFFFFF, 1, 1, {}},
+    };
+    for (const auto &at : cases) {
+        mark();
+        length = 77;
+        EXPECT_EQ(DeviceReadDataEx(device, at.id, at.offset, at.query ? nullptr : buffer, at.size,
+                                   &length),
+                  at.result)
+            << at.offset << " " << at.size;
+        EXPECT_EQ(length, at.length) << at.offset << " " << at.size;
+        EXPECT_EQ(trace().failures(), at.lines);
+    }
+    EXPECT_EQ(DeviceReadDataEx(device, 7, 100, buffer, 5, &length), 1);
+    EXPECT_EQ(script().SKF_ReadFile.argument<3>(), 0u) << "the token is asked for no bytes";
+    EXPECT_EQ(DeviceReadDataEx(device, 7, 42, buffer, 1, &length), 1);
+    EXPECT_EQ(buffer[0], 42);
+}
+
+TEST_F(DataObjects, WriteWithinTheirSize) {
+    store("7", 100);
+    const std::string beyond = error("DeviceWriteDataEx", "offset + datalen > (int)attr.FileSize");
+    const struct {
+        int id, offset, size, result;
+        Lines lines;
+    } cases[] = {{7, 90, 10, 1, {}},       {7, 90, 11, -1, {beyond}},
+                 {7, 0, 0, -1, {}},        {7, 0, -1, -1, {}},
+                 {7, -1, 1, -1, {}},       {-7, 0, 1, -1, {}},
+                 {8, 0, 1, -7, {}},        {7, 0x7FFFFFFF, 0x7FFFFFFF, -1, {beyond}},
+                 {7, 100, 1, -1, {beyond}}};
+    std::fill(std::begin(buffer), std::end(buffer), static_cast<unsigned char>(0xAA));
+    for (const auto &at : cases) {
+        mark();
+        EXPECT_EQ(DeviceWriteDataEx(device, at.id, at.offset, buffer, at.size), at.result)
+            << at.offset;
+        EXPECT_EQ(trace().failures(), at.lines);
+    }
+    EXPECT_EQ(script().SKF_WriteFile.calls(), 1);
+    EXPECT_EQ(application->files["7"].content[89], 89);
+    EXPECT_EQ(application->files["7"].content[90], 0xAA);
+}
+
+TEST_F(DataObjects, AreDeleted) {
+    store("0", 1);
+    EXPECT_EQ(DeviceDeleteData(device, -1), -1);
+    EXPECT_EQ(DeviceDeleteData(device, 1), -7);
+    EXPECT_EQ(DeviceDeleteData(device, 0), 1);
+    EXPECT_EQ(DeviceDeleteData(device, 0), -7);
+    EXPECT_THAT(trace().failures(), IsEmpty());
+}
+
+TEST_F(DataObjects, MapTheTokensAnswers) {
+    store("7", 100);
+    const auto call = [this](int which) {
+        switch (which) {
+        case 0: return DeviceCreateData(device, 8, "\2\3", 1);
+        case 1: return DeviceReadDataEx(device, 7, 0, buffer, 1, &length);
+        case 2: return DeviceWriteDataEx(device, 7, 0, buffer, 1);
+        default: return DeviceDeleteData(device, 7);
+        }
+    };
+    const char *entries[] = {"DeviceCreateData", "DeviceReadDataEx", "DeviceWriteDataEx",
+                             "DeviceDeleteData"};
+    const char *functions[] = {"SKF_CreateFile", "SKF_ReadFile", "SKF_WriteFile", "SKF_DeleteFile"};
+    const auto answerAll = [](ULONG code) {
+        script().SKF_CreateFile.answer(code);
+        script().SKF_ReadFile.answer(code);
+        script().SKF_WriteFile.answer(code);
+        script().SKF_DeleteFile.answer(code);
+    };
+    for (int which = 0; which < 4; ++which) {
+        answerAll(SAR_USER_NOT_LOGGED_IN);
+        mark();
+        EXPECT_EQ(call(which), -8);
+        EXPECT_THAT(trace().failures(), IsEmpty());
+        answerAll(0xB3);
+        mark();
+        EXPECT_EQ(call(which), 0);
+        EXPECT_THAT(
+            trace().failures(),
+            ElementsAre(error(entries[which],
+                              functions[which] + std::string(" fail, error = 0x000000b3"))));
+        script().SKF_GetFileInfo.answer(SAR_USER_NOT_LOGGED_IN);
+        if (which == 1 || which == 2) {
+            mark();
+            EXPECT_EQ(call(which), 0);
+            EXPECT_THAT(
+                trace().failures(),
+                ElementsAre(error(entries[which], "SKF_GetFileInfo fail, error = 0x0a00002d")));
+        }
+        script().SKF_GetFileInfo.restore();
+    }
+    restoreFunctions();
+    script().SKF_EnumFiles.answer(SAR_FAIL); // then nothing exists
+    EXPECT_EQ(call(1), -7);
+    EXPECT_EQ(call(0), 1);
+}
+
+TEST_F(DataObjects, ListsAreReadWithinTheirBuffer) {
+    const struct {
+        std::string list;
+        ULONG size;
+        bool found;
+    } cases[] = {
+        {std::string("6\0007\0\0", 5), 5, true},
+        {std::string("6\0007\0", 4), 4, true},
+        {std::string("6\0007\0", 4), 3, false},    // the last name lacks its NUL
+        {std::string("6\0\0\0007\0", 6), 6, true}, // empty names do not end the list
+        {std::string("77\0", 3), 3, false},
+        {std::string("7\0", 2), 0, false},
+        {std::string(8191, '7') + '\0', 8192, false},
+        {std::string(8192, '7'), 8192, false},
+        {std::string(8190, '\0') + std::string("7\0", 2), 8192, true},
+        {std::string(8190, '\0') + std::string("7\0", 2), 0xFFFFFFFF, true},
+        {std::string(8191, '\0') + "7", 0x80000000, false},
+    };
+    for (const auto &at : cases) {
+        script().SKF_EnumFiles.run([&at](HAPPLICATION, LPSTR out, ULONG *size) {
+            EXPECT_EQ(*size, 8192u);
+            std::copy(at.list.begin(), at.list.end(), out);
+            *size = at.size;
+            return SAR_OK;
+        });
+        store("7", 1);
+        EXPECT_EQ(DeviceDeleteData(device, 7), at.found ? 1 : -7) << at.list.size();
+    }
+}
+
+TEST_F(DataObjects, HugeFileSizesAreNegative) {
+    store("7", 100);
+    for (const ULONG size : {0x80000000u, 0xFFFFFFFFu}) {
+        script().SKF_GetFileInfo.run([size](auto, auto, FILEATTRIBUTE *info) {
+            info->FileSize = size;
+            return SAR_OK;
+        });
+        EXPECT_EQ(DeviceReadDataEx(device, 7, 0, buffer, 10, &length), -1);
+        EXPECT_EQ(DeviceWriteDataEx(device, 7, 0, buffer, 10), -1);
+    }
+    EXPECT_EQ(script().SKF_ReadFile.calls() + script().SKF_WriteFile.calls(), 0);
+}
+
+TEST_F(DataObjects, WithoutApplicationTheTokenAnswers) {
+    resetDevices();
+    script().memory.addDevice("blank");
+    discover();
+    EXPECT_EQ(DeviceCreateData(device, 7, "\2\3", 1), 0);
+    EXPECT_EQ(DeviceReadDataEx(device, 7, 0, buffer, 10, &length), -7);
+    EXPECT_EQ(DeviceWriteDataEx(device, 7, 0, buffer, 10), -7);
+    EXPECT_EQ(DeviceDeleteData(device, 7), -7);
+    EXPECT_THAT(
+        trace().texts(),
+        ElementsAre(
+            info("DeviceCreateData", "hDevice = %p, int dataId = 7, const char * mode = %p, "
+                                     "int length = 1"),
+            error("DeviceCreateData", "SKF_CreateFile fail, error = 0x0a000005"),
+            info("DeviceReadDataEx", "hDevice = %p, int dataId = 7, int offset = 0, unsigned "
+                                     "char *data = %p, int datalen = 10, int*  pretdatalen = 77"),
+            info("DeviceWriteDataEx", "hDevice = %p, int dataId = 7, int offset = 0, const "
+                                      "unsigned char *data = %p, int datalen = 10"),
+            info("DeviceDeleteData", "hDevice = %p, int dataId = 7")));
+}
+
+} // namespace
+} // namespace tembra::test

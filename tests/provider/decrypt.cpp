@@ -1,0 +1,197 @@
+// DevicePrivateKeyDecrypt: the flat SM2 ciphertext, the token's answers, buffers.
+#include "scripted_test.h"
+
+#include <cstring>
+
+namespace tembra::test {
+namespace {
+
+constexpr int sm2Algo = ORVEL_PKI_ALGORITHM_SM2_ENC;
+constexpr int rsaAlgo = ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC;
+constexpr int sm3 = ORVEL_PKI_ALGORITHM_SM3;
+
+class Decrypt : public ScriptedTest {
+protected:
+    void SetUp() override {
+        ScriptedTest::SetUp();
+        insert({ecc("sm2", true, true), rsa("rsa", 2048, true, true)});
+        sm2 = pair("sm2", 1);
+        rsaPair = pair("rsa", 1);
+        cipher = {4};
+        for (int i = 1; i < 97 + 5; ++i) {
+            cipher.push_back(static_cast<unsigned char>(i));
+        }
+    }
+    int decrypt(SPI_KEYPAIR_HANDLE handle, int algo, const void *param, int cipherLength,
+                int capacity) {
+        mark();
+        clear.assign(600, 0xEE);
+        length = 77;
+        return DevicePrivateKeyDecrypt(handle, algo, param, cipher.data(), cipherLength,
+                                       clear.data(), capacity, &length);
+    }
+    Bytes masked(std::size_t from, std::size_t count) const {
+        Bytes bytes(cipher.begin() + static_cast<std::ptrdiff_t>(from),
+                    cipher.begin() + static_cast<std::ptrdiff_t>(from + count));
+        for (unsigned char &byte : bytes) {
+            byte = static_cast<unsigned char>(byte ^ 0x5A);
+        }
+        return bytes;
+    }
+    Bytes cleared() const { return Bytes(clear.begin(), clear.begin() + length); }
+
+    SPI_KEYPAIR_HANDLE sm2 = nullptr;
+    SPI_KEYPAIR_HANDLE rsaPair = nullptr;
+    Bytes cipher, clear;
+    int length = 0;
+};
+
+TEST_F(Decrypt, TakesTheFlatCiphertextApart) {
+    Bytes blob;
+    script().SKF_ECCDecrypt.run(
+        [&blob](HCONTAINER container, BOOL key, ECCCIPHERBLOB *in, BYTE *out, ULONG *size) {
+            const auto *bytes = reinterpret_cast<const unsigned char *>(in);
+            blob.assign(bytes, bytes + 164 + in->CipherLen);
+            return script().SKF_ECCDecrypt.usual(container, key, in, out, size);
+        });
+    ASSERT_EQ(decrypt(sm2, sm2Algo, &sm3, 102, 5), 1);
+    EXPECT_EQ(length, 5);
+    EXPECT_EQ(cleared(), masked(65, 5));
+    EXPECT_EQ(script().SKF_ECCDecrypt.argument<1>(), 0);
+    Bytes expected(32);
+    const auto put = [&](std::size_t from, std::size_t count) {
+        expected.insert(expected.end(), cipher.begin() + static_cast<std::ptrdiff_t>(from),
+                        cipher.begin() + static_cast<std::ptrdiff_t>(from + count));
+    };
+    put(1, 32);
+    expected.resize(96);
+    put(33, 32);
+    put(70, 32);
+    expected.insert(expected.end(), {5, 0, 0, 0});
+    put(65, 5);
+    EXPECT_EQ(blob, expected);
+    EXPECT_EQ(decrypt(pair("sm2", 2), sm2Algo, &sm3, 102, 5), 1);
+    EXPECT_EQ(script().SKF_ECCDecrypt.argument<1>(), 1) << "the signature key";
+    EXPECT_EQ(decrypt(sm2, sm2Algo, &sm3, 97, 0), 1) << "an empty message";
+    EXPECT_EQ(length, 0);
+}
+
+TEST_F(Decrypt, ChecksItsArguments) {
+    const int otherHash = 0x7001;
+    const std::string me = "DevicePrivateKeyDecrypt";
+    const std::string notDecoded = error(me, "decodeSm2CipherText(cipher, cipherlen) == 0");
+    const struct {
+        SPI_KEYPAIR_HANDLE handle;
+        int algo;
+        const void *param;
+        int cipherLength, capacity, result;
+        Lines lines;
+    } cases[] = {
+        {nullptr, sm2Algo, &sm3, 0, 5, -2, {}},
+        {sm2, sm2Algo, &sm3, 0, 5, -1, {}},
+        {sm2, sm2Algo, &sm3, -1, 5, -1, {}},
+        {sm2, sm2Algo, &sm3, 102, -1, -1, {}},
+        {sm2, rsaAlgo, &sm3, 102, 5, 0, {error(me, "algo != ORVEL_PKI_ALGORITHM_SM2_ENC")}},
+        {sm2, sm2Algo, nullptr, 102, 5, 0, {error(me, "param == 0")}},
+        {sm2, sm2Algo, &otherHash, 102, 5, 0, {error(me, "hashAlgo != ORVEL_PKI_ALGORITHM_SM3")}},
+        {sm2,
+         sm2Algo,
+         &sm3,
+         96,
+         5,
+         0,
+         {error("decodeSm2CipherText", "cipherLen < 97"), notDecoded}},
+        {sm2, sm2Algo, &sm3, 1, 5, 0, {error("decodeSm2CipherText", "cipherLen < 97"), notDecoded}},
+        {rsaPair,
+         sm2Algo,
+         &sm3,
+         102,
+         5,
+         0,
+         {error(me, "algo != ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC")}},
+    };
+    for (const auto &at : cases) {
+        EXPECT_EQ(decrypt(at.handle, at.algo, at.param, at.cipherLength, at.capacity), at.result);
+        EXPECT_EQ(trace().failures(), at.lines);
+    }
+    cipher[0] = 2;
+    EXPECT_EQ(decrypt(sm2, sm2Algo, &sm3, 102, 5), 0);
+    EXPECT_THAT(trace().failures(), ElementsAre(notDecoded));
+    EXPECT_EQ(script().SKF_ECCDecrypt.calls() + script().SKF_RSADecrypt.calls(), 0);
+    EXPECT_EQ(DevicePrivateKeyDecrypt(sm2, 99, nullptr, cipher.data(), 7, nullptr, -3, &length), 1);
+    EXPECT_EQ(length, 7) << "a size query looks at nothing else";
+}
+
+TEST_F(Decrypt, MapsTheTokensAnswers) {
+    const struct {
+        SPI_KEYPAIR_HANDLE handle;
+        ULONG answer;
+        int result;
+        const char *message;
+    } cases[] = {
+        {sm2, SAR_USER_NOT_LOGGED_IN, -8, nullptr},
+        {sm2, 3, 0, "SKF_ECCPrvKeyDecrypt fail, error = 0x00000003"},
+        {sm2, SAR_FAIL, 0, "SKF_ECCPrvKeyDecrypt fail, error = 0x0a000001"},
+        {rsaPair, SAR_USER_NOT_LOGGED_IN, -8, nullptr},
+        {rsaPair, 3, -8, nullptr},
+        {rsaPair, SAR_DECRYPTPADERR, 0, "SKF_RSADecrypt fail, error = 0x0a00001e"},
+    };
+    for (const auto &at : cases) {
+        script().SKF_ECCDecrypt.answer(at.answer);
+        script().SKF_RSADecrypt.answer(at.answer);
+        EXPECT_EQ(decrypt(at.handle, at.handle == sm2 ? sm2Algo : rsaAlgo, &sm3, 102, 600),
+                  at.result);
+        EXPECT_EQ(trace().failures(),
+                  at.message ? Lines{error("DevicePrivateKeyDecrypt", at.message)} : Lines{});
+        EXPECT_EQ(clear, Bytes(600, 0xEE));
+    }
+}
+
+TEST_F(Decrypt, ShortBuffersAreUntouched) {
+    const struct {
+        SPI_KEYPAIR_HANDLE handle;
+        int algo, size;
+        Bytes plain;
+    } cases[] = {{sm2, sm2Algo, 5, masked(65, 5)}, {rsaPair, rsaAlgo, 20, masked(0, 20)}};
+    for (const auto &at : cases) {
+        EXPECT_EQ(decrypt(at.handle, at.algo, &sm3, 102, at.size - 1), -4);
+        EXPECT_EQ(length, at.size);
+        EXPECT_EQ(clear, Bytes(600, 0xEE));
+        EXPECT_THAT(trace().failures(), IsEmpty());
+        EXPECT_EQ(decrypt(at.handle, at.algo, nullptr, 102, at.size), at.handle == rsaPair);
+        EXPECT_EQ(decrypt(at.handle, at.algo, &sm3, 102, at.size), 1);
+        EXPECT_EQ(cleared(), at.plain);
+    }
+}
+
+// A length beyond the buffer that the token was given must never become a copy.
+TEST_F(Decrypt, LyingTokensAreRefused) {
+    for (const ULONG size : {6u, 102u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
+        script().SKF_ECCDecrypt.run([size](auto, auto, auto, auto, ULONG *out) {
+            *out = size;
+            return SAR_OK;
+        });
+        EXPECT_EQ(decrypt(sm2, sm2Algo, &sm3, 102, 600), 0) << size;
+    }
+    for (const ULONG size : {513u, 0x80000000u, 0xFFFFFFFFu}) {
+        script().SKF_RSADecrypt.run([size](auto, auto, auto, ULONG, BYTE *, ULONG *out) {
+            EXPECT_EQ(*out, 512u);
+            *out = size;
+            return SAR_OK;
+        });
+        EXPECT_EQ(decrypt(rsaPair, rsaAlgo, nullptr, 102, 600), 0) << size;
+    }
+}
+
+TEST_F(Decrypt, TracesItsArguments) {
+    decrypt(rsaPair, rsaAlgo, nullptr, 102, 600);
+    EXPECT_THAT(trace().texts(),
+                ElementsAre(info(
+                    "DevicePrivateKeyDecrypt",
+                    "SPI_KEYPAIR_HANDLE hKeypair = %p, int algo = 16, const void *param = (nil), "
+                    "const unsigned char *cipher = %p, int cipherlen = 102, unsigned char *clear "
+                    "= %p, int clearlen = 600, int *pretclearlen = 77")));
+}
+
+} // namespace
+} // namespace tembra::test

@@ -1,0 +1,290 @@
+// Generation and deletion of key pairs: which container is taken, what is left after a failure.
+#include "scripted_test.h"
+
+namespace tembra::test {
+namespace {
+
+constexpr TembraEccParam sm2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
+
+class Generation : public ScriptedTest {
+protected:
+    int generate(const char *label, int algo = ORVEL_PKI_ALGORITHM_ECC, int bits = 256,
+                 const void *param = &sm2, int type = 2) {
+        handle = nullptr;
+        mark();
+        return DeviceGenerateKeypair(device, algo, bits, param, type, label, &handle);
+    }
+    int generated(const char *label) {
+        const int result = generate(label);
+        DeviceFreeKeypair(handle);
+        return result;
+    }
+    int containers() const { return script().memory.open(HandleKind::container); }
+
+    SPI_KEYPAIR_HANDLE handle = nullptr;
+};
+
+TEST_F(Generation, MakesSignaturePairs) {
+    const struct {
+        const char *label;
+        int algo, bits;
+        const void *param;
+        Bytes key;
+    } cases[] = {{"sm2", ORVEL_PKI_ALGORITHM_ECC, 256, &sm2, encodedEccKey(true)},
+                 {"rsa1", ORVEL_PKI_ALGORITHM_RSA, 1024, nullptr, encodedRsaKey(true, 1024)},
+                 {"rsa2", ORVEL_PKI_ALGORITHM_RSA, 2048, nullptr, encodedRsaKey(true, 2048)}};
+    insert({});
+    int count = 0;
+    for (const auto &at : cases) {
+        ASSERT_EQ(generate(at.label, at.algo, at.bits, at.param), 1);
+        EXPECT_THAT(trace().failures(), IsEmpty());
+        EXPECT_EQ(DeviceGetKeypairCount(device), ++count);
+        EXPECT_EQ(DeviceGetKeypairType(handle), 2);
+        EXPECT_EQ(DeviceGetKeypairAlgorithm(handle), at.algo);
+        EXPECT_EQ(DeviceGetKeypairBits(handle), at.bits);
+        SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(handle);
+        Bytes bytes(at.key.size());
+        EXPECT_EQ(DeviceExportPublicKey(key, bytes.data(), static_cast<int>(bytes.size()), nullptr),
+                  1);
+        EXPECT_EQ(bytes, at.key);
+        DeviceFreePublicKey(key);
+        DeviceFreeKeypair(handle);
+        EXPECT_EQ(pair(at.label, 2), handle) << "found by its label";
+    }
+    EXPECT_EQ(script().SKF_GenECCKeyPair.argument<1>(), SGD_SM2_1);
+    EXPECT_EQ(referencesAfterRelease(), 1 + 1 + 3 + 3);
+}
+
+TEST_F(Generation, TracesItsArguments) {
+    insert({});
+    trace().setLevel("4");
+    ASSERT_EQ(generated("sm2"), 1);
+    EXPECT_TRUE(trace().contains(
+        info("DeviceGenerateKeypair",
+             "hDevice = %p, int algo = 4, int keybits = 256, const void *param = %p, int type = 2, "
+             "const char *label = %p, SPI_KEYPAIR_HANDLE *phKeypair = %p")));
+    EXPECT_TRUE(trace().contains(
+        debug("createContainer", "SKF_CreateContainer hDevice->m_hApp=%p, label=sm2, hCon=%p")));
+}
+
+TEST_F(Generation, ChecksItsArgumentsInOrder) {
+    insert({});
+    const char *me = "DeviceGenerateKeypair";
+    const TembraEccParam temporary = {7, 1};
+    const TembraEccParam otherCurve = {6, 0};
+    const struct {
+        const char *label;
+        int algo, bits;
+        const void *param;
+        int type, result;
+        Lines lines;
+        bool makesContainer;
+    } cases[] = {
+        {"", 4, 256, &sm2, 2, -1, {}, false},
+        {"x", 4, 256, &sm2, 1, -1, {error(me, "type != ORVEL_PKI_KEYPAIRTYPE_SIGNATURE")}, false},
+        {"x", 4, 0, &sm2, 2, -1, {error(me, "keybits <= 0")}, false},
+        {"x", 4, -256, &sm2, 2, -1, {error(me, "keybits <= 0")}, false},
+        {"x", 1, 1024, &sm2, 2, -1, {}, true},
+        {"x", 1, 1536, nullptr, 2, -1, {error(me, "keybits != 1024 && keybits != 2048")}, false},
+        {"x", 4, 256, nullptr, 2, -1, {error(me, "eccParam == 0")}, false},
+        {"x", 4, 256, &temporary, 2, -1, {error(me, "eccParam->m_temp")}, false},
+        {"x",
+         4,
+         256,
+         &otherCurve,
+         2,
+         -1,
+         {error(me, "eccParam->m_curve != ORVEL_PKI_ECC_CURVE_SM2")},
+         false},
+        {"x", 4, 192, &sm2, 2, -1, {error(me, "keybits != 256")}, false},
+        {"x", 2, 256, nullptr, 2, 1, {}, false}, // generates nothing and says yes
+    };
+    for (const auto &at : cases) {
+        const int before = containers();
+        EXPECT_EQ(generate(at.label, at.algo, at.bits, at.param, at.type), at.result);
+        EXPECT_EQ(handle, nullptr);
+        EXPECT_EQ(trace().failures(), at.lines);
+        EXPECT_EQ(containers() - before, at.makesContainer)
+            << "made before the checks, then reused";
+    }
+    EXPECT_EQ(DeviceGetKeypairCount(device), 0);
+    EXPECT_EQ(generated("x"), 1) << "a second try reuses the container";
+    EXPECT_EQ(script().SKF_CreateContainer.calls(), 1);
+}
+
+TEST_F(Generation, ReusesTheFirstKeylessContainer) {
+    insert({ecc("one", true, false), {"blank"}, ecc("later", true, false)});
+    EXPECT_EQ(generate("one"), -6);
+    EXPECT_THAT(trace().failures(), IsEmpty());
+    EXPECT_EQ(generated("later"), 1) << "the walk ends at the keyless container";
+    EXPECT_EQ(script().SKF_CreateContainer.calls(), 0);
+    EXPECT_EQ(script().memory.devices.front().applications.front().containers.size(), 3u);
+    EXPECT_EQ(generate("later"), -6);
+    EXPECT_EQ(generated("new"), 1);
+    EXPECT_EQ(script().SKF_CreateContainer.calls(), 1);
+}
+
+TEST_F(Generation, MapsTheTokensAnswers) {
+    const auto make = [] { return &script().SKF_CreateContainer; };
+    const struct {
+        std::function<void()> fault;
+        int algo, result;
+        Lines lines;
+    } cases[] = {
+        {[=] { make()->answer(SAR_USER_NOT_LOGGED_IN); },
+         4,
+         -8,
+         {warning("createContainer", "rv == SAR_USER_NOT_LOGGED_IN || rv == 0x000000b3")}},
+        {[=] { make()->answer(0xB3); },
+         4,
+         -8,
+         {warning("createContainer", "rv == SAR_USER_NOT_LOGGED_IN || rv == 0x000000b3")}},
+        {[=] { make()->answer(SAR_NO_ROOM); },
+         4,
+         0,
+         {error("createContainer", "SKF_CreateContainer fail, error = 0x0A000030")}},
+        {[] { script().SKF_GenECCKeyPair.answer(SAR_USER_NOT_LOGGED_IN); }, 4, -8, {}},
+        {[] { script().SKF_GenECCKeyPair.answer(0xB3); },
+         4,
+         0,
+         {debug("GenerateKeypair", "SKF_GenECCKeyPair fail, error = 0x000000B3")}},
+        {[] { script().SKF_GenRSAKeyPair.answer(SAR_FAIL); },
+         1,
+         0,
+         {debug("GenerateKeypair", "SKF_GenRSAKeyPair fail, error = 0x0A000001")}},
+        {[] { script().OrvelPKICryptoEncodeECCPubKey.answer(-7); },
+         4,
+         0,
+         {warning("GenerateKeypair", "OrvelPKICryptoEncodeECCPubKey fail, error = -7")}},
+        {[] { script().OrvelPKICryptoEncodeRSAPubKey.answer(-7); },
+         1,
+         0,
+         {warning("GenerateKeypair", "OrvelPKICryptoEncodeRSAPubKey fail, error = 0")}},
+    };
+    trace().setLevel("4");
+    for (const auto &at : cases) {
+        resetDevices();
+        insert({});
+        at.fault();
+        const bool isRsa = at.algo == ORVEL_PKI_ALGORITHM_RSA;
+        EXPECT_EQ(generate("x", at.algo, isRsa ? 1024 : 256, isRsa ? nullptr : &sm2), at.result);
+        EXPECT_EQ(handle, nullptr);
+        for (const std::string &text : at.lines) {
+            EXPECT_TRUE(trace().contains(text)) << text;
+        }
+        const Lines failures = trace().failures();
+        EXPECT_EQ(failures.size(),
+                  at.lines.empty() || at.lines[0].starts_with("[DEBUG]") ? 0u : 1u);
+        restoreFunctions();
+        EXPECT_EQ(generated("x"), 1) << "a retry succeeds";
+    }
+}
+
+TEST_F(Generation, OddModulusOfTheTokenIsAFailure) {
+    insert({});
+    script().SKF_GenRSAKeyPair.run([](HCONTAINER, ULONG, RSAPUBLICKEYBLOB *blob) {
+        blob->BitLen = 4096;
+        return SAR_OK;
+    });
+    EXPECT_EQ(generate("x", ORVEL_PKI_ALGORITHM_RSA, 2048, nullptr), 0);
+    EXPECT_EQ(script().OrvelPKICryptoEncodeRSAPubKey.calls(), 0);
+}
+
+TEST_F(Generation, FullTablesAreRefused) {
+    ApplicationModel &application = addToken({});
+    for (int i = 0; i < 32; ++i) {
+        application.containers.push_back(ecc("c" + std::to_string(i), i > 0, false));
+    }
+    discover(); // the first container is typed but has no pair: 31 pairs in 32 containers
+    EXPECT_EQ(generate("x"), 0);
+    EXPECT_THAT(trace().failures(),
+                ElementsAre(error("getEmptyContainerIndex", "pos >= CONTAINER_COUNT_MAX")));
+    for (ContainerModel &model : application.containers) {
+        model.hasSignKey = model.hasEncryptKey = true;
+    }
+    application.containers.back().type = CONTAINER_TYPE_ECC;
+    discover();
+    EXPECT_EQ(DeviceGetKeypairCount(device), 64);
+    EXPECT_EQ(generate("x"), 0);
+    EXPECT_EQ(trace().failures().size(), 1u);
+    EXPECT_EQ(script().SKF_CreateContainer.calls(), 0);
+}
+
+TEST_F(Generation, NeedsAnApplication) {
+    script().memory.addDevice("blank");
+    discover();
+    EXPECT_EQ(generate("x"), 0);
+    EXPECT_THAT(trace().failures(),
+                ElementsAre(error("DeviceGenerateKeypair", "hDevice->m_isformat == 0")));
+}
+
+class Deletion : public Generation {};
+
+TEST_F(Deletion, DropsBothPairsOfTheContainer) {
+    const KeptByContract kept;
+    ApplicationModel &application =
+        insert({ecc("one", true, true), ecc("two", true, true), rsa("three", 1024, true, false)});
+    SPI_KEYPAIR_HANDLE two = DeviceGetKeypair(device, 3); // the encryption pair
+    mark();
+    EXPECT_EQ(DeviceDeleteKeypair(two), 1);
+    EXPECT_THAT(callsSinceMark(), ElementsAre("SKF_CloseContainer", "SKF_DeleteContainer"));
+    EXPECT_STREQ(script().SKF_DeleteContainer.argument<1>(), "two");
+    EXPECT_THAT(trace().texts(),
+                ElementsAre(info("DeviceDeleteKeypair", "SPI_KEYPAIR_HANDLE hKeypair = %p")));
+    EXPECT_EQ(application.containers.size(), 2u);
+    EXPECT_EQ(DeviceGetKeypairCount(device), 3);
+    EXPECT_EQ(DeviceFreeKeypair(two), 1);
+    EXPECT_EQ(DeviceFindKeypair(device, 2, "two", &two), 0);
+    const int expectedTypes[] = {2, 1, 2};
+    for (int i = 0; i < 3; ++i) {
+        SPI_KEYPAIR_HANDLE left = DeviceGetKeypair(device, i);
+        EXPECT_EQ(DeviceGetKeypairType(left), expectedTypes[i]);
+        DeviceFreeKeypair(left);
+    }
+    // 1 set, 1 device handle, 5 pairs, 1 handle to the deleted pair: none of it is taken back
+    EXPECT_EQ(referencesAfterRelease(), 8);
+    EXPECT_EQ(generated("two"), 1) << "its slot is free again";
+    keepsHandlesOpen();
+}
+
+TEST_F(Deletion, MapsTheTokensRefusal) {
+    const struct {
+        ULONG answer;
+        int result, pairsLeft;
+        const char *line;
+    } cases[] = {{SAR_USER_NOT_LOGGED_IN, -8, 2, "SKF_DeleteContainer fail, error = 0x0a00002d"},
+                 {SAR_FAIL, 1, 0, "SKF_DeleteContainer fail, error = 0x0a000001"},
+                 {0xB3, 1, 0, "SKF_DeleteContainer fail, error = 0x000000b3"}};
+    const KeptByContract kept;
+    for (const auto &at : cases) {
+        resetDevices();
+        insert({ecc("sm2", true, true)});
+        SPI_KEYPAIR_HANDLE deleted = DeviceGetKeypair(device, 0);
+        script().SKF_DeleteContainer.answer(at.answer);
+        mark();
+        EXPECT_EQ(DeviceDeleteKeypair(deleted), at.result);
+        EXPECT_THAT(trace().failures(), ElementsAre(error("DeviceDeleteKeypair", at.line)));
+        EXPECT_EQ(DeviceGetKeypairCount(device), at.pairsLeft);
+        restoreFunctions();
+        // Refused for lack of login: the container was closed, and is not closed a second time.
+        EXPECT_EQ(DeviceDeleteKeypair(deleted), at.pairsLeft > 0 ? 1 : -2);
+        EXPECT_EQ(DeviceFreeKeypair(deleted), 1);
+    }
+    keepsHandlesOpen();
+}
+
+TEST_F(Deletion, NamesTheHostsLabelOfAReusedContainer) {
+    const KeptByContract kept;
+    insert({{"blank"}});
+    ASSERT_EQ(generate("mine"), 1);
+    EXPECT_EQ(DeviceDeleteKeypair(handle), 1) << "the token knows no container of this name";
+    EXPECT_STREQ(script().SKF_DeleteContainer.argument<1>(), "mine");
+    EXPECT_THAT(
+        trace().failures(),
+        ElementsAre(error("DeviceDeleteKeypair", "SKF_DeleteContainer fail, error = 0x0a000006")));
+    DeviceFreeKeypair(handle);
+    keepsHandlesOpen();
+}
+
+} // namespace
+} // namespace tembra::test

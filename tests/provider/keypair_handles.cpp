@@ -1,0 +1,185 @@
+// Key pair handles: looking them up, their attributes, and their counts when pairs are deleted.
+#include "scripted_test.h"
+
+namespace tembra::test {
+namespace {
+
+class KeypairHandles : public ScriptedTest {};
+
+TEST_F(KeypairHandles, StandInContainerOrderSignatureFirst) {
+    insert({{"empty"},
+            ecc("sm2", true, true),
+            rsa("rsa", 1024, false, true),
+            ecc("sm2b", true, false)});
+    const struct {
+        const char *label;
+        int type, algorithm, bits;
+    } expected[] = {{"sm2", 2, ORVEL_PKI_ALGORITHM_ECC, 256},
+                    {"sm2", 1, ORVEL_PKI_ALGORITHM_ECC, 256},
+                    {"rsa", 1, ORVEL_PKI_ALGORITHM_RSA, 1024},
+                    {"sm2b", 2, ORVEL_PKI_ALGORITHM_ECC, 256}};
+    ASSERT_EQ(DeviceGetKeypairCount(device), 4);
+    EXPECT_EQ(DeviceGetKeypairCount(nullptr), -1);
+    for (int i = 0; i < 4; ++i) {
+        SPI_KEYPAIR_HANDLE handle = DeviceGetKeypair(device, i);
+        char label[8];
+        EXPECT_EQ(DeviceGetKeypairLabel(handle, label, sizeof label, nullptr), 1);
+        EXPECT_STREQ(label, expected[i].label);
+        EXPECT_EQ(DeviceGetKeypairType(handle), expected[i].type);
+        EXPECT_EQ(DeviceGetKeypairAlgorithm(handle), expected[i].algorithm);
+        EXPECT_EQ(DeviceGetKeypairBits(handle), expected[i].bits);
+        DeviceFreeKeypair(handle);
+    }
+    for (const int index : {-1, 4, 0x7FFFFFFF}) {
+        EXPECT_EQ(DeviceGetKeypair(device, index), nullptr);
+    }
+    EXPECT_EQ(referencesAfterRelease(), 6) << "the set, the device handle, four pairs";
+}
+
+TEST_F(KeypairHandles, AreTraced) {
+    insert({ecc("sm2", true, false)});
+    trace().setLevel("5");
+    SPI_KEYPAIR_HANDLE handle = DeviceGetKeypair(device, 0);
+    DeviceGetKeypairCount(device);
+    trace().setLevel("3");
+    char label[4];
+    int length = 0;
+    DeviceGetKeypairLabel(handle, label, sizeof label, &length);
+    DeviceGetKeypairType(handle);
+    DeviceGetKeypairAlgorithm(handle);
+    DeviceGetKeypairBits(handle);
+    DeviceFreeKeypair(handle);
+    Lines lines = trace().texts();
+    std::erase_if(lines,
+                  [](const std::string &text) { return text.find("call_stack") != text.npos; });
+    EXPECT_THAT(
+        lines,
+        ElementsAre(debug("DeviceGetKeypair", "hKeypair=%p"),
+                    debug("DeviceGetKeypairCount", "hDevice->m_keypairCount=1"),
+                    info("DeviceGetKeypairLabel",
+                         "SPI_KEYPAIR_HANDLE hKeypair = %p, char *label = sm2, int labellen = 4, "
+                         "int *pretlabellen = 4"),
+                    info("DeviceGetKeypairType", "hKeypair->m_keytype = 2"),
+                    info("DeviceGetKeypairAlgorithm", "hKeypair->m_algo=4"),
+                    info("DeviceGetKeypairBits", "hKeypair->m_keybits=256"),
+                    info("DeviceFreeKeypair", "hKeypair = %p"),
+                    info("DeviceFreeKeypair",
+                         "freeDevice hKeypair->m_device success, hKeypair->m_device=%p"),
+                    info("DeviceFreeDevice", "hDevice = %p"),
+                    info("DeviceFreeDevice", "hDevice->m_refCount=3, hDevice->m_keypairCount=1, "
+                                             "hDevice->m_hashCount=0, hDevice->m_cipherCount=0")));
+}
+
+TEST_F(KeypairHandles, FindComparesLabelAndType) {
+    insert({ecc("sm2", true, false), ecc("both", true, true)});
+    const struct {
+        const char *label;
+        int type;
+        int result;
+    } cases[] = {{"sm2", 2, 1}, {"both", 1, 1}, {"both", 2, 1}, {"sm2", 1, 0}, {"sm2", 3, 0},
+                 {"SM2", 2, 0}, {"sm", 2, 0},   {"sm2 ", 2, 0}, {"", 2, 0}};
+    for (const auto &at : cases) {
+        SPI_KEYPAIR_HANDLE untouched = reinterpret_cast<SPI_KEYPAIR_HANDLE>(&set);
+        SPI_KEYPAIR_HANDLE handle = untouched;
+        mark();
+        EXPECT_EQ(DeviceFindKeypair(device, at.type, at.label, &handle), at.result) << at.label;
+        const std::string entry =
+            info("DeviceFindKeypair",
+                 std::string("hDevice = %p, int type = ") + std::to_string(at.type) +
+                     ", const char *label = " + at.label + ", SPI_KEYPAIR_HANDLE *phKeypair = %p");
+        if (at.result == 1) {
+            EXPECT_THAT(trace().texts(), ElementsAre(entry));
+            EXPECT_EQ(DeviceGetKeypairType(handle), at.type);
+            DeviceFreeKeypair(handle);
+        } else {
+            EXPECT_EQ(handle, untouched);
+            EXPECT_THAT(trace().texts(),
+                        ElementsAre(entry, error("DeviceFindKeypair", "DeviceFindKeypair fail ")));
+        }
+    }
+    mark();
+    EXPECT_EQ(DeviceFindKeypair(nullptr, 2, "sm2", nullptr), -2);
+    EXPECT_THAT(trace().failures(),
+                ElementsAre(error("DeviceFindKeypair", "hDevice==0, rv=0xFFFFFFFE")));
+}
+
+TEST_F(KeypairHandles, FindTakesTheFirstOfEqualPairs) {
+    addToken({ecc("one", true, false), ecc("two", true, false)});
+    script().SKF_EnumContainer.run([](HAPPLICATION, LPSTR list, ULONG *size) {
+        *size = 9;
+        std::copy_n("one\0one\0", 9, list);
+        return SAR_OK;
+    });
+    discover();
+    ASSERT_EQ(DeviceGetKeypairCount(device), 2);
+    SPI_KEYPAIR_HANDLE first = DeviceGetKeypair(device, 0);
+    EXPECT_EQ(pair("one", 2), first);
+    DeviceFreeKeypair(first);
+}
+
+// What every entry point answers for a pair that was deleted under its handle.
+void expectDetached(SPI_KEYPAIR_HANDLE handle, int type) {
+    EXPECT_EQ(DeviceGetKeypairType(handle), type);
+    EXPECT_EQ(DeviceGetKeypairBits(handle), 256);
+    EXPECT_EQ(DeviceGetKeypairLabel(handle, nullptr, 0, nullptr), 1);
+    EXPECT_EQ(DeviceGetPublicKeyFromKeypair(handle), nullptr);
+    EXPECT_EQ(DeviceGetCertificateCount(handle), -1);
+    int length = 0;
+    unsigned char out[128] = {};
+    EXPECT_EQ(DeviceGetCertificate(handle, 0, out, sizeof out, &length), -2);
+    EXPECT_EQ(DeviceUpdateCertificate(handle, out, sizeof out), -2);
+    EXPECT_EQ(DeviceDeleteKeypair(handle), -2);
+    EXPECT_EQ(trace().failures().back(),
+              error("DeviceDeleteKeypair", "hKeypair->m_device == NULL"));
+    const int sm3 = ORVEL_PKI_ALGORITHM_SM3;
+    EXPECT_EQ(DevicePrivateKeyDecrypt(handle, ORVEL_PKI_ALGORITHM_SM2_ENC, &sm3, out, 100, nullptr,
+                                      0, &length),
+              1);
+    EXPECT_EQ(length, 100);
+    out[0] = 4;
+    EXPECT_EQ(DevicePrivateKeyDecrypt(handle, ORVEL_PKI_ALGORITHM_SM2_ENC, &sm3, out, 100, out, 100,
+                                      &length),
+              0);
+    EXPECT_EQ(trace().failures().back(),
+              error("DevicePrivateKeyDecrypt", "hKeypair->m_device == 0"));
+    if (type == ORVEL_PKI_KEYPAIRTYPE_SIGNATURE) {
+        EXPECT_EQ(
+            DeviceSign(handle, ORVEL_PKI_ALGORITHM_SM2_SIGN, nullptr, out, 32, nullptr, 0, &length),
+            1);
+        EXPECT_EQ(length, 80);
+        EXPECT_EQ(
+            DeviceSign(handle, ORVEL_PKI_ALGORITHM_SM2_SIGN, nullptr, out, 32, out, 80, &length),
+            0);
+        EXPECT_EQ(trace().failures().back(), error("DeviceSign", "hKeypair->m_device == 0"));
+    }
+}
+
+// Every handle to a deleted pair, and to the other pair of its container, stays good for its own
+// release; AddressSanitizer sees to the rest.
+TEST_F(KeypairHandles, OutliveTheDeletionOfTheirPair) {
+    const KeptByContract kept;
+    insert({ecc("sm2", true, true), ecc("other", true, false)});
+    SPI_KEYPAIR_HANDLE sign[3] = {};
+    SPI_KEYPAIR_HANDLE encrypt = DeviceGetKeypair(device, 1);
+    for (SPI_KEYPAIR_HANDLE &handle : sign) {
+        handle = DeviceGetKeypair(device, 0);
+    }
+    EXPECT_EQ(DeviceDeleteKeypair(sign[1]), 1);
+    EXPECT_EQ(DeviceGetKeypairCount(device), 1);
+    mark();
+    expectDetached(sign[0], ORVEL_PKI_KEYPAIRTYPE_SIGNATURE);
+    expectDetached(encrypt, ORVEL_PKI_KEYPAIRTYPE_ENCRYPT);
+    EXPECT_THAT(callsSinceMark(), IsEmpty()) << "the token is not asked";
+    EXPECT_EQ(DeviceFreeKeypair(sign[0]), 1);
+    EXPECT_EQ(DeviceGetKeypairType(sign[2]), 2);
+    mark();
+    EXPECT_EQ(DeviceFreeKeypair(sign[1]), 1);
+    EXPECT_EQ(DeviceFreeKeypair(sign[2]), 1);
+    EXPECT_EQ(DeviceFreeKeypair(encrypt), 1);
+    EXPECT_TRUE(
+        trace().contains(info("DeviceFreeKeypair", "freeDevice hKeypair success, hKeypair=%p")));
+    keepsHandlesOpen(); // a device that lost a pair is not destroyed any more
+}
+
+} // namespace
+} // namespace tembra::test

@@ -1,0 +1,248 @@
+// PINs, and device authentication with its peculiar key text.
+#include "scripted_test.h"
+
+#include <cstring>
+
+namespace tembra::test {
+namespace {
+
+class Pins : public ScriptedTest {
+protected:
+    void SetUp() override {
+        ScriptedTest::SetUp();
+        insert({});
+    }
+    int tries = 77;
+};
+
+TEST_F(Pins, VerifyChangeUnblockAndCount) {
+    EXPECT_EQ(DeviceVerifyPwd(device, 1, "wrong", &tries), -5);
+    EXPECT_EQ(tries, 9);
+    EXPECT_EQ(DeviceGetPwdRetryNum(device, 1, &tries), 1);
+    EXPECT_EQ(tries, 9);
+    EXPECT_EQ(DeviceVerifyPwd(device, 1, "user-pin", &tries), 1);
+    EXPECT_EQ(DeviceVerifyPwd(device, 2, "admin-pin", &tries), 1);
+    EXPECT_EQ(DeviceChangePwd(device, 1, "user-pin", "second", &tries), 1);
+    EXPECT_EQ(DeviceChangePwd(device, 2, "wrong", "second", &tries), -5);
+    EXPECT_EQ(DeviceGetPwdRetryNum(device, 2, &tries), 1);
+    EXPECT_EQ(tries, 9);
+    EXPECT_EQ(DeviceUnlockPwd(device, 1, "admin-pin", "third", &tries), 1);
+    EXPECT_EQ(DeviceVerifyPwd(device, 1, "third", nullptr), 1);
+    EXPECT_THAT(trace().failures(), IsEmpty());
+    EXPECT_EQ(script().SKF_VerifyPIN.argument<1>(0), USER_TYPE);
+    EXPECT_EQ(script().SKF_VerifyPIN.argument<1>(2), ADMIN_TYPE);
+    EXPECT_EQ(script().SKF_ChangePIN.argument<1>(1), ADMIN_TYPE);
+}
+
+TEST_F(Pins, TraceTheirTexts) {
+    tries = 5;
+    DeviceVerifyPwd(device, 1, "user-pin", &tries);
+    tries = 5;
+    DeviceChangePwd(device, 1, "user-pin", "new", &tries);
+    DeviceUnlockPwd(device, 1, "admin-pin", "newer", &tries);
+    tries = 5;
+    DeviceGetPwdRetryNum(device, 1, &tries);
+    EXPECT_THAT(
+        trace().texts(),
+        ElementsAre(
+            info("DeviceVerifyPwd", "hDevice = %p, type = 1, pwd = user-pin, *pretrynum = 5"),
+            info("DeviceChangePwd", "hDevice = %p, int type = 1, const char *oldpwd = user-pin, "
+                                    "const char *newpwd = new, int *pretrynum = 5"),
+            info("DeviceUnlockPwd", "hDevice = %p, int type = 1, const char *sopwd = admin-pin, "
+                                    "const char *newpwd = newer, int *pretrynum = %p"),
+            info("DeviceGetPwdRetryNum",
+                 "hDevice = %p, int type = 1\xEF\xBC\x8C int *pretrynum = 5")));
+}
+
+TEST_F(Pins, MapTheTokensAnswers) {
+    const struct {
+        ULONG answer;
+        int verify, change, unblock;
+    } cases[] = {{SAR_PIN_INCORRECT, -5, -5, 0},
+                 {SAR_PIN_LOCKED, 0, 0, -5},
+                 {SAR_PIN_LEN_RANGE, -19, -19, -19},
+                 {SAR_USER_NOT_LOGGED_IN, 0, 0, 0},
+                 {SAR_FAIL, 0, 0, 0}};
+    for (const auto &at : cases) {
+        script().SKF_VerifyPIN.answer(at.answer);
+        script().SKF_ChangePIN.answer(at.answer);
+        script().SKF_UnblockPIN.answer(at.answer);
+        char code[16];
+        std::snprintf(code, sizeof code, "0x%08X", at.answer);
+        const auto expectLine = [](int result, const std::string &text) {
+            EXPECT_EQ(trace().failures(), result == 0 ? Lines{text} : Lines{});
+        };
+        mark();
+        EXPECT_EQ(DeviceVerifyPwd(device, 2, "x", &tries), at.verify) << code;
+        expectLine(at.verify,
+                   error("DeviceVerifyPwd", std::string("SKF_VerifyPIN fail, error = ") + code));
+        mark();
+        EXPECT_EQ(DeviceChangePwd(device, 1, "x", "y", &tries), at.change) << code;
+        expectLine(at.change,
+                   error("DeviceChangePwd", std::string("SKF_ChangePIN fail, error = ") + code));
+        mark();
+        EXPECT_EQ(DeviceUnlockPwd(device, 1, "x", "y", &tries), at.unblock) << code;
+        expectLine(at.unblock, error("DeviceUnlockPwd", std::string("rv != SAR_OK, rv = ") + code));
+    }
+    script().SKF_GetPINInfo.answer(SAR_FAIL);
+    mark();
+    tries = 77;
+    EXPECT_EQ(DeviceGetPwdRetryNum(device, 1, &tries), 0);
+    EXPECT_EQ(tries, 77);
+    EXPECT_THAT(trace().failures(), ElementsAre(error("DeviceGetPwdRetryNum",
+                                                      "SKF_GetPINInfo fail, error : 0x0A000001")));
+}
+
+TEST_F(Pins, RefuseOtherTypes) {
+    for (const int type : {0, 4, -1, 3, 2}) {
+        const bool isPin = type == 2;
+        if (type != 3) {
+            EXPECT_EQ(DeviceVerifyPwd(device, type, "admin-pin", &tries), isPin ? 1 : -1);
+        }
+        EXPECT_EQ(DeviceChangePwd(device, type, "admin-pin", "admin-pin", &tries), isPin ? 1 : -1);
+        EXPECT_EQ(DeviceGetPwdRetryNum(device, type, &tries), isPin ? 1 : -1);
+        EXPECT_EQ(DeviceUnlockPwd(device, type, "admin-pin", "x", &tries), -1);
+    }
+    EXPECT_EQ(script().SKF_UnblockPIN.calls(), 0);
+    EXPECT_THAT(trace().failures(), IsEmpty());
+}
+
+TEST_F(Pins, NeedAnApplication) {
+    resetDevices();
+    script().memory.addDevice("blank");
+    discover();
+    EXPECT_EQ(DeviceVerifyPwd(device, 1, "x", &tries), 0);
+    EXPECT_EQ(DeviceChangePwd(device, 1, "x", "y", &tries), 0);
+    EXPECT_EQ(DeviceUnlockPwd(device, 1, "x", "y", &tries), 0);
+    EXPECT_EQ(DeviceGetPwdRetryNum(device, 1, &tries), 0);
+    EXPECT_THAT(trace().failures(),
+                ElementsAre(error("DeviceVerifyPwd", "hDevice->m_hApp == 0"),
+                            error("DeviceChangePwd", "hDevice->m_isformat == 0"),
+                            error("DeviceUnlockPwd", "hDevice->m_isformat == 0"),
+                            error("DeviceGetPwdRetryNum", "hDevice->m_isformat == 0")));
+    EXPECT_EQ(DeviceVerifyPwd(device, 3, std::string(32, '0').c_str(), nullptr), 1)
+        << "authentication needs only the token";
+}
+
+TEST_F(Pins, DeviceAuthenticationTurnsTextIntoAKey) {
+    const std::string sevens(28, '7');
+    const struct {
+        std::string text;
+        Bytes key;
+    } cases[] = {
+        {"0123456789ABCDEF0123456789abcdef",
+         {0x01, 0x23, 0x45, 0x67, 0x89, 0x01, 0x23, 0x45, 0x01, 0x23, 0x45, 0x67, 0x89, 0x01, 0x23,
+          0x45}},
+        {"9Zz9" + sevens, {0x99, 0x99}}, // Z is 25, taken whole: 90 | 19, and 190 cut to 90, | 9
+        {"ZZaz" + sevens, {0x99, 0x19}},
+        {"0GG0" + sevens, {0x06, 0x60}},
+    };
+    for (const auto &at : cases) {
+        Bytes key;
+        script().SKF_SetSymmKey.run(
+            [&key](DEVHANDLE token, BYTE *bytes, ULONG algorithm, HANDLE *handle) {
+                key.assign(bytes, bytes + 16);
+                return script().SKF_SetSymmKey.usual(token, bytes, algorithm, handle);
+            });
+        Bytes challenge, answer;
+        script().SKF_Encrypt.run(
+            [&](HANDLE handle, BYTE *in, ULONG size, BYTE *out, ULONG *outSize) {
+                challenge.assign(in, in + size);
+                EXPECT_EQ(*outSize, 16u);
+                return script().SKF_Encrypt.usual(handle, in, size, out, outSize);
+            });
+        script().SKF_DevAuth.run([&](DEVHANDLE, BYTE *bytes, ULONG size) {
+            answer.assign(bytes, bytes + size);
+            return SAR_OK;
+        });
+        mark();
+        tries = 77;
+        EXPECT_EQ(DeviceVerifyPwd(device, 3, at.text.c_str(), &tries), 1);
+        EXPECT_EQ(tries, -1);
+        Bytes expected = at.key;
+        expected.resize(16, 0x77);
+        EXPECT_EQ(key, expected) << at.text;
+        EXPECT_EQ(challenge, (Bytes{1, 2, 3, 4, 5, 6, 7, 8, 0, 0, 0, 0, 0, 0, 0, 0}));
+        EXPECT_EQ(answer, toyEncrypt(expected, {}, challenge));
+        EXPECT_THAT(callsSinceMark(),
+                    ElementsAre("SKF_GenRandom", "SKF_SetSymmKey", "SKF_EncryptInit", "SKF_Encrypt",
+                                "SKF_CloseHandle", "SKF_DevAuth"));
+        EXPECT_EQ(script().SKF_SetSymmKey.argument<2>(), SGD_SMS4_ECB);
+        const BLOCKCIPHERPARAM none{};
+        const BLOCKCIPHERPARAM used = script().SKF_EncryptInit.argument<1>();
+        EXPECT_EQ(std::memcmp(&used, &none, sizeof none), 0);
+    }
+}
+
+TEST_F(Pins, DeviceAuthenticationRefusesOtherTexts) {
+    const std::string whole(32, '0');
+    const struct {
+        std::string text;
+        const char *message;
+    } cases[] = {{whole.substr(1), "strlen(pwd) != 32"},
+                 {whole + "0", "strlen(pwd) != 32"},
+                 {"", "strlen(pwd) != 32"},
+                 {whole.substr(1) + "-", "keylen != 16"},
+                 {" " + whole.substr(1), "keylen != 16"},
+                 {whole.substr(1) + "\xC3", "keylen != 16"},
+                 {whole.substr(1) + "[", "keylen != 16"},
+                 {whole.substr(1) + "@", "keylen != 16"},
+                 {whole.substr(1) + "{", "keylen != 16"},
+                 {whole.substr(1) + "`", "keylen != 16"},
+                 {whole.substr(1) + ":", "keylen != 16"},
+                 {whole.substr(1) + "/", "keylen != 16"}};
+    for (const auto &at : cases) {
+        mark();
+        tries = 77;
+        EXPECT_EQ(DeviceVerifyPwd(device, 3, at.text.c_str(), &tries), 0);
+        EXPECT_EQ(tries, -1);
+        EXPECT_THAT(trace().failures(), ElementsAre(error("VerifySuperPwd", at.message)));
+        EXPECT_THAT(callsSinceMark(), IsEmpty());
+    }
+}
+
+TEST_F(Pins, DeviceAuthenticationMapsFailures) {
+    const struct {
+        std::function<void()> fault;
+        const char *message;
+        int result, keysLeftOpen;
+    } cases[] = {
+        {[] { script().SKF_GenRandom.answer(SAR_FAIL); }, "SKF_GenRandom fail, error = 0x0A000001",
+         0, 0},
+        {[] { script().SKF_SetSymmKey.answer(SAR_FAIL); },
+         "SKF_SetSymmKey fail, error = 0x0A000001", 0, 0},
+        {[] { script().SKF_EncryptInit.answer(SAR_FAIL); },
+         "SKF_EncryptInit fail, error = 0x0A000001", 0, 1},
+        {[] { script().SKF_Encrypt.answer(SAR_FAIL); }, "SKF_Encrypt fail, error = 0x0A000001", 0,
+         0},
+        {[] { script().SKF_DevAuth.answer(SAR_PIN_LOCKED); },
+         "SKF_DevAuth fail, error = 0x0A000025", -5, 0},
+    };
+    for (const auto &at : cases) {
+        restoreFunctions();
+        at.fault();
+        const int before = script().memory.open(HandleKind::key);
+        mark();
+        EXPECT_EQ(DeviceVerifyPwd(device, 3, std::string(32, '1').c_str(), nullptr), at.result);
+        EXPECT_THAT(trace().failures(), ElementsAre(error("ExternalAuth", at.message)));
+        EXPECT_EQ(script().memory.open(HandleKind::key) - before, at.keysLeftOpen);
+    }
+    keepsHandlesOpen(); // the key of the failed SKF_EncryptInit
+}
+
+// What the token reports must not be read from beyond the 16 bytes it was given.
+TEST_F(Pins, DeviceAuthenticationDistrustsLengths) {
+    for (const ULONG size : {17u, 4096u, 0xFFFFFFFFu}) {
+        script().SKF_Encrypt.run([size](auto, auto, auto, BYTE *, ULONG *out) {
+            *out = size;
+            return SAR_OK;
+        });
+        script().SKF_DevAuth.run([](DEVHANDLE, BYTE *bytes, ULONG length) {
+            return Bytes(bytes, bytes + length).size() > 16 ? SAR_OK : SAR_FAIL; // reads them all
+        });
+        EXPECT_NE(DeviceVerifyPwd(device, 3, std::string(32, '1').c_str(), nullptr), 1);
+    }
+}
+
+} // namespace
+} // namespace tembra::test

@@ -1,0 +1,94 @@
+// Public keys in the host library's encoding.
+#include "scripted_test.h"
+
+#include <cstring>
+
+namespace tembra::test {
+namespace {
+
+class PublicKeys : public ScriptedTest {
+protected:
+    Bytes exported(SPI_KEYPAIR_HANDLE handle) {
+        SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(handle);
+        EXPECT_EQ(DeviceGetPublicKeyAlgorithm(key), DeviceGetKeypairAlgorithm(handle));
+        EXPECT_EQ(DeviceGetPublicKeyBits(key), DeviceGetKeypairBits(handle));
+        Bytes bytes(1024);
+        int length = 0;
+        EXPECT_EQ(DeviceExportPublicKey(key, bytes.data(), 1024, &length), 1);
+        bytes.resize(static_cast<std::size_t>(length));
+        EXPECT_EQ(DeviceFreePublicKey(key), 1);
+        return bytes;
+    }
+};
+
+TEST_F(PublicKeys, AreEncodedFromTheRightEndOfTheirFields) {
+    insert({ecc("sm2", true, true), rsa("rsa1", 1024, true, false), rsa("rsa2", 2048, true, true)});
+    EXPECT_EQ(exported(pair("sm2", 2)), encodedEccKey(true));
+    EXPECT_EQ(exported(pair("sm2", 1)), encodedEccKey(false));
+    EXPECT_EQ(exported(pair("rsa1", 2)), encodedRsaKey(true, 1024));
+    EXPECT_EQ(exported(pair("rsa2", 2)), encodedRsaKey(true, 2048));
+    EXPECT_EQ(exported(pair("rsa2", 1)), encodedRsaKey(false, 2048));
+}
+
+TEST_F(PublicKeys, AreSnapshots) {
+    insert({ecc("sm2", true, false)});
+    SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(pair("sm2", 2));
+    release();
+    EXPECT_EQ(script().memory.open(), 0);
+    unsigned char bytes[68];
+    EXPECT_EQ(DeviceExportPublicKey(key, bytes, sizeof bytes, nullptr), 1);
+    EXPECT_EQ(Bytes(bytes, bytes + sizeof bytes), encodedEccKey(true));
+    EXPECT_EQ(DeviceFreePublicKey(key), 1);
+}
+
+TEST_F(PublicKeys, EncodingsUpTo1024BytesFit) {
+    for (const int length : {1024, 1025, 5000}) {
+        script().OrvelPKICryptoEncodeECCPubKey.run([length](auto, auto, auto, auto, auto,
+                                                            unsigned char **out, int *outLength) {
+            const Bytes filler(static_cast<std::size_t>(length), 'k');
+            return memory_token::OrvelPKICryptoEncodeRSAPubKey(filler.data(), length - 7,
+                                                               filler.data(), 4, out, outLength);
+        });
+        resetDevices();
+        insert({ecc("sm2", true, false)});
+        SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(pair("sm2", 2));
+        EXPECT_EQ(key != nullptr, length <= 1024);
+        EXPECT_EQ(trace().failures().size(), length <= 1024 ? 0u : 1u);
+        DeviceFreePublicKey(key);
+    }
+}
+
+TEST_F(PublicKeys, AreTraced) {
+    insert({ecc("sm2", true, false)});
+    SPI_KEYPAIR_HANDLE handle = pair("sm2", 2);
+    trace().setLevel("5");
+    SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(handle);
+    unsigned char bytes[68];
+    int length = 0;
+    DeviceExportPublicKey(key, bytes, sizeof bytes, &length);
+    DeviceGetPublicKeyAlgorithm(key);
+    DeviceGetPublicKeyBits(key);
+    DeviceFreePublicKey(key);
+    DeviceExportPublicKey(nullptr, bytes, sizeof bytes, &length);
+    EXPECT_EQ(DeviceGetPublicKeyFromKeypair(nullptr), nullptr);
+    Lines lines = trace().texts();
+    std::erase_if(lines,
+                  [](const std::string &text) { return text.find("call_stack") != text.npos; });
+    std::string hex;
+    for (const unsigned char byte : encodedEccKey(true)) {
+        char digits[3];
+        std::snprintf(digits, sizeof digits, "%02X", byte);
+        hex += digits;
+    }
+    EXPECT_THAT(lines, ElementsAre(info("DeviceGetPublicKeyFromKeypair", "hPublicKey = %p"),
+                                   verbose("DeviceExportPublicKey", "keyblob[length:68]: " + hex),
+                                   info("DeviceGetPublicKeyAlgorithm", "hPublicKey->m_algo = 4"),
+                                   info("DeviceGetPublicKeyBits",
+                                        "SPI_PUBLICKEY_HANDLE hPublicKey->m_keybits = 256"),
+                                   debug("DeviceFreePublicKey", "hPublicKey = NULL, line: 0"),
+                                   error("DeviceExportPublicKey", "hPublicKey=0"),
+                                   error("DeviceGetPublicKeyFromKeypair", "hKeypair == 0")));
+}
+
+} // namespace
+} // namespace tembra::test

@@ -1,0 +1,164 @@
+// Random numbers and SM3 digests: the pieces that reach the token, and handles by the hundred.
+#include "scripted_test.h"
+
+namespace tembra::test {
+namespace {
+
+constexpr int sm3 = ORVEL_PKI_ALGORITHM_SM3;
+
+class RandomAndHash : public ScriptedTest {
+protected:
+    std::vector<ULONG> pieces(int from) {
+        std::vector<ULONG> sizes;
+        for (int i = from; i < script().SKF_DigestUpdate.calls(); ++i) {
+            sizes.push_back(script().SKF_DigestUpdate.argument<2>(i));
+        }
+        return sizes;
+    }
+};
+
+TEST_F(RandomAndHash, RandomIsOneCallWhateverItsLength) {
+    insert({});
+    Bytes bytes(3000);
+    EXPECT_EQ(DeviceGenerateRandom(device, 3000, bytes.data()), 1);
+    EXPECT_EQ(script().SKF_GenRandom.calls(), 1);
+    EXPECT_EQ(bytes[2999], static_cast<unsigned char>(3000));
+    EXPECT_THAT(trace().texts(),
+                ElementsAre(info("DeviceGenerateRandom",
+                                 "hDevice = %p, int len = 3000, unsigned char *rand = %p")));
+    mark();
+    script().SKF_GenRandom.answer(SAR_FAIL);
+    EXPECT_EQ(DeviceGenerateRandom(device, 3000, bytes.data()), 0);
+    EXPECT_THAT(trace().failures(), ElementsAre(error("DeviceGenerateRandom",
+                                                      "SKF_GenRandom fail, error = 0x0A000001")));
+}
+
+TEST_F(RandomAndHash, HashesInPiecesOfTheOperationLength) {
+    const struct {
+        const char *setting;
+        int size;
+        std::vector<ULONG> pieces;
+    } cases[] = {{"", 2500, {1024, 1024, 452}},
+                 {"\"MaxOperationLen\"=dword:00000010\r\n", 40, {16, 16, 8}},
+                 {"\"MaxOperationLen\"=dword:7fffffff\r\n", 2500, {1024, 1024, 452}},
+                 {"\"MaxOperationLen\"=dword:7ffffff0\r\n", 2500, {2500}}};
+    Bytes data(2500);
+    for (std::size_t i = 0; i < data.size(); ++i) {
+        data[i] = static_cast<unsigned char>(i * 7);
+    }
+    for (const auto &at : cases) {
+        restart(at.setting);
+        resetDevices();
+        insert({});
+        SPI_HASH_HANDLE hash = DeviceNewHash(device, sm3);
+        const int from = script().SKF_DigestUpdate.calls();
+        EXPECT_EQ(DeviceHashUpdate(hash, data.data(), at.size), 1);
+        EXPECT_EQ(pieces(from), at.pieces);
+        Bytes fed;
+        for (HandleModel &handle : script().memory.handles) {
+            if (handle.kind == HandleKind::digest && handle.open) {
+                fed = handle.digested;
+            }
+        }
+        EXPECT_EQ(fed, Bytes(data.begin(), data.begin() + at.size));
+        EXPECT_EQ(DeviceFreeHash(hash), 1);
+    }
+    EXPECT_EQ(script().SKF_DigestInit.argument<1>(), SGD_SM3);
+    EXPECT_EQ(script().SKF_DigestInit.argument<2>(), nullptr);
+    EXPECT_EQ(script().SKF_DigestInit.argument<3>(), nullptr);
+    EXPECT_EQ(script().SKF_DigestInit.argument<4>(), 0u);
+}
+
+TEST_F(RandomAndHash, HashChecksAndFailures) {
+    insert({});
+    EXPECT_EQ(DeviceNewHash(device, 0x7001), nullptr);
+    EXPECT_THAT(trace().failures(), ElementsAre(error("DeviceNewHash", "only support sm3")));
+    script().SKF_DigestInit.answer(SAR_FAIL);
+    mark();
+    EXPECT_EQ(DeviceNewHash(device, sm3), nullptr);
+    EXPECT_THAT(trace().failures(), IsEmpty());
+    script().SKF_DigestInit.restore();
+
+    SPI_HASH_HANDLE hash = DeviceNewHash(device, sm3);
+    mark();
+    Bytes data(2500), value(32, 0xEE);
+    int length = 77;
+    EXPECT_EQ(DeviceHashUpdate(hash, nullptr, 0), 1);
+    EXPECT_EQ(DeviceHashUpdate(hash, data.data(), -1), -1);
+    EXPECT_EQ(DeviceHashUpdate(hash, nullptr, 1), -1);
+    EXPECT_EQ(DeviceHashFinal(hash, value.data(), 32, nullptr), -1);
+    EXPECT_EQ(script().SKF_DigestUpdate.calls(), 0);
+    EXPECT_THAT(trace().failures(), IsEmpty());
+    script().SKF_DigestUpdate.answerAt(2, SAR_FAIL);
+    EXPECT_EQ(DeviceHashUpdate(hash, data.data(), 2500), 0);
+    EXPECT_EQ(script().SKF_DigestUpdate.calls(), 2);
+    EXPECT_THAT(
+        trace().failures(),
+        ElementsAre(error("DeviceHashUpdate", "SKF_DigestUpdate fail, error = 0x0A000001")));
+    mark();
+    script().SKF_DigestFinal.answerAt(1, SAR_FAIL);
+    EXPECT_EQ(DeviceHashFinal(hash, value.data(), 32, &length), 0);
+    EXPECT_THAT(trace().failures(),
+                ElementsAre(error("DeviceHashFinal", "SKF_DigestFinal fail, error = 0x0A000001")));
+    script().SKF_DigestFinal.run([](auto, auto, ULONG *size) {
+        EXPECT_EQ(*size, 40u);
+        *size = 7;
+        return SAR_OK;
+    });
+    value.resize(40);
+    EXPECT_EQ(DeviceHashFinal(hash, value.data(), 40, &length), 1);
+    EXPECT_EQ(length, 32) << "whatever the token reports";
+    DeviceFreeHash(hash);
+}
+
+TEST_F(RandomAndHash, AreTraced) {
+    insert({});
+    SPI_HASH_HANDLE hash = DeviceNewHash(device, sm3);
+    unsigned char bytes[32] = {};
+    int length = 5;
+    DeviceHashUpdate(hash, bytes, 3);
+    DeviceHashFinal(hash, bytes, 32, &length);
+    DeviceFreeHash(hash);
+    Lines lines = trace().texts();
+    ASSERT_EQ(lines.size(), 6u);
+    EXPECT_EQ(lines[0], info("DeviceNewHash", "hDevice = %p, int algo = 28672"));
+    EXPECT_EQ(lines[1],
+              info("DeviceHashUpdate", "SPI_HASH_HANDLE hHash = %p, const unsigned char *data "
+                                       "= %p, int datalen = 3"));
+    EXPECT_THAT(lines[2],
+                ::testing::StartsWith(info("DeviceHashFinal",
+                                           "SPI_HASH_HANDLE hHash = %p, unsigned char *hashvalue = "
+                                           "%p, int hashvaluelen = 32, int *prethashvaluelen = ")));
+    EXPECT_EQ(lines[3], info("DeviceFreeHash", "SPI_HASH_HANDLE hHash = %p"));
+    EXPECT_EQ(lines[4], info("DeviceFreeDevice", "hDevice = %p"));
+    EXPECT_EQ(lines[5],
+              info("DeviceFreeDevice", "hDevice->m_refCount=2, hDevice->m_keypairCount=0, "
+                                       "hDevice->m_hashCount=0, hDevice->m_cipherCount=0"));
+}
+
+TEST_F(RandomAndHash, ListsOfHandlesGrowAndShrink) {
+    insert({});
+    const unsigned char key[16] = {};
+    std::vector<SPI_HASH_HANDLE> hashes;
+    std::vector<SPI_CIPHER_HANDLE> ciphers;
+    for (int i = 0; i < 150; ++i) {
+        hashes.push_back(DeviceNewHash(device, sm3));
+        ciphers.push_back(
+            DeviceNewCipher(device, 1, ORVEL_PKI_ALGORITHM_SMS4_ECB, key, 16, nullptr));
+        ASSERT_NE(hashes.back(), nullptr);
+        ASSERT_NE(ciphers.back(), nullptr);
+    }
+    EXPECT_EQ(referencesAfterRelease(), 302);
+    for (const std::size_t at : {149u, 0u, 63u, 64u, 65u, 128u}) { // last, first, around the growth
+        EXPECT_EQ(DeviceFreeHash(hashes[at]), 1);
+        EXPECT_EQ(DeviceFreeCipher(ciphers[at]), 1);
+    }
+    EXPECT_EQ(referencesAfterRelease(), 290);
+    EXPECT_EQ(DeviceHashUpdate(hashes[100], key, 16), 1);
+    release(); // destroys the others with the device
+    EXPECT_EQ(script().memory.open(HandleKind::digest), 0);
+    EXPECT_EQ(script().memory.open(HandleKind::key), 0);
+}
+
+} // namespace
+} // namespace tembra::test

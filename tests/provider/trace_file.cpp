@@ -1,0 +1,142 @@
+// Where the trace goes: each case in a child process that has not written a line yet.
+#include "process_environment.h"
+#include "tembra_key_prov.h"
+#include "trace_capture.h"
+
+#include <algorithm>
+#include <ctime>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace tembra::test {
+namespace {
+
+constexpr const char *pathVariable = "TEMBRA_KEY_PROV_LOG_PATH";
+
+// Writes "[INFO] [DeviceLockDevice] DeviceLockDevice success" and nothing else.
+void writeLine() {
+    DeviceLockDevice(nullptr);
+}
+
+template <typename Action>
+void inChild(Action action) {
+    const pid_t child = fork();
+    if (child == 0) {
+        setVariable("TEMBRA_KEY_PROV_LOG_LEVEL", std::nullopt);
+        umask(0);
+        action();
+        _exit(::testing::Test::HasFailure() ? 1 : 0);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+}
+
+class TraceFile : public ::testing::Test {
+protected:
+    std::size_t linesIn(const std::filesystem::path &path) const {
+        const auto lines = parseTrace(readFile(path));
+        EXPECT_TRUE(std::all_of(lines.begin(), lines.end(), [](const TraceLine &line) {
+            return line.text() == "[INFO] [DeviceLockDevice] DeviceLockDevice success";
+        })) << readFile(path);
+        return lines.size();
+    }
+    std::filesystem::path in(const char *name) const { return directory_.path() / name; }
+
+    TemporaryDirectory directory_;
+};
+
+TEST_F(TraceFile, BelongsToItsOwnerAndIsAppendedTo) {
+    for (const std::size_t lines : {1u, 2u}) {
+        inChild([this] {
+            setVariable(pathVariable, in("trace.log").string());
+            writeLine();
+        });
+        EXPECT_EQ(linesIn(in("trace.log")), lines);
+    }
+    struct stat status {};
+    ASSERT_EQ(stat(in("trace.log").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600u);
+}
+
+TEST_F(TraceFile, DefaultsToTheTemporaryDirectory) {
+    inChild([this] {
+        setVariable(pathVariable, std::nullopt);
+        setVariable("TMPDIR", directory_.path().string());
+        writeLine();
+    });
+    EXPECT_EQ(linesIn(in("tembra_key_prov.log")), 1u);
+}
+
+TEST_F(TraceFile, EmptyPathWritesNothing) {
+    inChild([this] {
+        setVariable(pathVariable, "");
+        setVariable("TMPDIR", directory_.path().string());
+        writeLine();
+    });
+    EXPECT_FALSE(std::filesystem::exists(in("tembra_key_prov.log")));
+}
+
+TEST_F(TraceFile, OpenIsTriedAgainAndThenKept) {
+    inChild([this] {
+        setVariable(pathVariable, in("absent/trace.log").string());
+        writeLine();
+        std::filesystem::create_directory(in("absent"));
+        writeLine();
+        setVariable(pathVariable, in("other.log").string());
+        writeLine();
+    });
+    EXPECT_EQ(linesIn(in("absent/trace.log")), 2u);
+    EXPECT_FALSE(std::filesystem::exists(in("other.log")));
+}
+
+TEST_F(TraceFile, LongTemporaryPathDoesNoHarm) {
+    inChild([] {
+        setVariable(pathVariable, std::nullopt);
+        setVariable("TMPDIR", "/" + std::string(5000, 't'));
+        writeLine();
+    });
+}
+
+TEST_F(TraceFile, ConcurrentFirstLinesAreAllWhole) {
+    constexpr int threads = 8;
+    constexpr int linesEach = 200;
+    inChild([this] {
+        setVariable(pathVariable, in("trace.log").string());
+        std::vector<std::thread> writers;
+        for (int i = 0; i < threads; ++i) {
+            writers.emplace_back([] {
+                for (int line = 0; line < linesEach; ++line) {
+                    writeLine();
+                }
+            });
+        }
+        for (std::thread &writer : writers) {
+            writer.join();
+        }
+    });
+    EXPECT_EQ(linesIn(in("trace.log")), static_cast<std::size_t>(threads * linesEach));
+}
+
+TEST_F(TraceFile, LineCarriesThreadAndLocalTime) {
+    const std::time_t before = std::time(nullptr);
+    inChild([this] {
+        setVariable("TZ", "CST-8");
+        setVariable(pathVariable, in("trace.log").string());
+        writeLine();
+    });
+    const std::string text = readFile(in("trace.log"));
+    std::tm local{};
+    ASSERT_NE(strptime(text.c_str() + text.find(' '), " %Y-%m-%d %H:%M:%S", &local), nullptr);
+    const std::time_t written = timegm(&local) - 8 * 3600;
+    EXPECT_GE(written, before);
+    EXPECT_LE(written, std::time(nullptr));
+    EXPECT_GT(std::stol(text), 0);
+    EXPECT_TRUE(text.ends_with("[INFO] [DeviceLockDevice] DeviceLockDevice success \n"));
+}
+
+} // namespace
+} // namespace tembra::test

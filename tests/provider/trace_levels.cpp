@@ -1,0 +1,67 @@
+// Which lines are written at which level, and the form of the hex dumps.
+#include "scripted_test.h"
+
+namespace tembra::test {
+namespace {
+
+class TraceLevels : public ScriptedTest {
+protected:
+    // One call for every level: error and information, warning and debug, verbose.
+    std::set<std::string> levelsWritten() {
+        mark();
+        DeviceGetDevice(nullptr, 0);
+        DeviceIsSupportedAlgorithm2(device, ORVEL_PKI_ALGORITHM_SM3, 0, 3, nullptr);
+        const unsigned char in[] = {0x00, 0xAB, 0x7F};
+        DeviceCipherUpdate(nullptr, in, sizeof in, nullptr, 0, nullptr);
+        std::set<std::string> levels;
+        for (const TraceLine &line : trace().lines()) {
+            levels.insert(line.level);
+        }
+        return levels;
+    }
+};
+
+TEST_F(TraceLevels, FollowTheVariableAtEveryStatement) {
+    insert({});
+    const std::set<std::string> usual = {"ERROR", "WARN", "INFO"};
+    const std::set<std::string> all = {"ERROR", "WARN", "INFO", "DEBUG", "VERBOSE"};
+    const struct {
+        std::optional<std::string> level;
+        std::set<std::string> written;
+    } cases[] = {
+        {std::nullopt, usual},
+        {"0", {}},
+        {"", {}},
+        {"abc", {}},
+        {"-1", {}},
+        {"1", {"ERROR"}},
+        {"2", {"ERROR", "WARN"}},
+        {"3", usual},
+        {" 3x", usual},
+        {"4", {"ERROR", "WARN", "INFO", "DEBUG"}},
+        {"5", all},
+        {"99", all},
+    };
+    for (const auto &at : cases) {
+        trace().setLevel(at.level);
+        EXPECT_EQ(levelsWritten(), at.written) << at.level.value_or("unset");
+    }
+}
+
+TEST_F(TraceLevels, DumpInCapitalHex) {
+    trace().setLevel("5");
+    mark();
+    const unsigned char in[] = {0x00, 0xAB, 0x7F};
+    EXPECT_EQ(DeviceCipherUpdate(nullptr, in, sizeof in, nullptr, 0, nullptr), -2);
+    EXPECT_TRUE(trace().contains(verbose("DeviceCipherUpdate", "in[length:3]: 00AB7F")));
+    mark();
+    EXPECT_EQ(DeviceCipherUpdate(nullptr, nullptr, 3, nullptr, 0, nullptr), -2);
+    EXPECT_EQ(DeviceCipherUpdate(nullptr, in, 0, nullptr, 0, nullptr), -2);
+    EXPECT_EQ(DeviceCipherUpdate(nullptr, in, -5, nullptr, 0, nullptr), -2);
+    EXPECT_TRUE(trace().contains(verbose("DeviceCipherUpdate", "in[length:3]: ")));
+    EXPECT_TRUE(trace().contains(verbose("DeviceCipherUpdate", "in[length:0]: ")));
+    EXPECT_TRUE(trace().contains(verbose("DeviceCipherUpdate", "in[length:-5]: ")));
+}
+
+} // namespace
+} // namespace tembra::test

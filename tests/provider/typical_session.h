@@ -1,0 +1,23 @@
+// A host's typical session, from start to a signature to the end, and the trace it leaves at level
+// verbose: pointers, hex dumps and their lengths masked.
+#pragma once
+
+#include "trace_capture.h"
+
+namespace tembra::test {
+
+// What the token must be for the golden text: no other device is present, and its one container
+// has an SM2 signature key and no certificate.
+inline constexpr const char *sessionLabel = "signer";
+inline constexpr const char *sessionPin = "12345678";
+
+// DeviceInit has run. Ends with DeviceEnd. Returns the signature.
+std::vector<unsigned char> runTypicalSession();
+
+Lines goldenInit();    // DeviceInit without settings
+Lines goldenSession(); // everything after it
+
+// The trace since the mark in the form of the golden text.
+Lines maskedTrace();
+
+} // namespace tembra::test

@@ -1,0 +1,44 @@
+// What the provider keeps allocated by contract (the container record of a deleted key pair, and
+// with it the device) is no finding: allocations made in the life of this object are not reported.
+#pragma once
+
+#if defined(__SANITIZE_ADDRESS__)
+#define TEMBRA_HAS_LEAK_CHECK 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define TEMBRA_HAS_LEAK_CHECK 1
+#endif
+#endif
+
+#ifdef TEMBRA_HAS_LEAK_CHECK
+#include <sanitizer/lsan_interface.h>
+#endif
+
+namespace tembra::test {
+
+struct KeptByContract {
+#ifdef TEMBRA_HAS_LEAK_CHECK
+    KeptByContract() {
+        __lsan_disable();
+    }
+    ~KeptByContract() {
+        __lsan_enable();
+    }
+#else
+    KeptByContract() {}
+    ~KeptByContract() {}
+#endif
+    KeptByContract(const KeptByContract &) = delete;
+    KeptByContract &operator=(const KeptByContract &) = delete;
+};
+
+// Looks for lost memory now and reports it; false where nobody looks.
+inline bool leaksFound() {
+#ifdef TEMBRA_HAS_LEAK_CHECK
+    return __lsan_do_recoverable_leak_check() != 0;
+#else
+    return false;
+#endif
+}
+
+} // namespace tembra::test

@@ -1,0 +1,78 @@
+// One function of the libraries below the provider, under a test's control.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace tembra::test {
+
+// Serialises the scripted functions and their records; they call each other while it is held.
+inline std::recursive_mutex &scriptMutex() {
+    static std::recursive_mutex mutex;
+    return mutex;
+}
+
+template <typename Function>
+class Scripted;
+
+template <typename Result, typename... Arguments>
+class Scripted<Result(Arguments...)> {
+public:
+    using Behaviour = std::function<Result(Arguments...)>;
+
+    Scripted(const char *name, std::vector<std::string> &journal, Result (*memory)(Arguments...))
+        : name_(name), journal_(journal), usual_(memory) {}
+    Scripted(const Scripted &) = delete;
+    Scripted &operator=(const Scripted &) = delete;
+
+    // Every call does this instead of what the in-memory token would do.
+    void run(Behaviour behaviour) { behaviour_ = std::move(behaviour); }
+    // Every call, or the nth one from now on (from 1), answers a code without acting.
+    void answer(Result result) {
+        run([result](Arguments...) { return result; });
+    }
+    void answerAt(int nth, Result result) { planned_[calls() + nth] = result; }
+    // Back to the in-memory token, the records kept.
+    void restore() {
+        behaviour_ = nullptr;
+        planned_.clear();
+    }
+    Result usual(Arguments... arguments) { return usual_(arguments...); }
+
+    int calls() const { return static_cast<int>(arguments_.size()); }
+    // Argument number Index of the nth call, from 0; of the last call when nth is left out.
+    template <std::size_t Index>
+    auto argument(int nth) const {
+        return std::get<Index>(arguments_.at(static_cast<std::size_t>(nth)));
+    }
+    template <std::size_t Index>
+    auto argument() const {
+        return argument<Index>(calls() - 1);
+    }
+
+    Result operator()(Arguments... arguments) {
+        const std::lock_guard guard(scriptMutex());
+        journal_.push_back(name_);
+        arguments_.emplace_back(arguments...);
+        if (const auto plan = planned_.find(calls()); plan != planned_.end()) {
+            return plan->second;
+        }
+        return behaviour_ ? behaviour_(arguments...) : usual_(arguments...);
+    }
+
+private:
+    const char *name_;
+    std::vector<std::string> &journal_;
+    Result (*usual_)(Arguments...);
+    Behaviour behaviour_;
+    std::map<int, Result> planned_;
+    std::vector<std::tuple<Arguments...>> arguments_;
+};
+
+} // namespace tembra::test

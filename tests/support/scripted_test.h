@@ -1,0 +1,72 @@
+// What the tests over the scripted token share: a fresh token, a started provider, and at the end
+// the proof that nothing was left behind.
+#pragma once
+
+#include "leaks.h"
+#include "scripted_token.h"
+#include "tembra_key_prov.h"
+#include "trace_capture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace tembra::test {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+// The line that a failed check writes: error("DeviceSign", "hKeypair == 0").
+std::string error(const std::string &function, const std::string &message);
+std::string warning(const std::string &function, const std::string &message);
+std::string info(const std::string &function, const std::string &message);
+std::string debug(const std::string &function, const std::string &message);
+std::string verbose(const std::string &function, const std::string &message);
+
+class ScriptedTest : public ::testing::Test {
+protected:
+    // A started provider with default settings over a token without devices; the trace at its
+    // default level, marked.
+    void SetUp() override;
+    // Frees what is still held, ends the provider, and wants every handle and block back.
+    void TearDown() override;
+
+    // Starts again with these lines in the settings section.
+    void restart(const std::string &settings);
+
+    // A device "key" with the application "app" holding these containers.
+    ApplicationModel &addToken(std::initializer_list<ContainerModel> containers);
+    // Discovers, takes the device and marks the trace. Earlier handles are freed first.
+    void discover(int index = 0);
+    // addToken() and discover().
+    ApplicationModel &insert(std::initializer_list<ContainerModel> containers);
+    // A handle to the pair, given back at the end; the trace is marked.
+    SPI_KEYPAIR_HANDLE pair(const char *label, int type);
+    void release();
+    // Frees everything and forgets tokens, records and scripts.
+    void resetDevices();
+    // Takes back every answer that the test has set.
+    void restoreFunctions();
+
+    // The test leaves a device or handles open by contract, or has looked at them itself.
+    void keepsHandlesOpen() { expectsNoOpenHandles_ = false; }
+    // m_refCount after the next DeviceFreeDevice, as that writes it.
+    int referencesAfterRelease();
+    // Calls made since the trace was marked last through mark().
+    std::vector<std::string> callsSinceMark() const;
+    void mark();
+
+    SPI_DEVICESET_HANDLE set = nullptr;
+    SPI_DEVICE_HANDLE device = nullptr;
+
+private:
+    bool lockIsFree() const;
+
+    std::vector<SPI_KEYPAIR_HANDLE> pairs_;
+    TemporaryDirectory directory_;
+    std::size_t journalMark_ = 0;
+    bool expectsNoOpenHandles_ = true;
+};
+
+Bytes bytesOf(const std::string &text);
+
+} // namespace tembra::test

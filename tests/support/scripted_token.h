@@ -1,0 +1,26 @@
+// A token and a host library that answer whatever a test wants (ELF only).
+//
+// The test program itself exports all functions below the provider, so the provider calls these
+// instead of the kit's libraries. Unless told otherwise they are a small token in memory.
+#pragma once
+
+#include "memory_token.h"
+#include "scripted_function.h"
+
+namespace tembra::test {
+
+struct TokenScript {
+    std::vector<std::string> journal; // names of the functions called, in order
+    MemoryToken memory;
+    MemoryHost host;
+
+#define TEMBRA_FUNCTION(name, arity)                                                               \
+    Scripted<decltype(::name)> name{#name, journal, &memory_token::name};
+#include "scripted_functions.inc"
+};
+
+// The script in force; resetScript() replaces it, everything forgotten.
+TokenScript &script();
+void resetScript();
+
+} // namespace tembra::test

@@ -1,0 +1,34 @@
+#include "temporary_directory.h"
+
+#include <fstream>
+#include <random>
+#include <sstream>
+
+namespace tembra::test {
+
+TemporaryDirectory::TemporaryDirectory() {
+    std::random_device random;
+    do {
+        path_ =
+            std::filesystem::temp_directory_path() / ("tembra-test-" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(path_));
+}
+
+// What still holds a file open must not turn a finished test into a failure.
+TemporaryDirectory::~TemporaryDirectory() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+}
+
+std::string readFile(const std::filesystem::path &path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+void writeFile(const std::filesystem::path &path, const std::string &content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+} // namespace tembra::test

@@ -1,0 +1,25 @@
+// A fresh directory that goes away with its object.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace tembra::test {
+
+class TemporaryDirectory {
+public:
+    TemporaryDirectory();
+    ~TemporaryDirectory();
+    TemporaryDirectory(const TemporaryDirectory &) = delete;
+    TemporaryDirectory &operator=(const TemporaryDirectory &) = delete;
+
+    const std::filesystem::path &path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+std::string readFile(const std::filesystem::path &path);
+void writeFile(const std::filesystem::path &path, const std::string &content);
+
+} // namespace tembra::test

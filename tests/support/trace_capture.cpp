@@ -1,0 +1,159 @@
+#include "trace_capture.h"
+
+#include "process_environment.h"
+
+#include <algorithm>
+#include <cctype>
+#include <sstream>
+#include <string_view>
+
+namespace tembra::test {
+namespace {
+
+// How a line begins after the thread id: blank, date, blank, time, blank, bracket.
+constexpr std::string_view timeForm = " dddd-dd-dd dd:dd:dd [";
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+bool isHex(char c) {
+    return std::isxdigit(static_cast<unsigned char>(c)) != 0;
+}
+
+bool hasTimeForm(std::string_view text) {
+    return text.size() >= timeForm.size() &&
+           std::equal(timeForm.begin(), timeForm.end(), text.begin(),
+                      [](char form, char c) { return form == 'd' ? isDigit(c) : form == c; });
+}
+
+// "1234 2024-01-31 12:00:00 [INFO] [DeviceInit] message ", without its newline.
+bool parseLine(std::string_view text, TraceLine &line) {
+    const std::size_t id = std::min(text.find(' '), text.size());
+    if (id == 0 ||
+        !std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(id), isDigit) ||
+        !hasTimeForm(text.substr(id)) || text.back() != ' ') {
+        return false;
+    }
+    text = text.substr(id + timeForm.size(), text.size() - 1 - id - timeForm.size());
+    const std::size_t level = text.find("] [");
+    const std::size_t function = level == text.npos ? level : text.find("] ", level + 3);
+    if (function == text.npos) {
+        return false;
+    }
+    line.level = text.substr(0, level);
+    line.function = text.substr(level + 3, function - level - 3);
+    line.message = text.substr(function + 2);
+    return true;
+}
+
+std::size_t runOf(const std::string &text, std::size_t at, bool (*belongs)(char)) {
+    std::size_t length = 0;
+    while (at + length < text.size() && belongs(text[at + length])) {
+        ++length;
+    }
+    return length;
+}
+
+// Pointers print as 0x7f... or (nil), on Windows as 16 digits; result codes have 8 digits.
+std::string maskPointers(const std::string &text) {
+    std::string masked;
+    for (std::size_t at = 0; at < text.size();) {
+        const bool prefixed = text.compare(at, 2, "0x") == 0;
+        const std::size_t digits = runOf(text, at + (prefixed ? 2 : 0), isHex);
+        const std::size_t length = std::max<std::size_t>(digits + (prefixed ? 2 : 0), 1);
+        const std::string run = text.substr(at, length);
+        const bool isValue =
+            masked.ends_with("=") || masked.ends_with("= ") || masked.ends_with(": ");
+        if (isValue && (prefixed ? digits != 8 : digits == 16)) {
+            masked += run == std::string(16, '0') ? "(nil)" : "%p";
+        } else {
+            masked += run;
+        }
+        at += length;
+    }
+    return masked;
+}
+
+} // namespace
+
+std::string TraceLine::text() const {
+    if (level.empty()) {
+        return "not a trace line: " + message;
+    }
+    return "[" + level + "] [" + function + "] " + maskPointers(message);
+}
+
+std::vector<TraceLine> parseTrace(const std::string &content) {
+    std::vector<TraceLine> lines;
+    std::istringstream stream(content);
+    for (std::string line; std::getline(stream, line);) {
+        if (!line.empty() && line.back() == '\r') {
+            line.pop_back();
+        }
+        TraceLine parsed;
+        if (!parseLine(line, parsed)) {
+            parsed = {"", "", line};
+        }
+        lines.push_back(parsed);
+    }
+    return lines;
+}
+
+std::string maskHexDump(const std::string &text) {
+    const auto colon = text.rfind("]: ");
+    if (text.find("[length:") == std::string::npos || colon == std::string::npos ||
+        !std::all_of(text.begin() + static_cast<std::ptrdiff_t>(colon) + 3, text.end(), isHex)) {
+        return text;
+    }
+    return text.substr(0, text.rfind("[length:")) + "[length:%d]: <hex>";
+}
+
+TraceCapture &TraceCapture::instance() {
+    static TraceCapture capture;
+    return capture;
+}
+
+TraceCapture::TraceCapture() : path_(directory_.path() / "trace.log") {
+    setVariable("TEMBRA_KEY_PROV_LOG_PATH", path_.string());
+}
+
+void TraceCapture::setLevel(const std::optional<std::string> &level) {
+    setVariable("TEMBRA_KEY_PROV_LOG_LEVEL", level);
+}
+
+void TraceCapture::mark() {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path_, error);
+    mark_ = error ? 0 : size;
+}
+
+std::vector<TraceLine> TraceCapture::lines() const {
+    const std::string content = readFile(path_);
+    return parseTrace(content.size() > mark_ ? content.substr(mark_) : std::string());
+}
+
+Lines TraceCapture::texts() const {
+    Lines texts;
+    for (const TraceLine &line : lines()) {
+        texts.push_back(line.text());
+    }
+    return texts;
+}
+
+Lines TraceCapture::failures() const {
+    Lines texts;
+    for (const TraceLine &line : lines()) {
+        if (line.level == "ERROR" || line.level == "WARN" || line.level.empty()) {
+            texts.push_back(line.text());
+        }
+    }
+    return texts;
+}
+
+bool TraceCapture::contains(const std::string &text) const {
+    const Lines all = texts();
+    return std::find(all.begin(), all.end(), text) != all.end();
+}
+
+} // namespace tembra::test
