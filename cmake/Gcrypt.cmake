@@ -14,16 +14,16 @@ set_target_properties(Gcrypt::gcrypt PROPERTIES
   INTERFACE_INCLUDE_DIRECTORIES "${GCRYPT_INCLUDE_DIR}"
   INTERFACE_LINK_LIBRARIES "${GCRYPT_LIBRARY};${GPG_ERROR_LIBRARY}")
 
-# On Windows a target with the property TEMBRA_STATIC_GCRYPT needs none of those DLLs.
-set(static_gcrypt $<BOOL:$<TARGET_PROPERTY:TEMBRA_STATIC_GCRYPT>>)
 if(WIN32)
+  # A target with the property TEMBRA_STATIC_GCRYPT needs none of those DLLs.
   find_library(GCRYPT_STATIC_LIBRARY libgcrypt.a REQUIRED)
   find_library(GPG_ERROR_STATIC_LIBRARY libgpg-error.a REQUIRED)
-  set_target_properties(Gcrypt::gcrypt PROPERTIES INTERFACE_LINK_LIBRARIES
-    "$<IF:${static_gcrypt},${GCRYPT_STATIC_LIBRARY},${GCRYPT_LIBRARY}>;$<IF:${static_gcrypt},${GPG_ERROR_STATIC_LIBRARY},${GPG_ERROR_LIBRARY}>;ws2_32")
-endif()
+  set(static $<BOOL:$<TARGET_PROPERTY:TEMBRA_STATIC_GCRYPT>>)
+  set_property(TARGET Gcrypt::gcrypt PROPERTY INTERFACE_LINK_LIBRARIES
+    $<IF:${static},${GCRYPT_STATIC_LIBRARY},${GCRYPT_LIBRARY}>
+    $<IF:${static},${GPG_ERROR_STATIC_LIBRARY},${GPG_ERROR_LIBRARY}>
+    ws2_32)
 
-if(WIN32)
   find_file(GCRYPT_DLL libgcrypt-20.dll PATH_SUFFIXES bin REQUIRED)
   find_file(GPG_ERROR_DLL libgpg-error-0.dll PATH_SUFFIXES bin REQUIRED)
 endif()
