@@ -8,6 +8,10 @@ else()
   find_package(GTest REQUIRED)
 endif()
 
+# What builds them: all, or those labelled `threads`.
+add_custom_target(tests)
+add_custom_target(thread_tests)
+
 # Everything a test leaves behind, and every token, lies in the build tree.
 set(TEMBRA_TEST_TMP_DIR ${CMAKE_BINARY_DIR}/test-tmp)
 file(MAKE_DIRECTORY ${TEMBRA_TEST_TMP_DIR}/tokens)
@@ -45,6 +49,10 @@ function(tembra_test name)
   target_link_libraries(${name} PRIVATE ${arg_LIBS} GTest::gmock)
   tembra_warnings(${name})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${TEMBRA_TEST_BIN_DIR})
+  add_dependencies(tests ${name})
+  if(threads IN_LIST arg_LABELS)
+    add_dependencies(thread_tests ${name})
+  endif()
   if(arg_WHOLE)
     add_test(NAME ${name} COMMAND ${name})
     set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}"

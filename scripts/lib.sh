@@ -6,9 +6,10 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
 
-# Compilations are cached between the build trees where ccache is at hand.
+# Compilations are cached between build trees and clones where ccache is at hand.
 if command -v ccache >/dev/null; then
     export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
 fi
 
 # say TEXT: a line a reader can follow the script by.
