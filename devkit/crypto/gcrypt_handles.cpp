@@ -3,6 +3,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "random_source.h"
+
 namespace tembra::crypto {
 
 namespace {
@@ -13,8 +15,7 @@ bool initialise() {
     if (gcry_control(GCRYCTL_INITIALIZATION_FINISHED_P) != 0) {
         return true;
     }
-    // The system's generator needs no seeding in the process and keeps no pool that a fork copies.
-    gcry_control(GCRYCTL_SET_PREFERRED_RNG_TYPE, GCRY_RNG_TYPE_SYSTEM);
+    chooseRandomSource();
     if (gcry_check_version("1.9.0") == nullptr) { // the first with SM2
         throw std::runtime_error("libgcrypt is older than 1.9.0");
     }

@@ -96,8 +96,8 @@ std::optional<RsaPrivateKey> generateRsaKey(unsigned bits) {
         return std::nullopt;
     }
     initialiseGcrypt();
-    // The flag means the generator at GCRY_STRONG_RANDOM; of the system's there is nothing
-    // stronger.
+    // The flag asks for the same random numbers that the other keys are made of; without it
+    // libgcrypt mixes in its jitter generator, whose memory it keeps for good.
     const Sexp wish =
         buildSexp("(genkey(rsa(nbits %u)(rsa-use-e 5:65537)(flags transient-key)))", bits);
     gcry_sexp_t raw = nullptr;
