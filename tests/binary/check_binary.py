@@ -7,7 +7,10 @@ import re
 import subprocess
 import sys
 
-SYSTEM_LIBRARIES = {"elf": {"libc.so.6"}, "pe": {"KERNEL32.dll", "ADVAPI32.dll", "msvcrt.dll"}}
+SYSTEM_LIBRARIES = {
+    "elf": {"libc.so.6", "ld-linux-x86-64.so.2"},
+    "pe": {"KERNEL32.dll", "ADVAPI32.dll", "msvcrt.dll"},
+}
 IMPORT_LISTS = ("QXSKFAPI", "ORVEL_CRYPTO")
 SIZE_LIMIT = 128 * 1024
 
