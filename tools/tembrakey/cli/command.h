@@ -29,7 +29,8 @@ public:
 struct CommandEntry {
     const char *name;     // "sign", "key generate"
     const char *summary;  // one line
-    const char *examples; // command lines, and what one should know
+    const char *about;    // what else one should know; may be empty
+    const char *examples; // command lines
     std::unique_ptr<Command> (*make)();
 };
 

@@ -85,7 +85,8 @@ void CommandLine::plant(const CommandEntry &entry) {
     CLI::App *app = parent.add_subcommand(
         blank == std::string::npos ? name : name.substr(blank + 1), tr(entry.summary));
     shape(*app);
-    app->footer(tr(entry.examples));
+    const std::string about = entry.about[0] == '\0' ? "" : std::string(tr(entry.about)) + "\n\n";
+    app->footer(about + tr("Examples:") + "\n" + entry.examples);
     planted_.push_back({app, entry.make()});
     Arguments arguments(*app);
     planted_.back().command->describe(arguments);

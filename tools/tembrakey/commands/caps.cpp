@@ -71,9 +71,7 @@ void Caps::run(Context &context) {
 
 const CommandEntry capsCommand = {
     "caps", "Show which algorithms the token supports (+ yes, - no)",
-    "SM3 and SM4 also need the provider's settings HasSM3 and HasSM4.\n"
-    "\n"
-    "Examples:\n"
+    "SM3 and SM4 also need the provider's settings HasSM3 and HasSM4.",
     "  tembrakey caps\n"
     "  tembrakey --device 1 caps --json",
     make<Caps>};

@@ -62,8 +62,7 @@ void CertExport::run(Context &context) {
 } // namespace
 
 const CommandEntry certExportCommand = {
-    "cert export", "Read a certificate from the token",
-    "Examples:\n"
+    "cert export", "Read a certificate from the token", "",
     "  tembrakey cert export --label alice --out alice.crt\n"
     "  tembrakey cert export --label alice --type encrypt | openssl x509 -text -noout",
     make<CertExport>};

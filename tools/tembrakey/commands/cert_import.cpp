@@ -41,8 +41,7 @@ private:
 } // namespace
 
 const CommandEntry certImportCommand = {
-    "cert import", "Store a certificate with a key pair, in place of an earlier one",
-    "Examples:\n"
+    "cert import", "Store a certificate with a key pair, in place of an earlier one", "",
     "  tembrakey cert import alice.crt --label alice --pin-env PIN\n"
     "  tembrakey cert import alice-enc.crt --label alice --type encrypt",
     make<CertImport>};

@@ -53,8 +53,7 @@ private:
 } // namespace
 
 const CommandEntry dataCreateCommand = {
-    "data create", "Create a data object of a fixed size",
-    "Examples:\n"
+    "data create", "Create a data object of a fixed size", "",
     "  tembrakey data create 7 --size 256 --pin-env PIN\n"
     "  tembrakey data create 8 --size 64 --anyone r --user rw --pin-env PIN",
     make<DataCreate>};

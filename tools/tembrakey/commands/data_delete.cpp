@@ -33,8 +33,7 @@ private:
 
 } // namespace
 
-const CommandEntry dataDeleteCommand = {"data delete", "Delete a data object",
-                                        "Examples:\n"
+const CommandEntry dataDeleteCommand = {"data delete", "Delete a data object", "",
                                         "  tembrakey data delete 7 --pin-env PIN",
                                         make<DataDelete>};
 

@@ -72,8 +72,7 @@ void DataRead::run(Context &context) {
 
 } // namespace
 
-const CommandEntry dataReadCommand = {"data read", "Read a data object",
-                                      "Examples:\n"
+const CommandEntry dataReadCommand = {"data read", "Read a data object", "",
                                       "  tembrakey data read 7 --out seven.bin --pin-env PIN\n"
                                       "  tembrakey data read 8 --offset 16 --length 8 --json",
                                       make<DataRead>};

@@ -50,8 +50,7 @@ private:
 } // namespace
 
 const CommandEntry dataWriteCommand = {
-    "data write", "Write into a data object",
-    "Examples:\n"
+    "data write", "Write into a data object", "",
     "  tembrakey data write 7 seven.bin --pin-env PIN\n"
     "  printf hello | tembrakey data write 7 - --offset 16 --pin-env PIN",
     make<DataWrite>};

@@ -81,9 +81,7 @@ const CommandEntry decryptCommand = {
     "decrypt", "Decrypt a file on the token, with a raw key or with a private key",
     "With --key-file or --key-hex the cipher is symmetric; else the private key of --label is "
     "used\n"
-    "(SM2 ciphertext in DER as GM/T 0009 has it, or flat: 04 x y C2 C3; RSA PKCS #1 v1.5).\n"
-    "\n"
-    "Examples:\n"
+    "(SM2 ciphertext in DER as GM/T 0009 has it, or flat: 04 x y C2 C3; RSA PKCS #1 v1.5).",
     "  tembrakey decrypt disk.sm4 --key-file key.bin --iv $IV --out disk.img\n"
     "  tembrakey key export --label alice --type encrypt --out alice-enc.pem\n"
     "  openssl pkeyutl -encrypt -pubin -inkey alice-enc.pem -in secret.txt -out secret.sm2\n"

@@ -29,8 +29,7 @@ private:
 } // namespace
 
 const CommandEntry encryptCommand = {
-    "encrypt", "Encrypt a file on the token with a raw key",
-    "Examples:\n"
+    "encrypt", "Encrypt a file on the token with a raw key", "",
     "  tembrakey encrypt disk.img --key-file key.bin --iv $IV --out disk.sm4\n"
     "  tembrakey encrypt letter.txt --algo sm4-ecb --pad --key-file key.bin --out letter.sm4",
     make<Encrypt>};

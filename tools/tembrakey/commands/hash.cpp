@@ -44,8 +44,7 @@ void HashFile::run(Context &context) {
 
 } // namespace
 
-const CommandEntry hashCommand = {"hash", "Compute a file's SM3 digest on the token",
-                                  "Examples:\n"
+const CommandEntry hashCommand = {"hash", "Compute a file's SM3 digest on the token", "",
                                   "  tembrakey hash disk.img\n"
                                   "  tar c folder | tembrakey hash -",
                                   make<HashFile>};

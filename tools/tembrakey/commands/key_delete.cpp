@@ -51,8 +51,7 @@ void KeyDelete::run(Context &context) {
 } // namespace
 
 const CommandEntry keyDeleteCommand = {
-    "key delete", "Delete a container with both its key pairs and certificates",
-    "Examples:\n"
+    "key delete", "Delete a container with both its key pairs and certificates", "",
     "  tembrakey key delete --label alice\n"
     "  tembrakey key delete --label alice --yes --pin-env PIN",
     make<KeyDelete>};

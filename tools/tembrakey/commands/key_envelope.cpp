@@ -42,9 +42,7 @@ private:
 const CommandEntry keyEnvelopeCommand = {
     "key envelope", "Envelope a key pair for a container, as a key management centre does",
     "Needs no token: only the container's public key, as key export writes it. The private key is\n"
-    "encrypted with SMS4, the symmetric key to the container's key.\n"
-    "\n"
-    "Examples:\n"
+    "encrypted with SMS4, the symmetric key to the container's key.",
     "  tembrakey key export --label alice --out alice.pem\n"
     "  tembrakey key envelope enc.pem --to alice.pem --out alice.env\n"
     "  tembrakey key import alice.env --label alice",

@@ -41,8 +41,7 @@ void KeyExport::run(Context &context) {
 } // namespace
 
 const CommandEntry keyExportCommand = {
-    "key export", "Export a public key as PEM SubjectPublicKeyInfo",
-    "Examples:\n"
+    "key export", "Export a public key as PEM SubjectPublicKeyInfo", "",
     "  tembrakey key export --label alice --out alice.pem\n"
     "  tembrakey key export --label alice --type encrypt | openssl pkey -pubin -text -noout",
     make<KeyExport>};

@@ -64,9 +64,7 @@ void KeyGenerate::run(Context &context) {
 
 const CommandEntry keyGenerateCommand = {
     "key generate", "Generate a signature key pair on the token",
-    "Encryption key pairs are brought by key import into a container with a signature key pair.\n"
-    "\n"
-    "Examples:\n"
+    "Encryption key pairs are brought by key import into a container with a signature key pair.",
     "  tembrakey key generate --label alice\n"
     "  tembrakey key generate --algo rsa --bits 2048 --label bob --pin-env PIN",
     make<KeyGenerate>};

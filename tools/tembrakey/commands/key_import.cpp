@@ -77,9 +77,7 @@ const CommandEntry keyImportCommand = {
     "key import", "Bring an encryption key pair to the token",
     "The container must hold a signature key pair of the same algorithm. A PEM key (PKCS #8, PKCS\n"
     "#1 or SEC 1) is enveloped by the provider; an enveloped blob comes from a key management\n"
-    "centre or from key envelope.\n"
-    "\n"
-    "Examples:\n"
+    "centre or from key envelope.",
     "  tembrakey key import alice.env --label alice --pin-env PIN\n"
     "  openssl genpkey -algorithm EC -pkeyopt ec_paramgen_curve:SM2 -out enc.pem\n"
     "  tembrakey key import enc.pem --label alice",

@@ -116,8 +116,7 @@ void List::run(Context &context) {
 
 } // namespace
 
-const CommandEntry listCommand = {"list", "List devices, key pairs and certificates",
-                                  "Examples:\n"
+const CommandEntry listCommand = {"list", "List devices, key pairs and certificates", "",
                                   "  tembrakey list\n"
                                   "  tembrakey list --json | jq -r '.devices[].keyPairs[].label'",
                                   make<List>};

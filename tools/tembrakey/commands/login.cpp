@@ -39,9 +39,8 @@ private:
 
 const CommandEntry loginCommand = {
     "login", "Check that a login works: user, administrator or device authentication",
-    "A login ends with the process: commands that need one take the PIN options "
-    "themselves.\n" TEMBRA_PIN_WARNING "\n"
-    "Examples:\n"
+    "A login ends with the process: commands that need one take the PIN options themselves.\n" //
+    TEMBRA_PIN_WARNING,
     "  tembrakey login\n"
     "  tembrakey login --so --pin-env SO_PIN\n"
     "  tembrakey login --device-auth --pin-fd 3 3<device-key.txt",

@@ -41,11 +41,11 @@ private:
 const CommandEntry pinChangeCommand = {
     "pin change", "Change a PIN",
     TEMBRA_PIN_WARNING "\n"
-                       "Examples:\n"
-                       "  tembrakey pin change\n"
-                       "  tembrakey pin change --pin-env OLD --new-pin-env NEW\n"
-                       "  printf '%s\\n' \"$OLD\" \"$NEW\" | tembrakey pin change --pin-fd 0 "
-                       "--new-pin-fd 0",
+                       "",
+    "  tembrakey pin change\n"
+    "  tembrakey pin change --pin-env OLD --new-pin-env NEW\n"
+    "  printf '%s\\n' \"$OLD\" \"$NEW\" | tembrakey pin change --pin-fd 0 "
+    "--new-pin-fd 0",
     make<PinChange>};
 
 } // namespace tembra::tool

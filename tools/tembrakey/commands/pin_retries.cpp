@@ -33,8 +33,7 @@ private:
 
 } // namespace
 
-const CommandEntry pinRetriesCommand = {"pin retries", "Show how many tries each PIN has left",
-                                        "Examples:\n"
+const CommandEntry pinRetriesCommand = {"pin retries", "Show how many tries each PIN has left", "",
                                         "  tembrakey pin retries\n"
                                         "  tembrakey pin retries --json | jq .user",
                                         make<PinRetries>};

@@ -50,9 +50,9 @@ private:
 const CommandEntry pinUnblockCommand = {
     "pin unblock", "Unblock the user PIN with the administrator PIN, and set it",
     TEMBRA_PIN_WARNING "\n"
-                       "Examples:\n"
-                       "  tembrakey pin unblock\n"
-                       "  tembrakey pin unblock --so-pin-env SO --new-pin-env NEW",
+                       "",
+    "  tembrakey pin unblock\n"
+    "  tembrakey pin unblock --so-pin-env SO --new-pin-env NEW",
     make<PinUnblock>};
 
 } // namespace tembra::tool

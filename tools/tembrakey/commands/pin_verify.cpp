@@ -29,10 +29,7 @@ private:
 
 } // namespace
 
-const CommandEntry pinVerifyCommand = {"pin verify", "Check a PIN",
-                                       TEMBRA_PIN_WARNING
-                                       "\n"
-                                       "Examples:\n"
+const CommandEntry pinVerifyCommand = {"pin verify", "Check a PIN", TEMBRA_PIN_WARNING,
                                        "  tembrakey pin verify\n"
                                        "  PIN=12345678 tembrakey pin verify --pin-env PIN\n"
                                        "  tembrakey pin verify --so --pin-fd 3 3<so-pin.txt",

@@ -64,8 +64,7 @@ void Random::run(Context &context) {
 
 } // namespace
 
-const CommandEntry randomCommand = {"random", "Draw random bytes from the token",
-                                    "Examples:\n"
+const CommandEntry randomCommand = {"random", "Draw random bytes from the token", "",
                                     "  tembrakey random 16\n"
                                     "  tembrakey random 32 --out key.bin",
                                     make<Random>};

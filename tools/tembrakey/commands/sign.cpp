@@ -92,9 +92,7 @@ const CommandEntry signCommand = {
     "sign", "Sign a file with a key on the token",
     "SM2 keys sign the SM3 digest of Z and the file; the signature is DER. RSA keys sign the "
     "file's\n"
-    "SHA-256 digest with PKCS #1 v1.5 padding.\n"
-    "\n"
-    "Examples:\n"
+    "SHA-256 digest with PKCS #1 v1.5 padding.",
     "  tembrakey sign letter.txt --label alice --out letter.sig --pin-env PIN\n"
     "  openssl dgst -sm3 -verify alice.pem -sigopt distid:1234567812345678 \\\n"
     "      -signature letter.sig letter.txt\n"

@@ -7,6 +7,8 @@
 
 namespace tembra::tool {
 
-std::span<const Translation> chineseTexts();
+std::span<const Translation> chineseHelp();     // summaries, arguments, explanations
+std::span<const Translation> chineseMessages(); // results, questions, errors
+std::span<const Translation> chineseTrace();    // the command trace and its page
 
 } // namespace tembra::tool

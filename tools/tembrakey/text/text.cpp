@@ -30,8 +30,10 @@ bool wantsChinese() {
 void chooseLanguage() {
     if (!wantsChinese())
         return;
-    for (const Translation &entry : chineseTexts())
-        table().emplace(entry.english, entry.translated);
+    for (const auto texts : {chineseHelp(), chineseMessages(), chineseTrace()}) {
+        for (const Translation &entry : texts)
+            table().emplace(entry.english, entry.translated);
+    }
 }
 
 const char *tr(const char *english) {

@@ -82,9 +82,7 @@ void TokenCreate::run(Context &context) {
 const CommandEntry tokenCreateCommand = {
     "token create", "Make a software token",
     "For development only: the keys of a software token stand in a file in clear.\n"
-    "Tokens lie in TEMBRA_SOFT_TOKEN_DIR, or in the user's data folder.\n"
-    "\n"
-    "Examples:\n"
+    "Tokens lie in TEMBRA_SOFT_TOKEN_DIR, or in the user's data folder.",
     "  tembrakey token create --label Test\n"
     "  SO=12345678 PIN=87654321 tembrakey token create --so-pin-env SO --pin-env PIN\n"
     "  tembrakey token create --unformatted",

@@ -29,8 +29,7 @@ public:
 
 } // namespace
 
-const CommandEntry tokenListCommand = {"token list", "List the software tokens",
-                                       "Examples:\n"
+const CommandEntry tokenListCommand = {"token list", "List the software tokens", "",
                                        "  tembrakey token list\n"
                                        "  tembrakey token list --json | jq -r '.tokens[].serial'",
                                        make<TokenList>};

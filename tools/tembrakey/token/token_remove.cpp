@@ -30,8 +30,7 @@ private:
 
 } // namespace
 
-const CommandEntry tokenRemoveCommand = {"token remove", "Remove a software token for good",
-                                         "Examples:\n"
+const CommandEntry tokenRemoveCommand = {"token remove", "Remove a software token for good", "",
                                          "  tembrakey token list\n"
                                          "  tembrakey token remove 0123456789012345 --yes",
                                          make<TokenRemove>};
