@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <system_error>
 
+#ifndef NOMINMAX
 #define NOMINMAX
+#endif
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
