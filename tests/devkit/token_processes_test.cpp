@@ -114,7 +114,7 @@ TEST_F(TokenProcesses, TwoThatGenerateKeysAtOnceLoseNothing) {
 }
 
 TEST_F(TokenProcesses, AKillWinsNoFreeTriesAtThePin) {
-    setVariable("TEMBRA_SOFT_TOKEN_PIN_ITERATIONS", "3000000"); // about a second
+    setVariable("TEMBRA_SOFT_TOKEN_PIN_ITERATIONS", "500000"); // long enough to be killed in
     TembraSoftTokenApplication slow = {};
     slow.size = sizeof slow;
     slow.user_tries = 2;

@@ -1,0 +1,89 @@
+#include "kit_test.h"
+
+#include "tembra_devkit_faults.h"
+#include "tembra_soft_token.h"
+
+#include <cstdio>
+
+namespace tembra::test {
+
+void KitTest::SetUp() {
+    setVariable("TEMBRA_SOFT_TOKEN_DIR", directory.path().string());
+    setVariable("TEMBRA_SOFT_TOKEN_PIN_ITERATIONS", "10");
+    TembraSoftTokenOptions options = {};
+    options.size = sizeof options;
+    options.serial = "TEST-0123456789A";
+    options.label = "Test Token";
+    options.issuer = "Test Issuer";
+    char name[64];
+    std::uint32_t size = sizeof name;
+    ASSERT_EQ(TembraSoftTokenCreate(&options, name, &size), 0u);
+    token = name;
+    const TembraSoftTokenApplication application = {sizeof application, 0,      3, 0, "app",
+                                                    adminPin,           userPin};
+    ASSERT_EQ(TembraSoftTokenAddApplication(name, &application), 0u);
+    trace().setLevel("5");
+    ASSERT_EQ(DeviceInit(), 1);
+    started = true;
+    discover();
+}
+
+void KitTest::TearDown() {
+    if (HasFailure()) {
+        for (const std::string &text : trace().texts()) {
+            std::printf("  %s\n", text.c_str());
+        }
+    }
+    release();
+    if (started) {
+        EXPECT_EQ(DeviceEnd(), 1);
+    }
+    if (!keepsDevice) {
+        EXPECT_EQ(TembraSoftTokenOpenHandles(nullptr), 0u);
+        EXPECT_EQ(TembraHostKitLiveBlocks(), 0u);
+    }
+    TembraSoftTokenRemove(token.c_str());
+}
+
+void KitTest::discover() {
+    release();
+    set = DeviceGetAllDevices();
+    ASSERT_EQ(DeviceGetDeviceCount(set), 1);
+    device = DeviceGetDevice(set, 0);
+    trace().mark();
+}
+
+void KitTest::logIn() {
+    ASSERT_EQ(DeviceVerifyPwd(device, TEMBRA_PWD_USER, userPin, nullptr), 1);
+}
+
+SPI_KEYPAIR_HANDLE KitTest::find(const char *label, int type) {
+    SPI_KEYPAIR_HANDLE handle = nullptr;
+    EXPECT_EQ(DeviceFindKeypair(device, type, label, &handle), 1) << label;
+    pairs_.push_back(handle);
+    return handle;
+}
+
+SPI_KEYPAIR_HANDLE KitTest::generate(const char *label, int algo, int bits) {
+    const TembraEccParam sm2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
+    SPI_KEYPAIR_HANDLE handle = nullptr;
+    EXPECT_EQ(DeviceGenerateKeypair(device, algo, bits,
+                                    algo == ORVEL_PKI_ALGORITHM_ECC ? &sm2 : nullptr,
+                                    ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, label, &handle),
+              1);
+    pairs_.push_back(handle);
+    return handle;
+}
+
+void KitTest::release() {
+    for (SPI_KEYPAIR_HANDLE handle : pairs_) {
+        DeviceFreeKeypair(handle);
+    }
+    pairs_.clear();
+    DeviceFreeDevice(device);
+    DeviceFreeDevices(set);
+    device = nullptr;
+    set = nullptr;
+}
+
+} // namespace tembra::test
