@@ -88,7 +88,7 @@ void traceOutput(int length, const char *function) {
     if (!text)
         return;
     std::memset(text, '0', digits);
-    writeLog("out[length:%d]: %s", traceTag(TraceLevel::verbose), function, length, text);
+    writeHexLog("out[length:%d]: %s", function, length, text);
     std::free(text);
 }
 
@@ -142,8 +142,7 @@ int DeviceCipherUpdate(SPI_CIPHER_HANDLE hCipher, const unsigned char *in, int i
     {
         const HexText hex(in, inlen); // built also when the line is not written
         if (hex.text() && traceEnabled(TraceLevel::verbose))
-            writeLog("in[length:%d]: %s", traceTag(TraceLevel::verbose), __func__, inlen,
-                     hex.text());
+            writeHexLog("in[length:%d]: %s", __func__, inlen, hex.text());
     }
     if (!hCipher)
         return ORVEL_PKI_NULLHANDLE;

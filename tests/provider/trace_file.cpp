@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <ctime>
 #include <gtest/gtest.h>
+#include <map>
+#include <sstream>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
@@ -119,6 +121,60 @@ TEST_F(TraceFile, ConcurrentFirstLinesAreAllWhole) {
         }
     });
     EXPECT_EQ(linesIn(in("trace.log")), static_cast<std::size_t>(threads * linesEach));
+}
+
+// A line of 64 KB takes a copy that grows, and more than what a stream would hold.
+TEST_F(TraceFile, LongLinesOfSeveralProcessesAreAllWhole) {
+    constexpr int processes = 4;
+    constexpr std::size_t linesEach = 50;
+    setVariable(pathVariable, in("trace.log").string());
+    setVariable("TEMBRA_KEY_PROV_LOG_LEVEL", "5");
+    std::vector<pid_t> children;
+    for (int i = 0; i < processes; ++i) {
+        children.push_back(fork());
+        if (children.back() == 0) {
+            const std::vector<unsigned char> data(32 * 1024, static_cast<unsigned char>(i));
+            for (std::size_t line = 0; line < linesEach; ++line) {
+                DeviceCipherUpdate(nullptr, data.data(), static_cast<int>(data.size()), nullptr, 0,
+                                   nullptr);
+            }
+            _exit(0);
+        }
+    }
+    for (const pid_t child : children) {
+        ASSERT_EQ(waitpid(child, nullptr, 0), child);
+    }
+    std::map<std::string, std::size_t> dumps;
+    for (const TraceLine &line : parseTrace(readFile(in("trace.log")))) {
+        ASSERT_NE(line.level, "") << line.message.substr(0, 200);
+        if (line.level == "VERBOSE") {
+            ++dumps[line.message];
+        }
+    }
+    ASSERT_EQ(dumps.size(), static_cast<std::size_t>(processes));
+    for (const auto &[dump, count] : dumps) {
+        EXPECT_EQ(dump.size(), std::string("in[length:32768]: ").size() + 64 * 1024);
+        EXPECT_EQ(count, linesEach);
+    }
+}
+
+// A forked process begins with a copy of the thread that forked it.
+TEST_F(TraceFile, ForkedProcessHasItsOwnThreadId) {
+    setVariable(pathVariable, in("trace.log").string());
+    setVariable("TEMBRA_KEY_PROV_LOG_LEVEL", std::nullopt);
+    writeLine();
+    const pid_t child = fork();
+    if (child == 0) {
+        writeLine();
+        _exit(0);
+    }
+    ASSERT_EQ(waitpid(child, nullptr, 0), child);
+    std::istringstream text(readFile(in("trace.log")));
+    std::string first;
+    std::string second;
+    ASSERT_TRUE(std::getline(text, first) && std::getline(text, second));
+    EXPECT_EQ(std::stol(first), getpid());
+    EXPECT_EQ(std::stol(second), child);
 }
 
 TEST_F(TraceFile, LineCarriesThreadAndLocalTime) {
