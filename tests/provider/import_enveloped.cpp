@@ -1,0 +1,231 @@
+// Enveloped blobs on their way into the token: what it is given, what its answers mean, and the
+// records that follow.
+#include "import_test.h"
+
+#include <cstring>
+
+namespace tembra::test {
+namespace {
+
+const char *sm2Dump(std::size_t length) {
+    return length == 388 ? "sm2Cipher[length:388]: " : "sm2Cipher[length:672]: ";
+}
+
+class ImportEnveloped : public ImportTest {
+protected:
+    // The export that DeviceGetPublicKeyFromKeypair gives of the encryption pair, if there is one.
+    Bytes cachedKey() {
+        SPI_KEYPAIR_HANDLE handle = nullptr;
+        if (DeviceFindKeypair(device, ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, "c", &handle) != 1) {
+            return {};
+        }
+        SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(handle);
+        Bytes bytes(1024);
+        int length = 0;
+        EXPECT_EQ(DeviceExportPublicKey(key, bytes.data(), 1024, &length), 1);
+        bytes.resize(static_cast<std::size_t>(length));
+        DeviceFreePublicKey(key);
+        DeviceFreeKeypair(handle);
+        return bytes;
+    }
+};
+
+bool hasLineBeginning(const std::string &text) {
+    const Lines lines = trace().texts();
+    return std::any_of(lines.begin(), lines.end(),
+                       [&](const std::string &line) { return line.rfind(text, 0) == 0; });
+}
+
+TEST_F(ImportEnveloped, Sm2FillsTheEnvelopeWhateverTheSizes) {
+    insert({ecc("c", true, false)});
+    trace().setLevel("5");
+    for (const std::size_t cipherSize : {0u, 16u, 300u}) {
+        for (const std::size_t keySize : {32u, 48u, 64u}) {
+            SCOPED_TRACE(std::to_string(cipherSize) + ", " + std::to_string(keySize));
+            Sm2Envelope envelope;
+            envelope.c2.assign(cipherSize, 0xC2);
+            envelope.privateKey.assign(keySize, 0xD0);
+            Bytes head, cipher;
+            script().SKF_ImportECCKeyPair.run([&](HCONTAINER container, ENVELOPEDKEYBLOB *blob) {
+                const auto *bytes = reinterpret_cast<const unsigned char *>(blob);
+                head.assign(bytes, bytes + offsetof(ENVELOPEDKEYBLOB, ECCCipherBlob));
+                cipher.assign(bytes + head.size(), bytes + 372 + blob->ECCCipherBlob.CipherLen);
+                return script().SKF_ImportECCKeyPair.usual(container, blob);
+            });
+            ASSERT_EQ(import(envelope.blob()), 1);
+
+            ENVELOPEDKEYBLOB expected{};
+            expected.Version = 1;
+            expected.ulSymmAlgID = SGD_SMS4_ECB;
+            expected.ulBits = 256;
+            std::memset(expected.cbEncryptedPriKey + 64 - keySize, 0xD0, keySize);
+            expected.PubKey.BitLen = 256;
+            std::memset(expected.PubKey.XCoordinate + 32, 0x2A, 32);
+            std::memset(expected.PubKey.YCoordinate + 32, 0x2B, 32);
+            EXPECT_EQ(std::memcmp(head.data(), &expected, head.size()), 0);
+            ECCCIPHERBLOB wrapped{};
+            std::memset(wrapped.XCoordinate + 32, 0x1A, 32);
+            std::memset(wrapped.YCoordinate + 32, 0x1B, 32);
+            std::memset(wrapped.HASH, 0x3C, 32);
+            wrapped.CipherLen = static_cast<ULONG>(cipherSize);
+            EXPECT_EQ(std::memcmp(cipher.data(), &wrapped, 164), 0);
+            EXPECT_EQ(Bytes(cipher.begin() + 164, cipher.end()), envelope.c2);
+            EXPECT_TRUE(hasLineBeginning(
+                verbose("importSM2KeyPair", sm2Dump(cipherSize > 16 ? 372 + cipherSize : 388))));
+            EXPECT_TRUE(hasLineBeginning(
+                verbose("importSM2KeyPair",
+                        "keyblob[length:" + std::to_string(243 + cipherSize + keySize) + "]: ")));
+        }
+    }
+}
+
+TEST_F(ImportEnveloped, AlgorithmsOfBothPayloads) {
+    insert({ecc("c", true, false), rsa("r", 2048, true, false)});
+    for (const auto &[host, skf] :
+         {std::pair(0x03C00000u, 0x101u), {0x03000000u, 0x201u}, {0x04800000u, 0x401u}}) {
+        Sm2Envelope sm2;
+        sm2.algorithm = host;
+        script().SKF_ImportECCKeyPair.run([skf = skf](HCONTAINER container,
+                                                      ENVELOPEDKEYBLOB *blob) {
+            return blob->ulSymmAlgID == skf ? script().SKF_ImportECCKeyPair.usual(container, blob)
+                                            : SAR_NOTSUPPORTYETERR;
+        });
+        EXPECT_EQ(import(sm2.blob()), 1);
+        RsaEnvelope rsa(2048);
+        rsa.algorithm = host;
+        ASSERT_EQ(import(rsa.blob(), "r"), 1);
+        EXPECT_EQ(script().SKF_ImportRSAKeyPair.argument<1>(), skf);
+        EXPECT_EQ(script().SKF_ImportRSAKeyPair.argument<3>(), 256u);
+        EXPECT_EQ(script().SKF_ImportRSAKeyPair.argument<5>(), 608u);
+    }
+}
+
+TEST_F(ImportEnveloped, TokenAnswers) {
+    insert({ecc("c", true, false), rsa("r", 1024, true, false)});
+    struct Row {
+        ULONG code;
+        int sm2, rsa;
+    };
+    const Row rows[] = {{0x0A00000D, -8, -8}, {0x0A00002D, -8, -8}, {0x0A00001E, -8, 0},
+                        {0x0B000033, -8, 0},  {0x00000001, -8, 0},  {0x0A000001, 0, 0},
+                        {0x0A000023, 0, 0},   {0x000000B3, 0, 0}};
+    for (const Row &row : rows) {
+        char code[9];
+        std::snprintf(code, sizeof code, "%08X", row.code);
+        SCOPED_TRACE(code);
+        const auto expect = [&](int result, int expected, const std::string &name) {
+            EXPECT_EQ(result, expected) << name;
+            const Lines wanted =
+                expected == 0
+                    ? Lines{error("import" + name + "KeyPair",
+                                  "SKF_Import" + std::string(name == "RSA" ? name : "ECC") +
+                                      "KeyPair fail, error = 0x" + code)}
+                    : Lines{};
+            EXPECT_EQ(trace().failures(), wanted);
+        };
+        script().SKF_ImportECCKeyPair.answer(row.code);
+        expect(import(Sm2Envelope().blob()), row.sm2, "SM2");
+        script().SKF_ImportRSAKeyPair.answer(row.code);
+        expect(import(RsaEnvelope().blob(), "r"), row.rsa, "RSA");
+    }
+}
+
+TEST_F(ImportEnveloped, HostLibraryFails) {
+    insert({ecc("c", true, false), rsa("r", 1024, true, false), ecc("unsigned", false, true)});
+    script().OrvelPKICryptoDecodeECCPubKey.answerAt(1, -3);
+    EXPECT_EQ(import(Sm2Envelope().blob()), 0);
+    EXPECT_THAT(
+        trace().failures(),
+        ElementsAre(error("importSM2KeyPair", "OrvelPKICryptoDecodeECCPubKey fail, error = -3")));
+    script().OrvelPKICryptoDecodeRSAPubKey.answerAt(1, 0);
+    EXPECT_EQ(import(RsaEnvelope().blob(), "r"), 0);
+    EXPECT_THAT(
+        trace().failures(),
+        ElementsAre(error("importRSAKeyPair", "OrvelPKICryptoDecodeRSAPubKey fail, error = 0")));
+    EXPECT_EQ(import(Sm2Envelope().blob(), "unsigned"), 0);
+    EXPECT_THAT(
+        trace().failures(),
+        ElementsAre(error("importSM2KeyPair", "OrvelPKICryptoDecodeECCPubKey fail, error = 0")));
+    // Coordinates that are not 32 bytes long differ.
+    script().OrvelPKICryptoDecodeECCPubKey.run([](const unsigned char *key, int keyLen, int *curve,
+                                                  unsigned char **x, int *xLen, unsigned char **y,
+                                                  int *yLen) {
+        const int result =
+            script().OrvelPKICryptoDecodeECCPubKey.usual(key, keyLen, curve, x, xLen, y, yLen);
+        *yLen = 31;
+        return result;
+    });
+    EXPECT_EQ(import(Sm2Envelope().blob()), 0);
+    EXPECT_THAT(trace().failures(),
+                ElementsAre(error("importSM2KeyPair", "memcmp(y, &keyblob[pos], 32) != 0")));
+}
+
+TEST_F(ImportEnveloped, CachedKeyIsReplacedOnlyByTheNewOne) {
+    insert({ecc("c", true, true)});
+    const Bytes old = cachedKey();
+    const std::size_t blocks = script().host.blocks.size();
+    script().SKF_ExportPublicKey.answerAt(1, SAR_FAIL);
+    EXPECT_EQ(import(Sm2Envelope().blob()), 0);
+    EXPECT_THAT(
+        trace().failures(),
+        ElementsAre(error("GetECCPublicKey", "SKF_ExportPublicKey fail, error = 0x0A000001"),
+                    error("importSM2KeyPair", "GetECCPublicKey fail, error = 0")));
+    EXPECT_EQ(cachedKey(), old);
+
+    script().SKF_ExportPublicKey.run([](HCONTAINER container, BOOL sign, BYTE *blob, ULONG *size) {
+        const ULONG result = script().SKF_ExportPublicKey.usual(container, sign, blob, size);
+        reinterpret_cast<ECCPUBLICKEYBLOB *>(blob)->XCoordinate[63] = 0x99;
+        return result;
+    });
+    EXPECT_EQ(import(Sm2Envelope().blob()), 1);
+    Bytes fresh = old;
+    fresh[4 + 31] = 0x99;
+    EXPECT_EQ(cachedKey(), fresh);
+    EXPECT_EQ(script().host.blocks.size(), blocks);
+}
+
+TEST_F(ImportEnveloped, RsaKeyThatCannotBeReadBack) {
+    insert({rsa("c", 1024, true, false)});
+    script().OrvelPKICryptoEncodeRSAPubKey.answerAt(1, 0);
+    EXPECT_EQ(import(RsaEnvelope().blob()), 0);
+    EXPECT_THAT(
+        trace().failures(),
+        ElementsAre(error("GetRSAPublicKey", "OrvelPKICryptoEncodeRSAPubKey fail, error : 0"),
+                    error("importRSAKeyPair", "GetRSAPublicKey fail")));
+    EXPECT_EQ(DeviceGetKeypairCount(device), 1);
+}
+
+TEST_F(ImportEnveloped, EveryImportAddsARecordUpTo64) {
+    insert({ecc("c", true, false), ecc("other", false, false)});
+    const int before = referencesAfterRelease();
+    for (int count = 2; count <= 64; ++count) {
+        ASSERT_EQ(import(Sm2Envelope().blob()), 1);
+        ASSERT_EQ(DeviceGetKeypairCount(device), count);
+        ASSERT_EQ(referencesAfterRelease(), before + 2 * (count - 1));
+    }
+    SPI_KEYPAIR_HANDLE last = imported_.back();
+    EXPECT_EQ(DeviceGetKeypairType(last), ORVEL_PKI_KEYPAIRTYPE_ENCRYPT);
+    EXPECT_EQ(DeviceGetKeypairAlgorithm(last), ORVEL_PKI_ALGORITHM_ECC);
+    EXPECT_EQ(DeviceGetKeypairBits(last), 256);
+    for (const Bytes &blob : {Sm2Envelope().blob(), plainSm2(Bytes(32, 1))}) {
+        EXPECT_EQ(import(blob), 0);
+        EXPECT_THAT(trace().failures(),
+                    ElementsAre(error("DeviceImportKeypair",
+                                      "hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX")));
+        EXPECT_THAT(callsSinceMark(), IsEmpty());
+    }
+}
+
+TEST_F(ImportEnveloped, UnformattedDeviceAndDeletedContainer) {
+    KeptByContract kept; // the container of the deleted pair, and the device
+    keepsHandlesOpen();
+    insert({ecc("a", true, false), ecc("c", true, false)});
+    SPI_KEYPAIR_HANDLE first = pair("a", ORVEL_PKI_KEYPAIRTYPE_SIGNATURE);
+    ASSERT_EQ(DeviceDeleteKeypair(first), 1);
+    EXPECT_EQ(import(Sm2Envelope().blob(), "a"), 0);
+    EXPECT_THAT(trace().failures(), ElementsAre(error("DeviceImportKeypair",
+                                                      "GetContainerIndex(hDevice, label) = -1")));
+}
+
+} // namespace
+} // namespace tembra::test

@@ -1,0 +1,15 @@
+// Planned answers of the scripted functions by name (ELF only).
+#pragma once
+
+#include "scripted_token.h"
+
+namespace tembra::test {
+
+// The functions below the provider, in the order of scripted_functions.inc.
+const std::vector<std::string> &scriptedFunctions();
+
+// The nth call of the function from now on answers this code and does nothing else; a function that
+// returns a pointer returns null.
+void planAnswer(const std::string &function, int nth, ULONG code);
+
+} // namespace tembra::test
