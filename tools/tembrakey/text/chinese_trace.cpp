@@ -38,7 +38,7 @@ const Translation texts[] = {
     {"No line of this file is a trace line ({1} lines)", "此文件没有跟踪行（共 {1} 行）"},
     {"{1} lines, {2} calls on {3} threads, {4} to {5}",
      "{1} 行，{2} 次调用，{3} 个线程，{4} 至 {5}"},
-    {"{1} lines are no trace lines and are shown as they are", "{1} 行不是跟踪行，按原样显示"},
+    {"Lines that are no trace lines, shown as they are: {1}", "{1} 行不是跟踪行，按原样显示"},
     {"{1} calls were entered, but the log does not show that they returned",
      "{1} 次调用已进入，但日志中没有其返回"},
     {"The log's clock shows whole seconds: durations are right to within one second",

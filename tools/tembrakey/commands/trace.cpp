@@ -1,0 +1,245 @@
+#include <algorithm>
+#include <charconv>
+#include <optional>
+
+#include "tembrakey/commands/commands.h"
+#include "tembrakey/io/files.h"
+#include "tembrakey/io/stream.h"
+#include "tembrakey/text/text.h"
+#include "tembrakey/trace/call_json.h"
+#include "tembrakey/trace/entry_points.h"
+#include "tembrakey/trace/filter.h"
+#include "tembrakey/trace/listing.h"
+#include "tembrakey/trace/page.h"
+#include "tembrakey/trace/trace_reader.h"
+
+namespace tembra::tool {
+
+namespace {
+
+constexpr std::size_t mostFailures = 1000; // in the list at the top
+
+std::string_view asText(crypto::ByteView bytes) {
+    return {reinterpret_cast<const char *>(bytes.data()), bytes.size()};
+}
+
+crypto::ByteView asBytes(std::string_view text) {
+    return {reinterpret_cast<const std::uint8_t *>(text.data()), text.size()};
+}
+
+void print(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+std::vector<std::string> split(const std::string &list) {
+    std::vector<std::string> parts;
+    for (std::size_t at = 0; at < list.size();) {
+        const std::size_t end = std::min(list.find(',', at), list.size());
+        if (end > at)
+            parts.push_back(list.substr(at, end - at));
+        at = end + 1;
+    }
+    return parts;
+}
+
+// Hands calls that pass the filter, and foreign lines when nothing is filtered, to functions.
+class Funnel final : public trace::Sink {
+public:
+    using TakeCall = std::function<void(trace::Call &&)>;
+    using TakeForeign = std::function<void(std::uint64_t, std::string_view)>;
+
+    Funnel(const trace::Filter &filter, TakeCall takeCall, TakeForeign takeForeignLine)
+        : filter_(filter), takeCall_(std::move(takeCall)),
+          takeForeign_(std::move(takeForeignLine)) {}
+
+    void take(trace::Call &&call) override { filter_.pass(std::move(call), takeCall_); }
+    void takeForeign(std::uint64_t number, std::string_view text) override {
+        if (filter_.isEmpty())
+            takeForeign_(number, text);
+    }
+
+private:
+    const trace::Filter &filter_;
+    TakeCall takeCall_;
+    TakeForeign takeForeign_;
+};
+
+class Trace final : public Command {
+public:
+    void describe(Arguments &arguments) override;
+    void run(Context &context) override;
+
+private:
+    trace::Filter filter() const;
+    trace::Summary read(trace::Mask mask, Funnel funnel, const char *what) const;
+    void redact(const Console &console) const;
+    void writePage(const Console &console, const trace::Filter &wanted) const;
+    void printJson(const trace::Filter &wanted) const;
+    void printText(const trace::Filter &wanted) const;
+
+    std::string file_;
+    std::string threads_;
+    std::string entryPoints_;
+    std::string level_ = "verbose";
+    bool errorsOnly_ = false;
+    std::string page_;
+    std::string copy_;
+    int limit_ = 5000;
+};
+
+void Trace::describe(Arguments &arguments) {
+    arguments
+        .text("FILE", file_, "The trace log (- is standard input, for --json, --html, --redact)")
+        .required()
+        .text("--thread ID,...", threads_, "Only calls of these threads")
+        .text("--entry NAME,...", entryPoints_, "Only calls of these entry points")
+        .choice("--level LEVEL", level_, {"error", "warning", "information", "debug", "verbose"},
+                "Only lines of this level and the more serious ones")
+        .flag("--errors", errorsOnly_, "Only calls that wrote an error line")
+        .text("--html OUT", page_, "Write a page with a timeline, searchable, in one file")
+        .number("--limit N", limit_, "Most calls that the page holds", 1, 1000000)
+        .text("--redact OUT", copy_,
+              "Write a copy that can be sent away: no PINs, no hex texts of data");
+}
+
+trace::Filter Trace::filter() const {
+    trace::Filter wanted;
+    for (const std::string &id : split(threads_)) {
+        std::int64_t thread = 0;
+        const auto end = std::from_chars(id.data(), id.data() + id.size(), thread);
+        if (end.ec != std::errc() || end.ptr != id.data() + id.size())
+            throw Failure(ExitCode::Usage, tr("{1} is no thread id", {id}));
+        wanted.threads.push_back(thread);
+    }
+    for (const std::string &name : split(entryPoints_)) {
+        if (trace::findEntryPoint(name) == nullptr)
+            throw Failure(ExitCode::Usage, tr("{1} is no entry point of the provider", {name}));
+        wanted.entryPoints.push_back(name);
+    }
+    constexpr std::string_view levels[] = {"error", "warning", "information", "debug", "verbose"};
+    const auto *level = std::find(std::begin(levels), std::end(levels), level_);
+    wanted.level = static_cast<trace::Level>(level - std::begin(levels) + 1);
+    wanted.failedOnly = errorsOnly_;
+    return wanted;
+}
+
+trace::Summary Trace::read(trace::Mask mask, Funnel funnel, const char *what) const {
+    trace::TraceReader reader(mask, funnel);
+    forEachPiece(file_, tr(what), [&](crypto::ByteView piece) { reader.feed(asText(piece)); });
+    reader.finish();
+    return reader.summary();
+}
+
+void Trace::redact(const Console &console) const {
+    OutputFile file(copy_);
+    trace::RedactingCopy copy([&](std::string_view text) { file.write(asBytes(text)); });
+    forEachPiece(file_, tr("Masking"), [&](crypto::ByteView piece) { copy.feed(asText(piece)); });
+    copy.finish();
+    file.commit();
+    const auto masked = static_cast<std::int64_t>(copy.maskedLines());
+    if (copy_ != "-")
+        console.result(Record().add("redacted", copy_).add("maskedLines", masked),
+                       tr("{1} written, with secrets masked in {2} lines",
+                          {copy_, trace::grouped(copy.maskedLines())}));
+}
+
+void Trace::writePage(const Console &console, const trace::Filter &wanted) const {
+    trace::PageContent content(static_cast<std::size_t>(limit_));
+    const trace::Summary summary = read(
+        trace::Mask::pinsAndData,
+        Funnel(
+            wanted, [&](trace::Call &&call) { content.add(std::move(call)); },
+            [&](std::uint64_t line, std::string_view text) { content.addForeign(line, text); }),
+        "Reading");
+    OutputFile file(page_);
+    const auto slash = file_.find_last_of("/\\");
+    const std::string name = slash == file_.npos ? file_ : file_.substr(slash + 1);
+    content.write([&](std::string_view text) { file.write(asBytes(text)); }, name, summary,
+                  !wanted.isEmpty(), &tr);
+    file.commit();
+    if (page_ != "-")
+        console.result(
+            Record().add("page", page_).add("calls", static_cast<std::int64_t>(summary.calls)),
+            tr("{1} written; open it in a browser", {page_}));
+}
+
+// One object a line, so that a reader needs no more memory than we do.
+void Trace::printJson(const trace::Filter &wanted) const {
+    const auto line = [](const auto &write, const auto &...values) {
+        trace::JsonText json;
+        write(json, values...);
+        print(json.text() + "\n");
+    };
+    const trace::Summary summary =
+        read(trace::Mask::pins,
+             Funnel(
+                 wanted, [&](trace::Call &&call) { line(trace::writeCall, call); },
+                 [&](std::uint64_t number, std::string_view text) {
+                     line(trace::writeForeign, number, text);
+                 }),
+             "Reading");
+    line(trace::writeSummary, summary);
+}
+
+// Reads the log twice: what failed comes first.
+void Trace::printText(const trace::Filter &wanted) const {
+    trace::Listing listing(&tr);
+    std::string failures;
+    std::size_t count = 0;
+    const auto collect = [&](const trace::Call &call) {
+        const std::string lines = listing.failures(call);
+        if (!lines.empty() && ++count <= mostFailures)
+            failures += lines;
+    };
+    const trace::Summary summary = read(trace::Mask::pins,
+                                        Funnel(
+                                            wanted, [&](trace::Call &&call) { collect(call); },
+                                            [](std::uint64_t, std::string_view) {}),
+                                        "Looking for errors");
+    print(trace::summaryText(summary, &tr) + "\n");
+    if (count > 0)
+        print("\n" + std::string(tr("Calls with errors")) + "\n" + failures);
+    if (count > mostFailures)
+        print(tr("... and {1} more", {trace::grouped(count - mostFailures)}) + "\n");
+    print("\n" + std::string(tr(errorsOnly_ ? "These calls in full" : "All calls")) + "\n");
+    read(
+        trace::Mask::pins,
+        Funnel(
+            wanted, [&](trace::Call &&call) { print(listing.whole(call)); },
+            [&](std::uint64_t line, std::string_view text) { print(listing.foreign(line, text)); }),
+        "Reading");
+}
+
+void Trace::run(Context &context) {
+    const trace::Filter wanted = filter();
+    if (file_ == "-" && (copy_.empty() + page_.empty() != 1) &&
+        !(context.console.json() && copy_.empty() && page_.empty()))
+        throw Failure(ExitCode::Usage, tr("Standard input can be read only once: use - with one of "
+                                          "--json, --html and --redact"));
+    if (!copy_.empty())
+        redact(context.console);
+    if (!page_.empty())
+        writePage(context.console, wanted);
+    if (!copy_.empty() || !page_.empty())
+        return;
+    if (context.console.json())
+        printJson(wanted);
+    else
+        printText(wanted);
+}
+
+} // namespace
+
+const CommandEntry traceCommand = {
+    "trace", "Read a trace log: calls, durations, errors first; or mask it",
+    "PINs are masked in everything this command writes. A page and a masked copy leave out hex\n"
+    "texts too, other than those of certificates and public keys. With --json each line is an\n"
+    "object: calls as they end, lines that are no trace lines, and at last a summary.",
+    "  tembrakey trace tembra_key_prov.log\n"
+    "  tembrakey trace app.log --errors --thread 4711\n"
+    "  tembrakey trace app.log --html trace.html\n"
+    "  tembrakey trace app.log --redact for-support.log\n"
+    "  tembrakey trace app.log --json | jq -c 'select(.failed) | [.begin, .entryPoint]'",
+    make<Trace>};
+
+} // namespace tembra::tool
