@@ -88,14 +88,14 @@ const char *traceTag(TraceLevel level) {
     return "";
 }
 
-void writeLog(const char *format, const char *tag, const char *function, ...) {
+void writeLog(const char *tag, const char *function, const char *format, ...) {
     std::va_list arguments;
-    va_start(arguments, function);
+    va_start(arguments, format);
     writeLine(0, tag, function, format, arguments);
     va_end(arguments);
 }
 
-void writeHexLog(const char *format, const char *function, int length, const char *text) {
+void writeHexLog(const char *function, const char *format, int length, const char *text) {
     writeVerboseLine(std::strlen(text), function, format, length, text);
 }
 
@@ -104,7 +104,7 @@ void traceHex(const char *function, const char *format, const unsigned char *dat
         return;
     const HexText hex(data, length);
     if (hex.text())
-        writeHexLog(format, function, length, hex.text());
+        writeHexLog(function, format, length, hex.text());
 }
 
 call_stack_tracer::call_stack_tracer(const char *name) : m_name(name) {

@@ -20,11 +20,11 @@ const char *traceTag(TraceLevel level);
 
 // Appends one line: thread id, local time, tag, [function], message. Never fails visibly: a file
 // that cannot be opened or a line that cannot be allocated is only dropped.
-void writeLog(const char *format, const char *tag, const char *function, ...) TEMBRA_PRINTF(1, 4);
+void writeLog(const char *tag, const char *function, const char *format, ...) TEMBRA_PRINTF(3, 4);
 
 // The same at level verbose for a hex text of any length, which format takes after the length of
 // what it shows, as in "keyblob[length:%d]: %s".
-void writeHexLog(const char *format, const char *function, int length, const char *text);
+void writeHexLog(const char *function, const char *format, int length, const char *text);
 
 // Writes the hex text of data at level verbose; format as above. The text is wiped before it is
 // freed.
@@ -53,11 +53,10 @@ private:
 } // namespace tembra
 
 // The arguments of a line that is not written are not evaluated.
-#define TEMBRA_TRACE(level, function, format, ...)                                                 \
+#define TEMBRA_TRACE(level, function, ...)                                                         \
     do {                                                                                           \
         if (::tembra::traceEnabled(level))                                                         \
-            ::tembra::writeLog(format, ::tembra::traceTag(level),                                  \
-                               function __VA_OPT__(, ) __VA_ARGS__);                               \
+            ::tembra::writeLog(::tembra::traceTag(level), function, __VA_ARGS__);                  \
     } while (false)
 
 #define TRACE_ERROR(...) TEMBRA_TRACE(::tembra::TraceLevel::error, __func__, __VA_ARGS__)

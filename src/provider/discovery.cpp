@@ -36,7 +36,7 @@ int textLength(const char *text, std::size_t size) {
 void traceInfo(const DEVINFO &info, const char *function) {
     const auto line = [function](const char *format, auto... values) {
         if (traceEnabled(TraceLevel::debug))
-            writeLog(format, traceTag(TraceLevel::debug), function, values...);
+            writeLog(traceTag(TraceLevel::debug), function, format, values...);
     };
     line("device info issuer : %.*s", textLength(info.Issuer, sizeof(info.Issuer)), info.Issuer);
     line("device info label : %.*s", textLength(info.Label, sizeof(info.Label)), info.Label);

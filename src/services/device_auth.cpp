@@ -25,7 +25,7 @@ int characterValue(char c) {
 }
 
 bool keyFromText(const char *text, unsigned char *key) {
-    for (int i = 0; i < AUTH_KEY_LEN; ++i) {
+    for (std::size_t i = 0; i < AUTH_KEY_LEN; ++i) {
         const int high = characterValue(text[2 * i]);
         const int low = characterValue(text[2 * i + 1]);
         if (high < 0 || low < 0)

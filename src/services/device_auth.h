@@ -3,9 +3,11 @@
 
 #include "provider/records.h"
 
+#include <cstddef>
+
 namespace tembra {
 
-inline constexpr int AUTH_KEY_LEN = 16;
+inline constexpr std::size_t AUTH_KEY_LEN = 16;
 
 // Turns 32 characters into the key and authenticates with it. pwd is not null; *pretrynum, where
 // there is one, becomes -1. 1, 0, -5. Takes no lock.

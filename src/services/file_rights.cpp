@@ -18,7 +18,7 @@ ULONG rightOf(unsigned bit, unsigned anyone, unsigned user, unsigned administrat
 
 int GetFileRight(const char *mode, ULONG *ulReadRights, ULONG *ulWriteRights) {
     const auto *bytes = reinterpret_cast<const unsigned char *>(mode);
-    const int count = static_cast<signed char>(bytes[0]);
+    const int count = bytes[0] < 0x80 ? bytes[0] : 0; // a signed char: the others are negative
     if (count <= 1 || count > 4)
         return 0;
     const unsigned anyone = bytes[1];

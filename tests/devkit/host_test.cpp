@@ -52,7 +52,8 @@ protected:
     }
     void *import(const Bytes &encoded) const {
         void *key = nullptr;
-        EXPECT_EQ(OrvelPKICryptoImportPublicKey(device_, encoded.data(), lengthOf(encoded), &key), 1);
+        EXPECT_EQ(OrvelPKICryptoImportPublicKey(device_, encoded.data(), lengthOf(encoded), &key),
+                  1);
         return key;
     }
     void *device_ = nullptr;
@@ -84,8 +85,8 @@ TEST_F(Host, RsaPublicKeys) {
     const auto key = *crypto::generateRsaKey(1024);
     const unsigned char exponent[] = {0, 1, 0, 1};
     Buffer encoded, n, e;
-    ASSERT_EQ(OrvelPKICryptoEncodeRSAPubKey(key.n.data(), lengthOf(key.n), exponent, 4, &encoded.data,
-                                            &encoded.length),
+    ASSERT_EQ(OrvelPKICryptoEncodeRSAPubKey(key.n.data(), lengthOf(key.n), exponent, 4,
+                                            &encoded.data, &encoded.length),
               1);
     EXPECT_EQ(encoded.bytes(), crypto::encodePublicKey(key.publicKey()));
     ASSERT_EQ(OrvelPKICryptoDecodeRSAPubKey(encoded.data, encoded.length, &n.data, &n.length,
@@ -162,7 +163,8 @@ TEST_F(Host, KeysOffTheCurveOrTooSmallAreNotImported) {
          {crypto::encodePublicKey(sm2), crypto::encodePublicKey(crypto::RsaPublicKey{{0x0F}, {3}}),
           Bytes{}}) {
         void *key = nullptr;
-        EXPECT_EQ(OrvelPKICryptoImportPublicKey(device_, encoded.data(), lengthOf(encoded), &key), 0);
+        EXPECT_EQ(OrvelPKICryptoImportPublicKey(device_, encoded.data(), lengthOf(encoded), &key),
+                  0);
         EXPECT_EQ(key, nullptr);
     }
 }
@@ -181,9 +183,9 @@ TEST_F(Host, KeyPairBlobs) {
         const auto key = *crypto::generateRsaKey(bits);
         const auto rsaBlob = host::encodeKeyPairBlob(key);
         Buffer der;
-        ASSERT_EQ(
-            OrvelPKICryptoRSAPrivKeyToDER(rsaBlob.data(), lengthOf(rsaBlob), &der.data, &der.length),
-            1);
+        ASSERT_EQ(OrvelPKICryptoRSAPrivKeyToDER(rsaBlob.data(), lengthOf(rsaBlob), &der.data,
+                                                &der.length),
+                  1);
         EXPECT_TRUE(std::ranges::equal(der.bytes(), crypto::encodePkcs1(key)));
         EXPECT_EQ(DecodedPair().decode(rsaBlob.data(), lengthOf(rsaBlob)), 0);
         EXPECT_EQ(rsaBlob[18] * 256 + rsaBlob[19], static_cast<int>(bits / 8));
@@ -239,11 +241,11 @@ TEST_F(Host, NullArgumentsAndNegativeLengthsAreRefused) {
     EXPECT_EQ(OrvelPKICryptoRSAPrivKeyToDER(nullptr, 5, &out, &length), 0);
 
     const Bytes sm2 = crypto::encodePublicKey(crypto::generateSm2KeyPair().publicKey);
-    EXPECT_EQ(OrvelPKICryptoDecodeECCPubKey(sm2.data(), lengthOf(sm2), &length, nullptr, &length, &out,
-                                            &length),
+    EXPECT_EQ(OrvelPKICryptoDecodeECCPubKey(sm2.data(), lengthOf(sm2), &length, nullptr, &length,
+                                            &out, &length),
               0);
-    EXPECT_EQ(OrvelPKICryptoDecodeRSAPubKey(sm2.data(), lengthOf(sm2), &out, &length, &out, &length),
-              0);
+    EXPECT_EQ(
+        OrvelPKICryptoDecodeRSAPubKey(sm2.data(), lengthOf(sm2), &out, &length, &out, &length), 0);
     EXPECT_EQ(out, nullptr);
 }
 

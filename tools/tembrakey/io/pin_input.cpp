@@ -40,8 +40,9 @@ SecretText fromEnvironment(const std::string &variable) {
     auto value = platform::environment(variable);
     if (!value)
         throw Failure(ExitCode::Usage, tr("The environment variable {1} is not set", {variable}));
-    SecretText text(*value);
-    crypto::wipe(value->data(), value->size());
+    std::string &characters = *value;
+    SecretText text(characters);
+    crypto::wipe(characters.data(), characters.size());
     return text;
 }
 

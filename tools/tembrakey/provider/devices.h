@@ -14,6 +14,6 @@ std::string label(const Device &device);
 
 // The device with this serial number, else with this index; the only one for an empty text. Throws
 // Failure (NotFound) when that names none, or more than one.
-Device chooseDevice(const Session &session, const std::string &serialOrIndex);
+Device chooseDevice(const Session &session, const std::string &wanted);
 
 } // namespace tembra::tool

@@ -1,6 +1,7 @@
 #include "tembrakey/token/soft_token_library.h"
 
 #include <cstdio>
+#include <cstring>
 
 #include "tembrakey/cli/failure.h"
 #include "tembrakey/io/beside.h"
@@ -89,6 +90,7 @@ void SoftTokenLibrary::remove(const std::string &token) const {
 
 namespace {
 
+// The text that a call gives; size counts its NUL, and those between names.
 std::string readAll(const char *function, std::uint32_t (*read)(char *, std::uint32_t *)) {
     std::uint32_t size = 0;
     check(function, read(nullptr, &size));
@@ -111,7 +113,9 @@ std::vector<std::string> SoftTokenLibrary::list() const {
 }
 
 std::string SoftTokenLibrary::directory() const {
-    return readAll("TembraSoftTokenDirectory", directory_).c_str();
+    std::string text = readAll("TembraSoftTokenDirectory", directory_);
+    text.resize(std::strlen(text.c_str()));
+    return text;
 }
 
 } // namespace tembra::tool
