@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <fstream>
+#include <iterator>
 #include <sstream>
 #include <string_view>
 
@@ -129,8 +131,9 @@ void TraceCapture::mark() {
 }
 
 std::vector<TraceLine> TraceCapture::lines() const {
-    const std::string content = readFile(path_);
-    return parseTrace(content.size() > mark_ ? content.substr(mark_) : std::string());
+    std::ifstream file(path_, std::ios::binary);
+    file.seekg(static_cast<std::streamoff>(mark_));
+    return parseTrace({std::istreambuf_iterator<char>(file), {}});
 }
 
 Lines TraceCapture::texts() const {
