@@ -97,7 +97,7 @@ typedef struct TembraEccParam {
     int32_t m_temp;  /* 0 */
 } TembraEccParam;
 
-/* ---- Lifecycle ------------------------------------------------------------------------------ */
+/* ---- Lifecycle ----------------------------------------------------------------------------- */
 
 /* Reads the settings, obtains the host library's pseudo device and makes the process-wide lock.
  * Called once, before anything else. 1, or 0 when the pseudo device cannot be had. */
@@ -106,7 +106,7 @@ int DeviceInit(void);
 /* Releases the pseudo device and the lock; handles are the host's to free first. Always 1. */
 int DeviceEnd(void);
 
-/* ---- Device set and devices ------------------------------------------------------------------ */
+/* ---- Device set and devices ----------------------------------------------------------------- */
 
 /* Connects every token present and makes one device for each application on it, logged out (or
  * one unformatted device for a token without application), at most 16 devices. Returns the set,
@@ -135,7 +135,8 @@ int DeviceGetLabel(SPI_DEVICE_HANDLE hDevice, char *label, int labellen, int *pr
 int DeviceLockDevice(SPI_DEVICE_HANDLE hDevice);
 int DeviceUnlockDevice(SPI_DEVICE_HANDLE hDevice);
 
-/* ---- Key pairs --------------------------------------------------------------------------------- */
+/* ---- Key pairs --------------------------------------------------------------------------------
+ */
 
 /* Number of key pairs of the device; -1 for null. */
 int DeviceGetKeypairCount(SPI_DEVICE_HANDLE hDevice);
@@ -190,7 +191,7 @@ int DeviceDeleteKeypair(SPI_KEYPAIR_HANDLE hKeypair);
 int DeviceImportKeypair(SPI_DEVICE_HANDLE hDevice, const unsigned char *keyblob, int keybloblen,
                         int type, const char *label, SPI_KEYPAIR_HANDLE *phKeypair);
 
-/* ---- Public keys ----------------------------------------------------------------------------- */
+/* ---- Public keys ---------------------------------------------------------------------------- */
 
 /* A copy of the pair's public key, independent of the device; null on failure. Free with
  * DeviceFreePublicKey. */
@@ -208,7 +209,7 @@ int DeviceGetPublicKeyBits(SPI_PUBLICKEY_HANDLE hPublicKey);
 /* Null is allowed. Always 1. */
 int DeviceFreePublicKey(SPI_PUBLICKEY_HANDLE hPublicKey);
 
-/* ---- Certificates (X.509, DER) --------------------------------------------------------------- */
+/* ---- Certificates (X.509, DER) -------------------------------------------------------------- */
 
 /* 1 when the pair has a certificate, else 0; -1 for a null handle or a deleted pair. */
 int DeviceGetCertificateCount(SPI_KEYPAIR_HANDLE hKeypair);
@@ -225,7 +226,7 @@ int DeviceGetCertificate(SPI_KEYPAIR_HANDLE hKeypair, int index, unsigned char *
 int DeviceUpdateCertificate(SPI_KEYPAIR_HANDLE hKeypair, const unsigned char *certblob,
                             int certbloblen);
 
-/* ---- Private-key operations ------------------------------------------------------------------ */
+/* ---- Private-key operations ----------------------------------------------------------------- */
 
 /* Signs tbs as it is, with a signature key pair: for SM2 the 32-byte digest of Z and the message
  * (ORVEL_PKI_ALGORITHM_SM2_SIGN, GB/T 32918.2), for RSA the DigestInfo
@@ -247,7 +248,7 @@ int DevicePrivateKeyDecrypt(SPI_KEYPAIR_HANDLE hKeypair, int algo, const void *p
                             const unsigned char *cipher, int cipherlen, unsigned char *clear,
                             int clearlen, int *pretclearlen);
 
-/* ---- PINs and device authentication: the texts are written to the trace in clear ------------- */
+/* ---- PINs and device authentication: the texts are written to the trace in clear ------------ */
 
 /* Logs in with the user PIN (TEMBRA_PWD_USER), the administrator PIN (TEMBRA_PWD_ADMIN), or with
  * the device-authentication key as 32 characters of text (TEMBRA_PWD_DEVICE_AUTH).
@@ -267,7 +268,8 @@ int DeviceUnlockPwd(SPI_DEVICE_HANDLE hDevice, int type, const char *sopwd, cons
 /* Stores the remaining tries of the user or administrator PIN. 1; 0; -1; -2. */
 int DeviceGetPwdRetryNum(SPI_DEVICE_HANDLE hDevice, int type, int *pretrynum);
 
-/* ---- Random numbers and hashing ---------------------------------------------------------------- */
+/* ---- Random numbers and hashing ---------------------------------------------------------------
+ */
 
 /* len random bytes from the token. 1 or 0. */
 int DeviceGenerateRandom(SPI_DEVICE_HANDLE hDevice, int len, unsigned char *rand);
@@ -287,7 +289,8 @@ int DeviceHashFinal(SPI_HASH_HANDLE hHash, unsigned char *hashvalue, int hashval
 /* Null is allowed. Always 1. */
 int DeviceFreeHash(SPI_HASH_HANDLE hHash);
 
-/* ---- Symmetric ciphers ------------------------------------------------------------------------- */
+/* ---- Symmetric ciphers ------------------------------------------------------------------------
+ */
 
 /* Imports a raw 16-byte key for one of the six block-cipher algorithms, without padding.
  *   enc    non-zero encrypts, 0 decrypts
@@ -304,7 +307,7 @@ int DeviceCipherUpdate(SPI_CIPHER_HANDLE hCipher, const unsigned char *in, int i
 /* Null is allowed. Always 1. */
 int DeviceFreeCipher(SPI_CIPHER_HANDLE hCipher);
 
-/* ---- Data objects: files on the token, named by the decimal text of dataId (>= 0) ------------ */
+/* ---- Data objects: files on the token, named by the decimal text of dataId (>= 0) ----------- */
 
 /* Makes an object of length bytes.
  *   mode  a block of bytes: [0] its size, 2 to 4; [1] rights of anyone; [2] rights of the user;
@@ -325,7 +328,8 @@ int DeviceWriteDataEx(SPI_DEVICE_HANDLE hDevice, int dataId, int offset, const u
 /* 1; 0; -1; -2; -7; -8. */
 int DeviceDeleteData(SPI_DEVICE_HANDLE hDevice, int dataId);
 
-/* ---- Capabilities ------------------------------------------------------------------------------ */
+/* ---- Capabilities -----------------------------------------------------------------------------
+ */
 
 /* Whether the token supports algo for a usage (ORVEL_PKI_USAGE_): 1 or 0.
  *   keyLen  bits; read for RSA key generation only

@@ -1,5 +1,5 @@
-/* The software token of the development kit: making, formatting, plugging and removing tokens, which
- * no function of GM/T 0016 in its library QXSKFAPI does. C11 and C++.
+/* The software token of the development kit: making, formatting, plugging and removing tokens,
+ * which no function of GM/T 0016 in its library QXSKFAPI does. C11 and C++.
  *
  * A software token is a file in a directory: TEMBRA_SOFT_TOKEN_DIR, or else tembra-soft-token in
  * the user's data directory (XDG_DATA_HOME, ~/.local/share; on Windows TembraSoftToken in
@@ -93,9 +93,9 @@ uint32_t TembraSoftTokenRemoveApplication(const char *token, const char *applica
 
 /* Pulls a token out or puts it back, for every process. A token that is out is missing from
  * SKF_EnumDev when that asks for present devices, and cannot be connected. Handles opened before
- * answer 0x0A000023 from then on, also when the token is back; they still have to be closed. Handles
- * of keys and digests in another process notice it at that process's next call of another kind.
- * Doing it twice is doing it once. */
+ * answer 0x0A000023 from then on, also when the token is back; they still have to be closed.
+ * Handles of keys and digests in another process notice it at that process's next call of another
+ * kind. Doing it twice is doing it once. */
 uint32_t TembraSoftTokenUnplug(const char *name);
 uint32_t TembraSoftTokenPlug(const char *name);
 

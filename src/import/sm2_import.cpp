@@ -83,7 +83,7 @@ const char *readKeyPair(BlobReader &in, Parsed &parsed) {
         return "keyblobLen - pos < 65";
     if (in.takeByte() != POINT_UNCOMPRESSED)
         return "rvkeyblob[pos] != 4";
-    parsed.publicXY = in.take(2 * SM2_COORDINATE_LEN);
+    parsed.publicXY = in.take(SM2_POINT_LEN - 1);
     if (!in.has(4))
         return "keyblobLen - pos < 4";
     parsed.privateKeyLen = in.takeNumber();

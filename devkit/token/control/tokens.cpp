@@ -21,13 +21,13 @@ namespace {
 constexpr std::uint32_t maxTotalSpace = std::uint32_t{16} << 20;
 
 std::string textOr(const char *text, const char *otherwise, std::size_t maxLength) {
-    const std::string value = text != nullptr ? text : otherwise;
+    std::string value = text != nullptr ? text : otherwise;
     require(value.size() <= maxLength, SAR_NAMELENERR);
     return value;
 }
 
 std::string serialOr(const char *serial) {
-    const std::string value = serial != nullptr ? serial : model::randomId();
+    std::string value = serial != nullptr ? serial : model::randomId();
     require(store::isTokenName(store::tokenName(value)), SAR_INVALIDPARAMERR);
     return value;
 }
