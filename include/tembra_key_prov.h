@@ -97,7 +97,7 @@ typedef struct TembraEccParam {
     int32_t m_temp;  /* 0 */
 } TembraEccParam;
 
-/* ---- Lifecycle ----------------------------------------------------------------------------- */
+/* ---- Lifecycle ------------------------------------------------------------------------------ */
 
 /* Reads the settings, obtains the host library's pseudo device and makes the process-wide lock.
  * Called once, before anything else. 1, or 0 when the pseudo device cannot be had. */
@@ -135,8 +135,7 @@ int DeviceGetLabel(SPI_DEVICE_HANDLE hDevice, char *label, int labellen, int *pr
 int DeviceLockDevice(SPI_DEVICE_HANDLE hDevice);
 int DeviceUnlockDevice(SPI_DEVICE_HANDLE hDevice);
 
-/* ---- Key pairs --------------------------------------------------------------------------------
- */
+/* ---- Key pairs ------------------------------------------------------------------------------ */
 
 /* Number of key pairs of the device; -1 for null. */
 int DeviceGetKeypairCount(SPI_DEVICE_HANDLE hDevice);
@@ -268,8 +267,7 @@ int DeviceUnlockPwd(SPI_DEVICE_HANDLE hDevice, int type, const char *sopwd, cons
 /* Stores the remaining tries of the user or administrator PIN. 1; 0; -1; -2. */
 int DeviceGetPwdRetryNum(SPI_DEVICE_HANDLE hDevice, int type, int *pretrynum);
 
-/* ---- Random numbers and hashing ---------------------------------------------------------------
- */
+/* ---- Random numbers and hashing ------------------------------------------------------------- */
 
 /* len random bytes from the token. 1 or 0. */
 int DeviceGenerateRandom(SPI_DEVICE_HANDLE hDevice, int len, unsigned char *rand);
@@ -289,8 +287,7 @@ int DeviceHashFinal(SPI_HASH_HANDLE hHash, unsigned char *hashvalue, int hashval
 /* Null is allowed. Always 1. */
 int DeviceFreeHash(SPI_HASH_HANDLE hHash);
 
-/* ---- Symmetric ciphers ------------------------------------------------------------------------
- */
+/* ---- Symmetric ciphers ---------------------------------------------------------------------- */
 
 /* Imports a raw 16-byte key for one of the six block-cipher algorithms, without padding.
  *   enc    non-zero encrypts, 0 decrypts
@@ -328,8 +325,7 @@ int DeviceWriteDataEx(SPI_DEVICE_HANDLE hDevice, int dataId, int offset, const u
 /* 1; 0; -1; -2; -7; -8. */
 int DeviceDeleteData(SPI_DEVICE_HANDLE hDevice, int dataId);
 
-/* ---- Capabilities -----------------------------------------------------------------------------
- */
+/* ---- Capabilities --------------------------------------------------------------------------- */
 
 /* Whether the token supports algo for a usage (ORVEL_PKI_USAGE_): 1 or 0.
  *   keyLen  bits; read for RSA key generation only
