@@ -6,7 +6,7 @@ function(tembra_harden target)
     target_link_options(${target} PRIVATE /DYNAMICBASE /HIGHENTROPYVA /NXCOMPAT /guard:cf)
   elseif(WIN32)
     target_link_options(${target} PRIVATE
-      -Wl,--dynamicbase,--high-entropy-va,--nxcompat,--no-insert-timestamp)
+      -Wl,--dynamicbase,--high-entropy-va,--nxcompat)
   elseif(NOT TEMBRA_SANITIZE)
     target_compile_options(${target} PRIVATE -fstack-protector-strong
       $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)

@@ -5,9 +5,11 @@ function(tembra_split_debug target)
     return()
   endif()
   set(binary $<TARGET_FILE:${target}>)
+  # Otherwise it writes the time of day into binaries for Windows.
+  set(objcopy ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=0 ${CMAKE_OBJCOPY})
   add_custom_command(TARGET ${target} POST_BUILD VERBATIM
-    COMMAND ${CMAKE_OBJCOPY} --only-keep-debug ${binary} ${binary}.debug
-    COMMAND ${CMAKE_OBJCOPY} --strip-unneeded ${binary}
-    COMMAND ${CMAKE_OBJCOPY} --add-gnu-debuglink=${binary}.debug ${binary}
+    COMMAND ${objcopy} --only-keep-debug ${binary} ${binary}.debug
+    COMMAND ${objcopy} --strip-unneeded ${binary}
+    COMMAND ${objcopy} --add-gnu-debuglink=${binary}.debug ${binary}
     WORKING_DIRECTORY $<TARGET_FILE_DIR:${target}>)
 endfunction()

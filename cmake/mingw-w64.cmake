@@ -7,9 +7,10 @@ set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
-# The compiler's own libraries go into each binary, so that no run-time DLL has to travel along.
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
-set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
+# The compiler's own libraries go into each binary, so that no run-time DLL has to travel along; the
+# time of day does not, so that a build can be repeated.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -Wl,--no-insert-timestamp")
+set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static -Wl,--no-insert-timestamp")
 
 # Programs come from the build machine, everything that is compiled in from the target's tree only.
 set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)

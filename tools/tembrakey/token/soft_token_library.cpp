@@ -5,6 +5,7 @@
 
 #include "tembrakey/cli/failure.h"
 #include "tembrakey/io/beside.h"
+#include "tembrakey/platform/process.h"
 #include "tembrakey/text/text.h"
 
 namespace tembra::tool {
@@ -59,8 +60,16 @@ void SoftTokenLibrary::find(Function *&function, const char *name) {
             tr("{1} is not the development kit's software token: it lacks {2}", {path_, name}));
 }
 
+// The command tembra-devkit says where the kit is installed; in a build it lies beside the tool.
+static std::vector<std::string> kitCandidates() {
+    const auto kit = platform::environment("TEMBRA_DEVKIT");
+    if (kit && !kit->empty())
+        return {*kit + "/" + platform::libraryFileName("QXSKFAPI")};
+    return librariesBeside("QXSKFAPI");
+}
+
 SoftTokenLibrary::SoftTokenLibrary()
-    : path_(firstReadable(librariesBeside("QXSKFAPI"), tr("the software token's library"),
+    : path_(firstReadable(kitCandidates(), tr("the software token's library"),
                           tr("it comes with the development kit"))) {
     const std::string reason = library_.open(path_);
     if (!reason.empty())
