@@ -65,7 +65,7 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::write(crypto::ByteView bytes) {
-    if (std::fwrite(bytes.data(), 1, bytes.size(), stream_) != bytes.size())
+    if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), stream_) != bytes.size())
         fail("Cannot write {1}: {2}", path_);
 }
 

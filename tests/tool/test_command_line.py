@@ -1,0 +1,78 @@
+"""The command line itself: help, languages, devices to choose from, refusals and their exit codes."""
+import re
+import unittest
+
+from command_line import IS_WINDOWS, CommandTest, write
+
+
+class CommandLine(CommandTest):
+    def commands(self, *path):
+        """Every command, as a list of words, from the help of the tool."""
+        text = self.run_tool(*path, "--help").decode()
+        section = re.search(r"Subcommands:\r?\n(.*?)\r?\n\r?\n", text + "\n\n", re.S)
+        if not section:
+            return [path]
+        names = re.findall(r"^  (\w+) ", section.group(1), re.M)
+        return [command for name in names for command in self.commands(*path, name)]
+
+    def test_every_command_explains_itself_with_examples_in_two_languages(self):
+        commands = self.commands()
+        self.assertGreater(len(commands), 25)
+        for command in commands[:3] if IS_WINDOWS else commands:
+            with self.subTest(command=command):
+                text = self.run_tool(*command, "--help").decode()
+                self.assertIn("Examples:", text)
+                self.assertIn(f"tembrakey {' '.join(command)}", text.split("Examples:")[1])
+                chinese = self.run_tool(*command, "--help", LC_ALL="zh_CN.UTF-8").decode()
+                self.assertRegex(chinese.split("\n")[0], "[\u4e00-\u9fff]")
+
+    def test_refusals_say_why_and_in_json_too(self):
+        write("empty", b"")
+        for code, text, *arguments in (
+                (2, "frobnicate", "frobnicate"), (2, "required", "key", "generate"),
+                (2, "--colour", "list", "--colour"), (2, "no-such", "random", "no-such"),
+                (3, "no device 5", "--device", "5", "list"),
+                (3, "nobody", "sign", "empty", "--label", "nobody"),
+                (8, "no-such-library", "--provider", "no-such-library.so", "list"),
+                (8, "empty", "--provider", "./empty", "list"),
+                (9, "missing.txt", "hash", "missing.txt"),
+                (9, "no-folder", "random", "4", "--out", "no-folder/x"),
+                (4, "--pin-env", "key", "generate", "--label", "x")):
+            with self.subTest(arguments=arguments):
+                self.run_tool(*arguments, code=code)
+                self.assertIn(text, self.stderr)
+                self.assertTrue(self.stderr.startswith("tembrakey: "))
+                self.assertIn(text, self.run_json(*arguments, code=code)["error"])
+                self.assertIn("tembrakey", self.stderr + "tembrakey")
+
+    def test_of_several_devices_one_must_be_chosen(self):
+        self.run_tool("token", "create", "--serial", "BBBB0002", "--label", "Two", "--so-pin-env", "SO",
+                      "--pin-env", "PIN")
+        self.run_tool("random", "4", code=3)
+        self.run_tool("--device", "BBBB0002", "key", "generate", "--label", "k", "--pin-env", "PIN")
+        for device, count in (("AAAA0001", 0), ("BBBB0002", 1)):
+            listed = self.run_json("--device", device, "list")["devices"]
+            self.assertEqual([(one["serial"], len(one["keyPairs"])) for one in listed],
+                             [(device, count)])
+        self.run_tool("token", "remove", "BBBB0002", "--yes")
+        self.assertNotIn("BBBB0002", self.run_tool("token", "list").decode())
+        self.run_tool("random", "4")
+
+    def test_tokens_that_fail_are_reported_by_entry_point_and_result(self):
+        failure = self.run_json("random", "4", code=1,
+                                TEMBRA_SOFT_TOKEN_FAULTS="SKF_GenRandom:*=0x0A000001")
+        self.assertEqual((failure["entryPoint"], failure["result"]), ("DeviceGenerateRandom", 0))
+        self.run_tool("token", "create", "--unformatted", "--serial", "CCCC0003")
+        self.assertFalse(self.run_json("--device", "CCCC0003", "list")["devices"][0]["formatted"])
+
+
+class NoToken(CommandTest):
+    token = False
+
+    def test_nothing_is_connected(self):
+        self.assertEqual(self.run_json("list"), {"devices": []})
+        self.run_tool("random", "4", code=3)
+
+
+if __name__ == "__main__":
+    unittest.main()
