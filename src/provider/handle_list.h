@@ -44,9 +44,10 @@ bool appendHandle(Record **&list, std::int32_t &allocCount, std::int32_t &count,
     return true;
 }
 
-// Takes a record out of its list, the later ones move down; one that is not in it does nothing.
+// Takes a record out of its list, the later ones move down; one that is not in it does nothing. The
+// list comes by reference, since until the lock is held another thread may put a grown one there.
 template <typename Record>
-void removeHandle(Record **list, std::int32_t &count, const Record *record) {
+void removeHandle(Record **const &list, std::int32_t &count, const Record *record) {
     const RecordLock lock;
     for (std::int32_t i = 0; i < count; ++i) {
         if (list[i] != record)

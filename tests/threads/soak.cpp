@@ -1,0 +1,262 @@
+// Everything that hosts may do at once, done at once: threads that discover, look up, sign,
+// decrypt, hash, generate, delete and free over shared devices, the whole of it traced to one file.
+#include "../../src/platform/orvel_crypto.h"
+#include "kit_test.h"
+#include "leaks.h"
+#include "tembra_devkit_faults.h"
+#include "tembra_soft_token.h"
+#include "watchdog.h"
+
+#include <map>
+#include <sstream>
+
+namespace tembra::test {
+namespace {
+
+constexpr const char *label = "steady";
+constexpr int notLoggedIn = -8;
+constexpr int sm3 = ORVEL_PKI_ALGORITHM_SM3;
+
+// What the threads have done, to be found again in the trace.
+struct Counts {
+    std::atomic<int> signatures = 0;
+    std::atomic<int> discoveries = 0;
+    std::atomic<int> generations = 0;
+};
+
+// What the provider holds of the token's handles and of the host library's memory.
+struct Holdings {
+    long long handles;
+    long long blocks;
+    Holdings operator-(const Holdings &other) const {
+        return {handles - other.handles, blocks - other.blocks};
+    }
+};
+
+Holdings holdings() {
+    return {static_cast<long long>(TembraSoftTokenOpenHandles(nullptr)),
+            static_cast<long long>(TembraHostKitLiveBlocks())};
+}
+
+class Soak : public KitTest {
+public:
+    using Work = void (Soak::*)();
+
+    void SetUp() override {
+        KitTest::SetUp();
+        logIn();
+        SPI_KEYPAIR_HANDLE pair = generate(label, ORVEL_PKI_ALGORITHM_ECC, 256);
+        cipher = encrypted(pair);
+        const char mode[] = {3, 0, 3};
+        ASSERT_EQ(DeviceCreateData(device, 7, mode, 64), 1);
+    }
+
+    // A call that another thread's discovery may have logged out is made again, logged in.
+    template <typename Call>
+    static int loggedIn(SPI_DEVICE_HANDLE on, Call call) {
+        int result = call();
+        for (int tries = 0; result == notLoggedIn && tries < 1000; ++tries) {
+            EXPECT_EQ(DeviceVerifyPwd(on, TEMBRA_PWD_USER, userPin, nullptr), 1);
+            result = call();
+        }
+        return result;
+    }
+
+    // plain under the pair's public key, by the host library.
+    Bytes encrypted(SPI_KEYPAIR_HANDLE pair) {
+        SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(pair);
+        Bytes encoded(1024);
+        int length = 0;
+        EXPECT_EQ(DeviceExportPublicKey(key, encoded.data(), 1024, &length), 1);
+        DeviceFreePublicKey(key);
+        void *pseudo = OrvelPKICryptoGetPseudoDevice();
+        void *imported = nullptr;
+        unsigned char *out = nullptr;
+        EXPECT_EQ(OrvelPKICryptoImportPublicKey(pseudo, encoded.data(), length, &imported), 1);
+        EXPECT_EQ(OrvelPKICryptoPublicKeyEncrypt(imported, ORVEL_PKI_ALGORITHM_SM2_ENC, &sm3,
+                                                 plain.data(), static_cast<int>(plain.size()), &out,
+                                                 &length),
+                  1);
+        Bytes result(out, out + length);
+        OrvelPKICryptoFreeMemory(out);
+        OrvelPKICryptoFreePublicKey(imported);
+        OrvelPKICryptoFreeDevice(pseudo);
+        return result;
+    }
+
+    void sign(SPI_DEVICE_HANDLE on, SPI_KEYPAIR_HANDLE pair) {
+        const Bytes digest(32, 0x17);
+        const int result = loggedIn(on, [&] {
+            ++counts.signatures;
+            Bytes signature(80);
+            int length = 80;
+            return DeviceSign(pair, ORVEL_PKI_ALGORITHM_SM2_SIGN, nullptr, digest.data(), 32,
+                              signature.data(), 80, &length);
+        });
+        EXPECT_EQ(result, 1);
+    }
+
+    // The threads' work, one round of each.
+
+    void signOnce() {
+        SPI_KEYPAIR_HANDLE pair = nullptr;
+        ASSERT_EQ(DeviceFindKeypair(device, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, label, &pair), 1);
+        sign(device, pair);
+        SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(pair);
+        EXPECT_EQ(DeviceGetPublicKeyBits(key), 256);
+        EXPECT_EQ(DeviceFreePublicKey(key), 1);
+        EXPECT_EQ(DeviceFreeKeypair(pair), 1);
+    }
+
+    void decryptOnce() {
+        SPI_KEYPAIR_HANDLE pair = DeviceGetKeypair(device, 0);
+        ASSERT_NE(pair, nullptr);
+        Bytes clear(cipher.size());
+        int length = static_cast<int>(clear.size());
+        const int result = loggedIn(device, [&] {
+            return DevicePrivateKeyDecrypt(pair, ORVEL_PKI_ALGORITHM_SM2_ENC, &sm3, cipher.data(),
+                                           static_cast<int>(cipher.size()), clear.data(), length,
+                                           &length);
+        });
+        EXPECT_EQ(result, 1);
+        clear.resize(static_cast<std::size_t>(length));
+        EXPECT_EQ(clear, plain);
+        EXPECT_EQ(DeviceFreeKeypair(pair), 1);
+    }
+
+    void serveOnce() {
+        Bytes buffer(64);
+        int length = 64;
+        EXPECT_EQ(DeviceGenerateRandom(device, 64, buffer.data()), 1);
+        SPI_HASH_HANDLE hash = DeviceNewHash(device, ORVEL_PKI_ALGORITHM_SM3);
+        EXPECT_EQ(DeviceHashUpdate(hash, buffer.data(), 64), 1);
+        EXPECT_EQ(DeviceHashFinal(hash, buffer.data(), 32, &length), 1);
+        EXPECT_EQ(DeviceFreeHash(hash), 1);
+        const int written =
+            loggedIn(device, [&] { return DeviceWriteDataEx(device, 7, 0, buffer.data(), 64); });
+        EXPECT_EQ(written, 1);
+        EXPECT_EQ(DeviceIsSupportedAlgorithm2(device, ORVEL_PKI_ALGORITHM_SM2_SIGN, 0,
+                                              ORVEL_PKI_USAGE_SIGN, nullptr),
+                  1);
+    }
+
+    void discoverOnce() {
+        ++counts.discoveries;
+        SPI_DEVICESET_HANDLE found = DeviceGetAllDevices();
+        ASSERT_EQ(DeviceGetDeviceCount(found), 1);
+        SPI_DEVICE_HANDLE one = DeviceGetDevice(found, 0);
+        EXPECT_EQ(DeviceFreeDevices(found), 1);
+        EXPECT_GE(DeviceGetKeypairCount(one), 1);
+        SPI_KEYPAIR_HANDLE pair = nullptr;
+        ASSERT_EQ(DeviceFindKeypair(one, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, label, &pair), 1);
+        EXPECT_EQ(DeviceFreeDevice(one), 1);
+        EXPECT_EQ(DeviceGetCertificateCount(pair), 0);
+        sign(device, pair);
+        EXPECT_EQ(DeviceFreeKeypair(pair), 1); // and with it the device
+    }
+
+    // On a device of its own, which a deletion keeps for good.
+    void generateOnce() {
+        const KeptByContract keptByContract;
+        static std::atomic<int> serial = 0;
+        const std::string own = "own " + std::to_string(++serial);
+        SPI_DEVICESET_HANDLE found = DeviceGetAllDevices();
+        ++counts.discoveries;
+        SPI_DEVICE_HANDLE one = DeviceGetDevice(found, 0);
+        EXPECT_EQ(DeviceFreeDevices(found), 1);
+        const TembraEccParam curve = {ORVEL_PKI_ECC_CURVE_SM2, 0};
+        SPI_KEYPAIR_HANDLE pair = nullptr;
+        const int result = loggedIn(one, [&] {
+            ++counts.generations;
+            return DeviceGenerateKeypair(one, ORVEL_PKI_ALGORITHM_ECC, 256, &curve,
+                                         ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, own.c_str(), &pair);
+        });
+        ASSERT_EQ(result, 1);
+        sign(one, pair);
+        EXPECT_EQ(loggedIn(one, [&] { return DeviceDeleteKeypair(pair); }), 1);
+        EXPECT_EQ(DeviceFreeKeypair(pair), 1);
+        EXPECT_EQ(DeviceFreeDevice(one), 1);
+    }
+
+    void run(const std::vector<std::pair<const char *, Work>> &works, int rounds);
+    void expectWholeTrace() const;
+
+    const Bytes plain = {'s', 'o', 'a', 'k'};
+    Bytes cipher;
+    Counts counts;
+    std::uintmax_t traceStart = 0;
+};
+
+void Soak::run(const std::vector<std::pair<const char *, Work>> &works, int rounds) {
+    Watchdog watchdog(std::chrono::seconds(240));
+    std::vector<std::thread> threads;
+    for (std::size_t number = 0; number < works.size(); ++number) {
+        threads.emplace_back([&, number] {
+            const auto &[name, work] = works[number];
+            watchdog.note(number, name);
+            for (int i = 0; i < rounds && !HasFatalFailure(); ++i)
+                (this->*work)();
+            watchdog.note(number, "done");
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+}
+
+// Every line is whole, and every call's entry and exit lines stand properly nested in its thread.
+void Soak::expectWholeTrace() const {
+    std::istringstream file(readFile(trace().path()).substr(traceStart));
+    std::map<std::string, std::vector<std::string>> open; // calls by thread
+    std::map<std::string, int> entered;
+    std::string text;
+    int torn = 0;
+    while (std::getline(file, text)) {
+        const std::vector<TraceLine> parsed = parseTrace(text + "\n");
+        if (parsed.size() != 1 || parsed[0].level.empty()) {
+            ++torn;
+            continue;
+        }
+        std::vector<std::string> &calls = open[text.substr(0, text.find(' '))];
+        const std::string &message = parsed[0].message;
+        if (message.starts_with(">>>>> ")) {
+            calls.push_back(message.substr(6));
+            ++entered[calls.back()];
+        } else if (message.starts_with("<<<<< ")) {
+            ASSERT_FALSE(calls.empty()) << text;
+            ASSERT_EQ(calls.back(), message.substr(6)) << text;
+            calls.pop_back();
+        }
+    }
+    EXPECT_EQ(torn, 0);
+    for (const auto &[thread, calls] : open)
+        EXPECT_TRUE(calls.empty()) << thread;
+    EXPECT_EQ(entered["DeviceSign"], counts.signatures);
+    EXPECT_EQ(entered["DeviceGetAllDevices"], counts.discoveries);
+    EXPECT_EQ(entered["DeviceGenerateKeypair"], counts.generations);
+}
+
+TEST_F(Soak, SharedDevicesSurviveEverythingAtOnce) {
+    traceStart = std::filesystem::file_size(trace().path());
+    // What one deletion keeps, by contract; of the rest nothing may stay.
+    const Holdings before = holdings();
+    generateOnce();
+    const Holdings kept = holdings() - before;
+    constexpr int rounds = 20; // of each thread
+    run({{"sign", &Soak::signOnce},
+         {"sign too", &Soak::signOnce},
+         {"decrypt", &Soak::decryptOnce},
+         {"serve", &Soak::serveOnce},
+         {"discover", &Soak::discoverOnce},
+         {"discover too", &Soak::discoverOnce},
+         {"generate and delete", &Soak::generateOnce}},
+        rounds);
+    expectWholeTrace();
+    EXPECT_EQ(DeviceGetKeypairCount(device), 1);
+    const Holdings after = holdings() - before;
+    EXPECT_EQ(after.handles, (rounds + 1) * kept.handles);
+    EXPECT_EQ(after.blocks, (rounds + 1) * kept.blocks);
+    keepsDevice = true;
+}
+
+} // namespace
+} // namespace tembra::test
