@@ -114,15 +114,12 @@ void allowPlainRsa(int bits) {
     script().OrvelPKICryptoPublicKeyEncrypt.run([bits](void *key, int algo, const void *param,
                                                        const unsigned char *data, int dataLen,
                                                        unsigned char **out, int *outLen) {
-        if (algo != 0x10) {
-            return script().OrvelPKICryptoPublicKeyEncrypt.usual(key, algo, param, data, dataLen,
-                                                                 out, outLen);
+        // The host library in memory puts one byte before what is no SM2; the data is masked.
+        Bytes block(data, data + dataLen);
+        for (unsigned char &byte : block) {
+            byte = static_cast<unsigned char>(byte ^ 0xFF);
         }
-        // The host library in memory puts one byte before the data; the key itself is masked.
-        Bytes block(static_cast<std::size_t>(bits / 8 - 1), 0xEE);
-        for (std::size_t i = 0; i < static_cast<std::size_t>(dataLen); ++i) {
-            block[i] = static_cast<unsigned char>(data[i] ^ 0xFF);
-        }
+        block.resize(algo == 0x40 ? block.size() : static_cast<std::size_t>(bits / 8 - 1), 0xEE);
         return script().OrvelPKICryptoPublicKeyEncrypt.usual(
             key, algo, param, block.data(), static_cast<int>(block.size()), out, outLen);
     });

@@ -3,6 +3,12 @@
 
 #include <algorithm>
 
+tembra::test::MemoryHost::~MemoryHost() {
+    for (void *block : blocks) {
+        delete[] static_cast<unsigned char *>(block);
+    }
+}
+
 namespace tembra::test::memory_token {
 namespace {
 

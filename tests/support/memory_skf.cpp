@@ -194,6 +194,12 @@ ULONG SKF_DeleteContainer(HAPPLICATION application, LPSTR name) {
     if (handle == nullptr || find(handle->application->containers, name) == nullptr) {
         return SAR_INVALIDPARAMERR;
     }
+    for (HandleModel &other : token().handles) { // go with their container
+        if (other.open && other.container != nullptr && other.application == handle->application &&
+            other.container->name == name) {
+            other.open = false;
+        }
+    }
     handle->application->containers.remove_if(
         [name](const ContainerModel &model) { return model.name == name; });
     return SAR_OK;

@@ -72,9 +72,14 @@ struct MemoryToken {
 };
 
 struct MemoryHost {
-    std::set<void *> blocks; // memory handed out and not yet given back
-    int pseudoDevices = 0;   // handed out less given back
+    std::set<void *> blocks{}; // memory handed out and not yet given back
+    int pseudoDevices = 0;     // handed out less given back
     int foreignFrees = 0;
+
+    MemoryHost() = default;
+    ~MemoryHost();
+    MemoryHost(const MemoryHost &) = delete;
+    MemoryHost &operator=(const MemoryHost &) = delete;
 };
 
 // An SM2 or RSA container. The public values are predictable: see coordinate() and modulus().

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <mutex>
 #include <string>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -17,6 +19,30 @@ inline std::recursive_mutex &scriptMutex() {
     static std::recursive_mutex mutex;
     return mutex;
 }
+
+// A failure of the nth call (from 1) of either library, and with everAfter of all later ones. A
+// function that gives something back does so all the same.
+struct CallFault {
+    char library = 0; // the first letter of the functions that are counted; 0: nothing fails
+    unsigned nth = 0;
+    std::uint32_t code = 0;
+    bool everAfter = false;
+    unsigned calls = 0;              // counted so far
+    std::vector<std::size_t> hits{}; // where the failed calls stand in the journal
+
+    bool failsNow(const char *name, std::size_t journalIndex) {
+        if (name[0] != library || ++calls < nth || (calls > nth && !everAfter)) {
+            return false;
+        }
+        hits.push_back(journalIndex);
+        return true;
+    }
+};
+inline CallFault &callFault() {
+    static CallFault fault;
+    return fault;
+}
+bool givesBack(const std::string &function);
 
 template <typename Function>
 class Scripted;
@@ -63,10 +89,24 @@ public:
         if (const auto plan = planned_.find(calls()); plan != planned_.end()) {
             return plan->second;
         }
+        if (callFault().failsNow(name_, journal_.size() - 1)) {
+            if (givesBack(name_)) {
+                usual_(arguments...);
+            }
+            return failure();
+        }
         return behaviour_ ? behaviour_(arguments...) : usual_(arguments...);
     }
 
 private:
+    static Result failure() {
+        if constexpr (std::is_pointer_v<Result>) {
+            return nullptr;
+        } else {
+            return static_cast<Result>(callFault().code);
+        }
+    }
+
     const char *name_;
     std::vector<std::string> &journal_;
     Result (*usual_)(Arguments...);

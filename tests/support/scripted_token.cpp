@@ -21,6 +21,11 @@ struct Signature<Result(Arguments...)> {
 
 } // namespace
 
+bool givesBack(const std::string &function) {
+    return function.starts_with("SKF_Close") || function.starts_with("OrvelPKICryptoFree") ||
+           function == "SKF_DisConnectDev" || function == "SKF_UnlockDev";
+}
+
 TokenScript &script() {
     return *current();
 }

@@ -1,0 +1,352 @@
+// Every scenario with every allocation of the provider, every call of the token and every call of
+// the host library failing in turn: once, and from then on for good. After each run nothing may be
+// lost, and the scenario must go through again.
+#include "expectations.h"
+#include "scenarios.h"
+#include "secret_watch.h"
+
+#include "../support/provider_allocator.h"
+#include "../support/trace_capture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <future>
+#include <thread>
+
+namespace tembra::test {
+namespace {
+
+// A code that calls answer, once or from then on for good.
+struct Answer {
+    std::uint32_t code;
+    bool forGood = false;
+};
+// General failure, not logged in, removed; then every other code that a call site tells apart.
+const std::vector<Answer> tokenAnswers = {{SAR_FAIL},
+                                          {SAR_FAIL, true},
+                                          {SAR_USER_NOT_LOGGED_IN},
+                                          {SAR_USER_NOT_LOGGED_IN, true},
+                                          {SAR_DEVICE_REMOVED},
+                                          {SAR_DEVICE_REMOVED, true},
+                                          {0x0A00000D},
+                                          {0x0A00001E},
+                                          {0x0B000033},
+                                          {0x000000B3},
+                                          {SAR_PIN_INCORRECT},
+                                          {SAR_PIN_LOCKED},
+                                          {SAR_PIN_LEN_RANGE},
+                                          {1},
+                                          {3}};
+const std::vector<Answer> hostAnswers = {{0}, {0, true}, {0xFFFFFFFD}, {0xFFFFFFFD, true}};
+
+struct Figures {
+    unsigned scenarios = 0, faults = 0, runs = 0;
+};
+Figures figures;
+
+bool lockIsFree() {
+    script().memory.devices.clear();
+    auto asked = std::make_shared<std::promise<void>>();
+    std::thread([asked] {
+        DeviceFreeDevices(DeviceGetAllDevices());
+        asked->set_value();
+    }).detach();
+    return asked->get_future().wait_for(std::chrono::seconds(2)) == std::future_status::ready;
+}
+
+// What a run has left to be judged.
+struct Outcome {
+    std::vector<Step> steps;
+    const Step *failed = nullptr;
+    std::size_t devices = 0; // records that discovery made
+    std::vector<std::size_t> hits;
+    unsigned refused = 0;
+    Lines failures;
+    bool holdsLock = false; // by contract
+};
+
+// A device whose pair was deleted stays, and the record of that pair's container: everything they
+// own, and nothing else.
+std::set<void *> blocksOf(const Session::Kept &kept) {
+    std::set<TembraContainer *> containers(std::begin(kept.device->m_containers),
+                                           std::end(kept.device->m_containers));
+    containers.insert(kept.container);
+    containers.erase(nullptr);
+    std::set<void *> blocks = {kept.device, kept.device->m_serialNumber};
+    for (int i = 0; i < kept.device->m_keypairCount; ++i) {
+        blocks.insert({kept.device->m_keypairs[i], kept.device->m_keypairs[i]->m_label});
+    }
+    for (TembraContainer *container : containers) {
+        blocks.insert({container, container->m_label, container->m_signCert, container->m_encCert});
+        for (void *key : {container->m_signPubKey, container->m_encPubKey}) {
+            if (key != nullptr) {
+                OrvelPKICryptoFreeMemory(key);
+            }
+        }
+    }
+    blocks.erase(nullptr);
+    return blocks;
+}
+
+void freeKept() {
+    for (void *block : blocksOf(Session::kept())) {
+        ProviderAllocator::discard(block);
+    }
+    for (HandleModel &handle : script().memory.handles) {
+        handle.open =
+            handle.open && (handle.kind == HandleKind::key || handle.kind == HandleKind::digest);
+    }
+}
+
+// Of tokens and applications for which no record could be made, and the key of a device
+// authentication whose cipher could not be started.
+int openByContract(const Outcome &outcome, std::size_t devices) {
+    int open = 2 * static_cast<int>(devices - std::min(devices, outcome.devices));
+    if (outcome.failed != nullptr && outcome.failed->entry == "DeviceVerifyPwd" &&
+        !outcome.hits.empty() && script().journal[outcome.hits[0]] == "SKF_EncryptInit") {
+        ++open;
+    }
+    return open;
+}
+
+class FaultLoops : public ::testing::Test {
+protected:
+    // Runs the scenario as far as it goes under the faults that are planned. Wants nothing lost.
+    const Outcome &run(const Scenario &scenario, const CallFault &call, unsigned allocation,
+                       bool forGood) {
+        ++figures.runs;
+        outcome_ = {};
+        resetScript();
+        Session::kept() = {};
+        trace().setLevel(scenario.traceLevel == nullptr
+                             ? std::nullopt
+                             : std::optional<std::string>(scenario.traceLevel));
+        scenario.insert();
+        EXPECT_EQ(DeviceInit(), 1);
+        trace().mark();
+        callFault() = call;
+        ProviderAllocator::failAt(allocation, forGood);
+        play(scenario);
+        outcome_.refused = ProviderAllocator::refused();
+        outcome_.hits = callFault().hits;
+        callFault() = {};
+        ProviderAllocator::failAt(0);
+        outcome_.failures = trace().failures();
+        wantNothingLost();
+        return outcome_;
+    }
+
+    const Outcome &runClean(const Scenario &scenario) {
+        run(scenario, {}, 0, false);
+        EXPECT_EQ(outcome_.failed, nullptr) << outcome_.failed->entry << " failed without a fault";
+        devices_ = outcome_.devices;
+        return outcome_;
+    }
+
+    // The step in which the call with this place in the journal was made; null for those that give
+    // handles back.
+    const Step *stepOf(std::size_t call) const {
+        for (const Step &step : outcome_.steps) {
+            if (call >= step.callsBegin && call < step.callsEnd) {
+                return &step;
+            }
+        }
+        return nullptr;
+    }
+
+    void expectAnswer(std::uint32_t code) const;
+    void expectMemoryFailure(bool once) const;
+    void loopOverCalls(char library, const std::vector<Answer> &answers);
+
+    std::set<std::string> entries_;
+    Outcome outcome_;
+    bool asksForHeldLock_ = false; // the asking thread then waits to the end of the process
+
+private:
+    void play(const Scenario &scenario) {
+        Session session;
+        try {
+            scenario.run(session);
+        } catch (const Session::Ended &) {
+        }
+        entries_.insert(session.entries.begin(), session.entries.end());
+        outcome_.steps = session.steps();
+        outcome_.devices =
+            session.set == nullptr ? 0 : static_cast<std::size_t>(session.set->m_count);
+        if (outcome_.steps.back().result != 1) {
+            outcome_.failed = &outcome_.steps.back();
+        }
+        // Memory was short for the copy of a certificate that the token has taken.
+        outcome_.holdsLock = outcome_.failed != nullptr && ProviderAllocator::refused() > 0 &&
+                             outcome_.failed->entry == "DeviceUpdateCertificate" &&
+                             script().journal.back() == "SKF_ImportCertificate";
+    }
+
+    void wantNothingLost() {
+        if (Session::kept().device != nullptr) {
+            freeKept();
+        }
+        EXPECT_EQ(ProviderAllocator::live(), 0u) << "blocks of the provider lost";
+        EXPECT_LE(script().memory.open(), openByContract(outcome_, devices_)) << "handles lost";
+        EXPECT_EQ(script().host.blocks.size(), 0u) << "memory of the host library lost";
+        EXPECT_EQ(script().host.foreignFrees, 0);
+        EXPECT_EQ(script().memory.containersClosedTwice, 0);
+        if (!outcome_.holdsLock || asksForHeldLock_) {
+            ASSERT_EQ(lockIsFree(), !outcome_.holdsLock);
+        }
+        EXPECT_EQ(DeviceEnd(), 1);
+        EXPECT_LE(script().host.pseudoDevices, 0);
+    }
+
+    std::size_t devices_ = 99; // that a clean run finds
+};
+
+std::string kindOf(const Step &step, std::size_t call) {
+    const std::string name = step.entry.substr(0, step.entry.find(' '));
+    if (name == step.entry) {
+        return name;
+    }
+    // A plain key pair is enveloped first; the import proper begins with the container's key.
+    const auto &journal = script().journal;
+    const auto begin = journal.begin() + static_cast<std::ptrdiff_t>(step.callsBegin);
+    const auto end = journal.begin() + static_cast<std::ptrdiff_t>(call) + 1;
+    return std::any_of(begin, end,
+                       [](const std::string &at) {
+                           return at == "OrvelPKICryptoDecodeECCPubKey" ||
+                                  at == "OrvelPKICryptoDecodeRSAPubKey";
+                       })
+               ? name
+               : "enveloping";
+}
+
+void FaultLoops::expectAnswer(std::uint32_t code) const {
+    const Step *step = stepOf(outcome_.hits.front());
+    std::string call = script().journal[outcome_.hits.front()];
+    if (step == nullptr) {
+        EXPECT_TRUE(givesBack(call)) << call;
+        return;
+    }
+    // The first failure that the entry point does not put up with decides.
+    Expectation wanted = {1, ""};
+    for (const std::size_t hit : outcome_.hits) {
+        if (wanted.result == 1 && stepOf(hit) == step) {
+            call = script().journal[hit];
+            wanted = expected(kindOf(*step, hit), call, code);
+        }
+    }
+    EXPECT_EQ(step->result, wanted.result) << step->entry << " after " << call;
+    const bool isNamed = std::any_of(
+        outcome_.failures.begin(), outcome_.failures.end(), [&](const std::string &line) {
+            return line.find(wanted.line.empty() ? call + " fail" : wanted.line) != line.npos;
+        });
+    EXPECT_EQ(isNamed, !wanted.line.empty())
+        << step->entry << " after " << call << ": " << wanted.line;
+}
+
+void FaultLoops::expectMemoryFailure(bool once) const {
+    if (outcome_.failed == nullptr) {
+        return; // nothing but a line of the trace, or a key pair, was left out
+    }
+    EXPECT_EQ(outcome_.failed->result, 0) << outcome_.failed->entry;
+    // Key pairs without memory for their record are left out silently.
+    const std::set<std::string> silent = {"DeviceNewHash", "DeviceNewCipher",
+                                          "DeviceGetKeypairCount"};
+    if (once && silent.count(outcome_.failed->entry) == 0 && !outcome_.holdsLock) {
+        EXPECT_FALSE(outcome_.failures.empty()) << outcome_.failed->entry;
+    }
+}
+
+void FaultLoops::loopOverCalls(char library, const std::vector<Answer> &answers) {
+    for (const Scenario &scenario : scenarios()) {
+        runClean(scenario);
+        for (const auto &[code, forGood] : answers) {
+            for (unsigned n = 1; !HasFailure(); ++n) {
+                SCOPED_TRACE(std::string(scenario.name) + ", " + library + std::to_string(n) +
+                             ", code " + std::to_string(code) + (forGood ? " for good" : ""));
+                if (run(scenario, {library, n, code, forGood}, 0, false).hits.empty()) {
+                    break;
+                }
+                figures.faults += static_cast<unsigned>(outcome_.hits.size());
+                expectAnswer(code);
+                runClean(scenario);
+            }
+        }
+    }
+}
+
+TEST_F(FaultLoops, ScenariosPassAllEntryPoints) {
+    std::set<std::string> all = {
+#define TEMBRA_ENTRY_POINT(result, name, parameters) #name,
+#include "tembra_key_prov_entry_points.h"
+    };
+    for (const Scenario &scenario : scenarios()) {
+        runClean(scenario);
+        ++figures.scenarios;
+    }
+    for (const std::string &entry : entries_) {
+        all.erase(entry.substr(0, entry.find(' ')));
+    }
+    // The end of every session.
+    EXPECT_THAT(all, ::testing::UnorderedElementsAre("DeviceFreeCipher", "DeviceFreeDevice",
+                                                     "DeviceFreeDevices", "DeviceFreeHash",
+                                                     "DeviceFreeKeypair"));
+}
+
+TEST_F(FaultLoops, AllocationsFail) {
+    const SecretWatch watch(secrets());
+    for (const Scenario &scenario : scenarios()) {
+        runClean(scenario);
+        for (const bool forGood : {false, true}) {
+            for (unsigned n = 1; !HasFailure(); ++n) {
+                SCOPED_TRACE(std::string(scenario.name) + ", allocation " + std::to_string(n) +
+                             (forGood ? " for good" : ""));
+                if (run(scenario, {}, n, forGood).refused == 0) {
+                    break;
+                }
+                figures.faults += outcome_.refused;
+                expectMemoryFailure(!forGood);
+                runClean(scenario);
+            }
+        }
+    }
+    EXPECT_FALSE(watch.leaked()) << "a secret stood in freed memory";
+}
+
+TEST_F(FaultLoops, TokenCallsFail) {
+    const SecretWatch watch(secrets());
+    loopOverCalls('S', tokenAnswers);
+    EXPECT_FALSE(watch.leaked()) << "a secret stood in freed memory";
+}
+
+TEST_F(FaultLoops, HostCallsFail) {
+    const SecretWatch watch(secrets());
+    loopOverCalls('O', hostAnswers);
+    EXPECT_FALSE(watch.leaked()) << "a secret stood in freed memory";
+}
+
+TEST_F(FaultLoops, OnlyALostCopyOfACertificateLeavesTheLockHeld) {
+    asksForHeldLock_ = true;
+    const Scenario &scenario =
+        *std::find_if(scenarios().begin(), scenarios().end(), [](const Scenario &at) {
+            return at.name == std::string("update certificates");
+        });
+    for (unsigned n = 1; !outcome_.holdsLock; ++n) {
+        ASSERT_NE(run(scenario, {}, n, false).refused, 0u) << "the path was not met";
+    }
+}
+
+class PrintFigures : public ::testing::Environment {
+    void TearDown() override {
+        std::printf("fault loops: %u scenarios, %u faults injected, %u runs\n", figures.scenarios,
+                    figures.faults, figures.runs);
+    }
+};
+const auto *const printFigures [[maybe_unused]] =
+    ::testing::AddGlobalTestEnvironment(new PrintFigures);
+
+} // namespace
+} // namespace tembra::test

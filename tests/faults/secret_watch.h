@@ -1,0 +1,65 @@
+// Secrets in memory that the provider frees.
+#pragma once
+
+#include "../support/provider_allocator.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace tembra::test {
+
+// Looks for any eight bytes of a secret, as they are and as hex text, in what is freed.
+class SecretWatch {
+public:
+    explicit SecretWatch(const std::vector<std::vector<unsigned char>> &secrets) {
+        for (const auto &secret : secrets) {
+            std::string hex;
+            for (const unsigned char byte : secret) {
+                char digits[3];
+                std::snprintf(digits, sizeof digits, "%02X", byte);
+                hex += digits;
+            }
+            add(secret);
+            add({hex.begin(), hex.end()});
+        }
+        ProviderAllocator::observeFrees([this](const unsigned char *block, std::size_t size) {
+            leaked_ = leaked_ || holdsSecret(block, size);
+        });
+    }
+    ~SecretWatch() { ProviderAllocator::observeFrees(nullptr); }
+    SecretWatch(const SecretWatch &) = delete;
+    SecretWatch &operator=(const SecretWatch &) = delete;
+
+    bool leaked() const { return leaked_; }
+
+private:
+    bool holdsSecret(const unsigned char *block, std::size_t size) const {
+        for (std::size_t at = 0; at + 8 <= size; ++at) {
+            if (begins_[block[at] << 8 | block[at + 1]] && windows_.count(window(block + at)) > 0) {
+                return true;
+            }
+        }
+        return false;
+    }
+    static std::uint64_t window(const unsigned char *at) {
+        std::uint64_t value = 0;
+        std::memcpy(&value, at, sizeof value);
+        return value;
+    }
+    void add(const std::vector<unsigned char> &bytes) {
+        for (std::size_t at = 0; at + 8 <= bytes.size(); ++at) {
+            windows_.insert(window(&bytes[at]));
+            begins_[static_cast<std::size_t>(bytes[at] << 8 | bytes[at + 1])] = true;
+        }
+    }
+
+    std::unordered_set<std::uint64_t> windows_;
+    std::vector<bool> begins_ = std::vector<bool>(65536);
+    bool leaked_ = false;
+};
+
+} // namespace tembra::test

@@ -1,0 +1,76 @@
+// A host that goes through a scenario until the first entry point that does not succeed, and gives
+// everything back.
+#pragma once
+
+#include "../support/scripted_token.h"
+
+#include "../../src/provider/records.h"
+#include "tembra_key_prov.h"
+
+#include <set>
+#include <string>
+
+namespace tembra::test {
+
+struct Step {
+    std::string entry;                // the entry point, or a kind of its use
+    int result;                       // constructors: 1 with a handle
+    std::size_t callsBegin, callsEnd; // in the journal
+};
+
+class Session {
+public:
+    // Thrown out of a scenario when a step has failed.
+    struct Ended {};
+
+    Session() : callsBegin_(script().journal.size()) {}
+    // Gives every handle back.
+    ~Session();
+    Session(const Session &) = delete;
+    Session &operator=(const Session &) = delete;
+
+    // What an entry point has answered; 1 lets the scenario go on.
+    void did(const std::string &entry, int result);
+    // The same for an entry point with bytes to hand out, which also answers their number.
+    template <typename Ask>
+    Bytes got(const std::string &entry, Ask ask) {
+        int length = 0;
+        did(entry, ask(static_cast<unsigned char *>(nullptr), 0, &length));
+        Bytes bytes(static_cast<std::size_t>(length));
+        did(entry, ask(bytes.data(), length, &length));
+        bytes.resize(static_cast<std::size_t>(length));
+        return bytes;
+    }
+
+    void discover(int index = 0);
+    SPI_KEYPAIR_HANDLE find(const char *label, int type);
+    void keep(const std::string &entry, SPI_KEYPAIR_HANDLE pair, int result);
+    void keepHash(SPI_HASH_HANDLE hash);
+    void keepCipher(SPI_CIPHER_HANDLE cipher);
+    // Also notes what stays in memory by contract when it succeeds.
+    void deletePair(SPI_KEYPAIR_HANDLE pair);
+
+    const std::vector<Step> &steps() const { return steps_; }
+    const Step *failed() const;
+    std::set<std::string> entries{}; // everything called
+
+    SPI_DEVICESET_HANDLE set = nullptr;
+    SPI_DEVICE_HANDLE device = nullptr;
+
+    // What a deletion leaves: the device, and the record of the container.
+    struct Kept {
+        TembraDevice *device = nullptr;
+        TembraContainer *container = nullptr;
+    };
+    // Outlives the session.
+    static Kept &kept();
+
+private:
+    std::vector<Step> steps_;
+    std::size_t callsBegin_;
+    std::vector<SPI_KEYPAIR_HANDLE> pairs_;
+    SPI_HASH_HANDLE hash_ = nullptr;
+    SPI_CIPHER_HANDLE cipher_ = nullptr;
+};
+
+} // namespace tembra::test

@@ -1,0 +1,144 @@
+#include "provider_allocator.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <new>
+#include <unordered_map>
+
+namespace tembra::test {
+namespace {
+
+struct State {
+    std::mutex mutex;
+    std::unordered_map<void *, std::size_t> blocks;
+    ProviderAllocator::Observer observer;
+    unsigned asked = 0;
+    unsigned refused = 0;
+    unsigned failAt = 0;
+    bool everAfter = false;
+};
+
+// Never destroyed: the provider may free something when the process ends.
+State &state() {
+    static auto *instance = new State;
+    return *instance;
+}
+
+// From operator new, since malloc is what is wrapped.
+void *allocate(std::size_t size) {
+    State &at = state();
+    const std::lock_guard guard(at.mutex);
+    ++at.asked;
+    if (at.failAt != 0 && (at.everAfter ? at.asked >= at.failAt : at.asked == at.failAt)) {
+        ++at.refused;
+        return nullptr;
+    }
+    void *block = ::operator new(size, std::nothrow);
+    if (block != nullptr) {
+        at.blocks.emplace(block, size);
+    }
+    return block;
+}
+
+void release(void *block) {
+    if (block == nullptr) {
+        return;
+    }
+    State &at = state();
+    const std::lock_guard guard(at.mutex);
+    const auto found = at.blocks.find(block);
+    if (found == at.blocks.end()) {
+        std::fprintf(stderr, "the provider frees %p, which it does not hold\n", block);
+        std::abort();
+    }
+    if (at.observer) {
+        at.observer(static_cast<const unsigned char *>(block), found->second);
+    }
+    at.blocks.erase(found);
+    ::operator delete(block);
+}
+
+std::size_t sizeOf(void *block) {
+    State &at = state();
+    const std::lock_guard guard(at.mutex);
+    const auto found = at.blocks.find(block);
+    return found == at.blocks.end() ? 0 : found->second;
+}
+
+} // namespace
+
+void ProviderAllocator::failAt(unsigned nth, bool everAfter) {
+    State &at = state();
+    const std::lock_guard guard(at.mutex);
+    at.asked = at.refused = 0;
+    at.failAt = nth;
+    at.everAfter = everAfter;
+}
+
+unsigned ProviderAllocator::asked() {
+    const std::lock_guard guard(state().mutex);
+    return state().asked;
+}
+
+unsigned ProviderAllocator::refused() {
+    const std::lock_guard guard(state().mutex);
+    return state().refused;
+}
+
+std::size_t ProviderAllocator::live() {
+    const std::lock_guard guard(state().mutex);
+    return state().blocks.size();
+}
+
+void ProviderAllocator::observeFrees(Observer observer) {
+    const std::lock_guard guard(state().mutex);
+    state().observer = std::move(observer);
+}
+
+void ProviderAllocator::forEachLive(const Observer &observer) {
+    const std::lock_guard guard(state().mutex);
+    for (const auto &[block, size] : state().blocks) {
+        observer(static_cast<const unsigned char *>(block), size);
+    }
+}
+
+void ProviderAllocator::discard(void *block) {
+    release(block);
+}
+
+extern "C" {
+
+void *__wrap_malloc(std::size_t size);
+void *__wrap_calloc(std::size_t count, std::size_t size);
+void *__wrap_realloc(void *block, std::size_t size);
+void __wrap_free(void *block);
+
+void *__wrap_malloc(std::size_t size) {
+    return allocate(size);
+}
+
+void *__wrap_calloc(std::size_t count, std::size_t size) {
+    void *block =
+        size != 0 && count > static_cast<std::size_t>(-1) / size ? nullptr : allocate(count * size);
+    return block == nullptr ? nullptr : std::memset(block, 0, count * size);
+}
+
+void *__wrap_realloc(void *block, std::size_t size) {
+    void *moved = allocate(size);
+    if (moved != nullptr && block != nullptr) {
+        std::memcpy(moved, block, std::min(size, sizeOf(block)));
+        release(block);
+    }
+    return moved;
+}
+
+void __wrap_free(void *block) {
+    release(block);
+}
+
+} // extern "C"
+
+} // namespace tembra::test

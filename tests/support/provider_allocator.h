@@ -1,0 +1,32 @@
+// Every allocation of the provider, under a test's control (ELF only).
+//
+// For programs that load TembraKeyProvFaults, or link the provider's objects with --wrap=malloc,
+// calloc, realloc and free: the wrapped functions are defined here. All functions are thread-safe.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+namespace tembra::test {
+
+struct ProviderAllocator {
+    // Lets the nth allocation from now on fail (from 1), and with everAfter all later ones too; 0
+    // lets none fail.
+    static void failAt(unsigned nth, bool everAfter = false);
+    // Allocations asked for, and refused, since the last failAt().
+    static unsigned asked();
+    static unsigned refused();
+
+    // Blocks that the provider holds now.
+    static std::size_t live();
+
+    // Is shown every block as it is when the provider frees it; an empty function ends that.
+    using Observer = std::function<void(const unsigned char *block, std::size_t size)>;
+    static void observeFrees(Observer observer);
+    // Shows the blocks that the provider holds now.
+    static void forEachLive(const Observer &observer);
+    // Frees a block that the provider holds and will not look at again.
+    static void discard(void *block);
+};
+
+} // namespace tembra::test
