@@ -1,0 +1,134 @@
+"""The Debian packages and the archives for Linux."""
+
+import hashlib
+import os
+import tarfile
+
+from packages import CONSUMER, DEFAULTS, EXAMPLE, PACKAGES, VERSION, PackageTest, files
+
+ARCHIVE = PACKAGES / f"tembra-key-prov-{VERSION}-linux-x86_64.tar.gz"
+KIT_ARCHIVE = PACKAGES / f"tembra-devkit-{VERSION}-linux-x86_64.tar.gz"
+PROVIDER_FILES = {
+    "bin/tembrakey", "lib/libTembraKeyProv.so", "include/tembra_key_prov.h",
+    "include/tembra_key_prov_entry_points.h", "lib/pkgconfig/tembra-key-prov.pc",
+    "lib/cmake/TembraKeyProv/TembraKeyProvConfig.cmake",
+    "lib/cmake/TembraKeyProv/TembraKeyProvConfigVersion.cmake",
+    "share/tembra-key-prov/tembra_key_prov.reg", "share/doc/tembra-key-prov/README.md",
+    "share/doc/tembra-key-prov/docs/host-guide.md",
+}
+KIT_FILES = {
+    "bin/tembra-devkit", "lib/tembra-devkit/libQXSKFAPI.so", "lib/tembra-devkit/libORVEL_CRYPTO.so",
+    "include/tembra_soft_token.h", "include/tembra_devkit_faults.h",
+    "share/doc/tembra-devkit/development-kit.md",
+}
+
+
+def deb(name):
+    return next(PACKAGES.glob(f"{name}_{VERSION}_*.deb"))
+
+
+class Debian(PackageTest):
+    def setUp(self):
+        super().setUp()
+        self.system = self.folder / "system"
+        (self.system / "var/lib/dpkg/updates").mkdir(parents=True)
+        (self.system / "var/lib/dpkg/info").mkdir()
+        (self.system / "var/lib/dpkg/status").touch()
+        self.environment["PATH"] += ":/usr/sbin:/sbin"
+
+    def dpkg(self, *arguments):
+        """dpkg on a system of its own, where nothing else is installed."""
+        as_root = [] if os.geteuid() == 0 else ["fakeroot"]
+        return self.run_command(*as_root, "dpkg", f"--root={self.system}", "--force-depends",
+                                "--log=/dev/null", *arguments)
+
+    def installed(self):
+        return {path for path in files(self.system) if not path.startswith("var/")}
+
+    def test_installs_and_removes(self):
+        self.dpkg("--install", deb("tembra-key-prov"), deb("tembra-devkit"))
+        expected = {f"usr/{path}" for path in PROVIDER_FILES | KIT_FILES} | {"etc/tembra_key_prov.reg"}
+        self.assertLessEqual(expected, self.installed())
+        self.assertEqual(self.dpkg("--verify"), "")
+
+        settings = self.system / "etc/tembra_key_prov.reg"
+        settings.write_text(settings.read_text() + "; changed\n")
+        self.dpkg("--remove", "tembra-key-prov", "tembra-devkit")
+        self.assertEqual(self.installed(), {"etc/tembra_key_prov.reg"})
+        self.dpkg("--purge", "tembra-key-prov")
+        self.assertEqual(self.installed(), set())
+
+    def test_names_what_it_needs(self):
+        for name in ("tembra-key-prov", "tembra-devkit"):
+            needed = self.run_command("dpkg-deb", "--field", deb(name), "Depends")
+            for library in ("libc6", "libgcrypt20", "libstdc++6"):
+                self.assertIn(library, needed)
+
+    def test_keeps_the_kit_apart(self):
+        self.dpkg("--install", deb("tembra-key-prov"))
+        tool = self.system / "usr/bin/tembrakey"
+        self.assertIn("libQXSKFAPI.so", self.run_command(tool, "list", expect=1))
+        self.dpkg("--install", deb("tembra-devkit"))
+        self.assertIn("libQXSKFAPI.so", self.run_command(tool, "list", expect=1))
+        self.run_command(self.system / "usr/bin/tembra-devkit", tool, "list")
+
+    def test_host_by_pkg_config(self):
+        self.dpkg("--install", deb("tembra-key-prov"), deb("tembra-devkit"))
+        self.environment["PKG_CONFIG_PATH"] = str(self.system / "usr/lib/pkgconfig")
+        self.assertEqual(self.run_command("pkg-config", "--modversion", "tembra-key-prov").strip(), VERSION)
+        flags = self.run_command("pkg-config", "--cflags", "--libs", "tembra-key-prov").split()
+        self.run_command("cc", "-std=c11", "-Wall", "-Werror", EXAMPLE, "-o", "host", *flags)
+        self.environment["LD_LIBRARY_PATH"] = str(self.system / "usr/lib")
+        kit = self.system / "usr/bin/tembra-devkit"
+        self.check_host([kit, self.system / "usr/bin/tembrakey"], [kit, self.folder / "host"])
+
+
+class Archive(PackageTest):
+    def setUp(self):
+        super().setUp()
+        for archive in (ARCHIVE, KIT_ARCHIVE):
+            self.run_command("tar", "-xzf", archive)
+        self.provider = self.folder / ARCHIVE.name.removesuffix(".tar.gz")
+        self.kit = self.folder / KIT_ARCHIVE.name.removesuffix(".tar.gz")
+
+    def test_holds_what_the_debian_package_holds(self):
+        for folder, expected in ((self.provider, PROVIDER_FILES), (self.kit, KIT_FILES)):
+            self.assertLessEqual(expected, files(folder))
+            name = "tembra-key-prov" if folder == self.provider else "tembra-devkit"
+            self.run_command("dpkg-deb", "-x", deb(name), name)
+            for path in files(folder):
+                unpacked = self.folder / name / "usr" / path
+                self.assertEqual(hashlib.sha256(unpacked.read_bytes()).digest(),
+                                 hashlib.sha256((folder / path).read_bytes()).digest(), path)
+
+    def test_tells_nothing_of_the_machine(self):
+        for archive in (ARCHIVE, KIT_ARCHIVE):
+            with tarfile.open(archive) as opened:
+                members = opened.getmembers()
+            self.assertEqual({(one.uid, one.gid, one.uname, one.gname) for one in members}, {(0, 0, "", "")})
+            self.assertEqual(len({one.mtime for one in members}), 1)
+        home = str(PACKAGES.parents[1]).encode()
+        for folder in (self.provider, self.kit):
+            for path in files(folder):
+                self.assertNotIn(home, (folder / path).read_bytes(), path)
+
+    def test_documents_lead_to_each_other(self):
+        self.check_links(self.provider / "share/doc")
+
+    def test_settings_are_the_defaults(self):
+        text = (self.provider / "share/tembra-key-prov/tembra_key_prov.reg").read_text()
+        for name, value in DEFAULTS.items():
+            self.assertIn(f'"{name}"=dword:{value:08x}\n', text)
+        # Found whole by the provider: it reports every value that it does not find.
+        self.environment["TEMBRA_KEY_PROV_REGISTRY"] = str(
+            self.provider / "share/tembra-key-prov/tembra_key_prov.reg")
+        self.run_command(self.kit / "bin/tembra-devkit", self.provider / "bin/tembrakey", "list")
+        trace = self.folder / "trace.log"
+        self.assertNotIn("hasSM", trace.read_text() if trace.exists() else "")
+
+    def test_host_by_find_package(self):
+        self.run_command("cmake", "-S", CONSUMER, "-B", "build", f"-DSOURCE={EXAMPLE}",
+                         f"-DCMAKE_PREFIX_PATH={self.provider}")
+        self.run_command("cmake", "--build", "build")
+        kit = self.kit / "bin/tembra-devkit"
+        self.check_host([kit, self.provider / "bin/tembrakey"], [kit, self.folder / "build/host"])
