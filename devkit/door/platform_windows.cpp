@@ -1,5 +1,7 @@
 #include "platform.h"
 
+#include <mutex>
+
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
@@ -69,7 +71,10 @@ bool AppendFile::isOpen() const {
     return asHandle(handle_) != INVALID_HANDLE_VALUE;
 }
 
+// The system appends atomically, but Wine finds the end and writes there in two steps.
 void AppendFile::append(std::string_view piece) noexcept {
+    static std::mutex mutex;
+    const std::lock_guard lock(mutex);
     DWORD written = 0;
     WriteFile(asHandle(handle_), piece.data(), static_cast<DWORD>(piece.size()), &written, nullptr);
 }
