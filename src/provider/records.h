@@ -1,7 +1,7 @@
 // The records behind the host's handles, their limits and their lifetimes.
 //
 // A Device counts references: one for the set it was found in, one for each key pair record in its
-// table, one for each handle handed out, one for each hash and cipher record. releaseDevice
+// table, one for each handle handed out, one for each hash and cipher record. DeviceFreeDevice
 // destroys it once only the references of its own key pair, hash and cipher records are left, so
 // hash and cipher handles do not keep their device alive.
 //
