@@ -8,16 +8,16 @@ namespace tembra::tool {
 
 namespace {
 
-struct Spec {
+struct Form {
     std::string names;
     std::string value; // empty: the names say it
 };
 
-Spec split(const char *spec) {
-    const std::string text = spec;
+Form split(const char *form) {
+    const std::string text = form;
     const auto blank = text.find(' ');
-    return blank == std::string::npos ? Spec{text, ""}
-                                      : Spec{text.substr(0, blank), text.substr(blank + 1)};
+    return blank == std::string::npos ? Form{text, ""}
+                                      : Form{text.substr(0, blank), text.substr(blank + 1)};
 }
 
 } // namespace
@@ -28,13 +28,13 @@ Arguments &Arguments::declare(CLI::Option *option, const std::string &valueName)
     return *this;
 }
 
-Arguments &Arguments::text(const char *spec, std::string &target, const char *help) {
-    const Spec parts = split(spec);
+Arguments &Arguments::text(const char *form, std::string &target, const char *help) {
+    const Form parts = split(form);
     return declare(app_.add_option(parts.names, target, tr(help)), parts.value);
 }
 
-Arguments &Arguments::number(const char *spec, int &target, const char *help, int least, int most) {
-    const Spec parts = split(spec);
+Arguments &Arguments::number(const char *form, int &target, const char *help, int least, int most) {
+    const Form parts = split(form);
     CLI::Option *option = app_.add_option(parts.names, target, tr(help));
     CLI::Range range(least, most);
     range.description("");
@@ -42,14 +42,14 @@ Arguments &Arguments::number(const char *spec, int &target, const char *help, in
     return declare(option, parts.value);
 }
 
-Arguments &Arguments::flag(const char *spec, bool &target, const char *help) {
-    last_ = app_.add_flag(spec, target, tr(help));
+Arguments &Arguments::flag(const char *form, bool &target, const char *help) {
+    last_ = app_.add_flag(form, target, tr(help));
     return *this;
 }
 
-Arguments &Arguments::choice(const char *spec, std::string &target,
+Arguments &Arguments::choice(const char *form, std::string &target,
                              std::initializer_list<const char *> choices, const char *help) {
-    const Spec parts = split(spec);
+    const Form parts = split(form);
     CLI::Option *option = app_.add_option(parts.names, target, tr(help));
     CLI::IsMember member(std::vector<std::string>(choices.begin(), choices.end()));
     std::string shown;

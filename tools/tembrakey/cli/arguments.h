@@ -11,17 +11,17 @@ class Option;
 
 namespace tembra::tool {
 
-// Each function declares one argument: the spec is "-o,--out FILE" for an option with its value's
+// Each function declares one argument: the form is "-o,--out FILE" for an option with its value's
 // name, "--so" for a flag, "FILE" for a positional argument. The help text is English and is
 // translated here. Targets keep their value when the argument is absent, and must outlive parsing.
 class Arguments {
 public:
     explicit Arguments(CLI::App &app) : app_(app) {}
 
-    Arguments &text(const char *spec, std::string &target, const char *help);
-    Arguments &number(const char *spec, int &target, const char *help, int least, int most);
-    Arguments &flag(const char *spec, bool &target, const char *help);
-    Arguments &choice(const char *spec, std::string &target,
+    Arguments &text(const char *form, std::string &target, const char *help);
+    Arguments &number(const char *form, int &target, const char *help, int least, int most);
+    Arguments &flag(const char *form, bool &target, const char *help);
+    Arguments &choice(const char *form, std::string &target,
                       std::initializer_list<const char *> choices, const char *help);
 
     // The argument declared last must be given; it cannot stand with another one.
