@@ -26,7 +26,7 @@ struct RsaEnvelope {
     Bytes blob() const;
 };
 
-// Where the parts of an SM2 payload with L = 16 begin, counted from the start of the blob.
+// Where the pieces of an SM2 payload with L = 16 begin, counted from the start of the blob.
 inline constexpr std::size_t headerSize = 20;
 
 // A plain blob ("_KEYPAIR"): x, y and d of 32 bytes each.
