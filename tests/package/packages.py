@@ -32,6 +32,7 @@ class PackageTest(unittest.TestCase):
         self.addCleanup(shutil.rmtree, self.folder)
         self.environment = {
             **{name: value for name, value in os.environ.items() if not name.startswith("TEMBRA_")},
+            "TMPDIR": str(self.folder),
             "TEMBRA_SOFT_TOKEN_DIR": str(self.folder / "tokens"),
             "TEMBRA_KEY_PROV_LOG_PATH": str(self.folder / "trace.log"),
             "TEMBRA_KEY_PROV_LOG_LEVEL": "2",
@@ -62,6 +63,13 @@ class PackageTest(unittest.TestCase):
         verdict = self.run_command("openssl", "pkeyutl", "-verify", "-pubin", "-inkey", "alice.pem",
                                    "-sigfile", "signature", "-in", "digest")
         self.assertIn("Verified Successfully", verdict)
+
+    def check_first_signature(self, *folders):
+        """The README's commands for a newcomer, word for word."""
+        readme = (ROOT / "README.md").read_text("utf-8")
+        block = re.search(r"The first signature:\n\n```\n(.*?)```", readme, re.DOTALL)
+        self.environment["PATH"] = ":".join([*(str(folder) for folder in folders), self.environment["PATH"]])
+        self.assertIn("Verified OK", self.run_command("bash", "-euc", block[1]))
 
     def check_links(self, folder):
         """Every link of an installed document leads to something that is installed."""

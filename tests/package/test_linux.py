@@ -58,6 +58,10 @@ class Debian(PackageTest):
         self.dpkg("--purge", "tembra-key-prov")
         self.assertEqual(self.installed(), set())
 
+    def test_first_signature(self):
+        self.dpkg("--install", deb("tembra-key-prov"), deb("tembra-devkit"))
+        self.check_first_signature(self.system / "usr/bin")
+
     def test_names_what_it_needs(self):
         for name in ("tembra-key-prov", "tembra-devkit"):
             needed = self.run_command("dpkg-deb", "--field", deb(name), "Depends")
