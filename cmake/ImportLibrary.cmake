@@ -18,9 +18,12 @@ function(tembra_windows_import_library library def)
   else()
     find_program(TEMBRA_DLLTOOL x86_64-w64-mingw32-dlltool dlltool REQUIRED)
     set(output ${CMAKE_CURRENT_BINARY_DIR}/lib${library}.dll.a)
-    set(command ${TEMBRA_DLLTOOL} --input-def ${def} --output-lib ${output})
+    # Where the library lies, names of temporary files and the time of day go into it otherwise.
+    set(command ${TEMBRA_DLLTOOL} --input-def ${def} --output-lib lib${library}.dll.a
+      --temp-prefix ${library}_import --deterministic-libraries)
   endif()
   add_custom_command(OUTPUT ${output} COMMAND ${command} DEPENDS ${def} VERBATIM
+    WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}
     COMMENT "Making the import library of ${library}.dll")
   add_custom_target(${library}_import_file DEPENDS ${output})
   add_library(${library}_import INTERFACE)
