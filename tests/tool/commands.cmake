@@ -12,7 +12,11 @@ if(WIN32)
   set_tests_properties(commands_prefix PROPERTIES ENVIRONMENT "${environment}" LABELS tool
     FIXTURES_SETUP wine_tool TIMEOUT 300)
 endif()
-foreach(subject keys ciphers imports pins_and_data command_line)
+if(NOT WIN32)
+  add_subdirectory(unsound)
+  list(APPEND environment TEMBRA_FAULTY_LIBRARIES=${TEMBRA_TEST_BIN_DIR})
+endif()
+foreach(subject keys ciphers imports pins_and_data command_line doctor)
   add_test(NAME commands_${subject}
     COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/test_${subject}.py)
   set_tests_properties(commands_${subject} PROPERTIES LABELS tool TIMEOUT 900
@@ -22,3 +26,7 @@ foreach(subject keys ciphers imports pins_and_data command_line)
       RESOURCE_LOCK wine_tool_registry)
   endif()
 endforeach()
+
+add_test(NAME tool_texts COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/test_texts.py
+  ${CMAKE_SOURCE_DIR}/tools/tembrakey)
+set_tests_properties(tool_texts PROPERTIES LABELS tool ENVIRONMENT "${environment}")

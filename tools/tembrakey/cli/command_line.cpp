@@ -47,6 +47,7 @@ private:
 };
 
 void shape(CLI::App &app) {
+    app.option_defaults()->group(tr("Options")); // the heading that it stands under
     app.set_help_flag("-h,--help", tr("Show this help and end"));
     app.fallthrough();
 }
@@ -70,7 +71,7 @@ CommandLine::CommandLine() : app_(tr(toolSummary), "tembrakey") {
 CLI::App &CommandLine::group(const std::string &name) {
     CLI::App *&app = groups_[name];
     if (app == nullptr) {
-        app = app_.add_subcommand(name, tr(groupSummary(name)));
+        app = app_.add_subcommand(name, tr(groupSummary(name)))->group(tr("Subcommands"));
         shape(*app);
         app->require_subcommand(1);
         app->footer("");
@@ -84,6 +85,7 @@ void CommandLine::plant(const CommandEntry &entry) {
     CLI::App &parent = blank == std::string::npos ? app_ : group(name.substr(0, blank));
     CLI::App *app = parent.add_subcommand(
         blank == std::string::npos ? name : name.substr(blank + 1), tr(entry.summary));
+    app->group(tr("Subcommands"));
     shape(*app);
     const std::string about = entry.about[0] == '\0' ? "" : std::string(tr(entry.about)) + "\n\n";
     app->footer(about + tr("Examples:") + "\n" + entry.examples);

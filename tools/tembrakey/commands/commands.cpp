@@ -10,7 +10,7 @@ std::span<const CommandEntry *const> commandTable() {
         &certImportCommand,  &certExportCommand,  &signCommand,       &encryptCommand,
         &decryptCommand,     &hashCommand,        &randomCommand,     &dataCreateCommand,
         &dataReadCommand,    &dataWriteCommand,   &dataDeleteCommand, &tokenListCommand,
-        &tokenCreateCommand, &tokenRemoveCommand, &traceCommand,
+        &tokenCreateCommand, &tokenRemoveCommand, &traceCommand, &doctorCommand,
     };
     return table;
 }

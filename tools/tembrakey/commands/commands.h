@@ -19,6 +19,6 @@ extern const CommandEntry certImportCommand, certExportCommand;
 extern const CommandEntry signCommand, encryptCommand, decryptCommand, hashCommand, randomCommand;
 extern const CommandEntry dataCreateCommand, dataReadCommand, dataWriteCommand, dataDeleteCommand;
 extern const CommandEntry tokenListCommand, tokenCreateCommand, tokenRemoveCommand;
-extern const CommandEntry traceCommand;
+extern const CommandEntry traceCommand, doctorCommand;
 
 } // namespace tembra::tool

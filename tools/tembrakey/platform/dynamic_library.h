@@ -16,6 +16,13 @@ public:
     // Returns an empty text, or the system's reason for the failure.
     std::string open(const std::string &path);
 
+    // The same for a library that is loaded already, or that the system finds by its file name
+    // apart from the folder of this program.
+    std::string openNamed(const std::string &fileName);
+
+    // The file that an open library came from; empty when the system cannot tell.
+    std::string path() const;
+
     // Address of an exported function, or null.
     void *symbol(const char *name) const;
 

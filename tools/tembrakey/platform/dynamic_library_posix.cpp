@@ -2,6 +2,7 @@
 
 #include <dlfcn.h>
 #include <filesystem>
+#include <link.h>
 
 namespace tembra::tool::platform {
 
@@ -11,11 +12,24 @@ DynamicLibrary::~DynamicLibrary() {
 }
 
 std::string DynamicLibrary::open(const std::string &path) {
-    handle_ = dlopen(std::filesystem::absolute(path).c_str(), RTLD_NOW | RTLD_LOCAL);
+    return openNamed(std::filesystem::absolute(path).string());
+}
+
+std::string DynamicLibrary::openNamed(const std::string &fileName) {
+    handle_ = dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (handle_ != nullptr)
         return {};
     const char *reason = dlerror();
-    return reason == nullptr ? path : reason;
+    return reason == nullptr ? fileName : reason;
+}
+
+std::string DynamicLibrary::path() const {
+    link_map *entry = nullptr;
+    if (dlinfo(handle_, RTLD_DI_LINKMAP, &entry) != 0)
+        return {};
+    std::error_code error;
+    const auto path = std::filesystem::canonical(entry->l_name, error);
+    return error ? entry->l_name : path.string();
 }
 
 void *DynamicLibrary::symbol(const char *name) const {

@@ -19,6 +19,21 @@ bool isReadable(const std::string &path);
 // Whether path exists and is no regular file: a device, a pipe.
 bool isSpecialFile(const std::string &path);
 
+// The version that a library's file tells of itself, "1.0.0"; empty when it tells none.
+std::string fileVersion(const std::string &path);
+
+// The date of its last change, "2026-11-21"; empty when unknown.
+std::string fileDate(const std::string &path);
+
+struct FileState {
+    bool exists = false;
+    bool isRegular = false;
+    bool isWritable = false;    // or can be made there
+    bool othersMayRead = false; // never where the system has no file modes
+    long long size = 0;
+};
+FileState fileState(const std::string &path);
+
 // Replaces to by from in one step. False with errno set on failure.
 bool replaceFile(const std::string &from, const std::string &to);
 

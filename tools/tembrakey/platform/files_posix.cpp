@@ -1,5 +1,6 @@
 #include "tembrakey/platform/files.h"
 
+#include <ctime>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,6 +21,36 @@ bool isReadable(const std::string &path) {
 bool isSpecialFile(const std::string &path) {
     struct stat status = {};
     return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+}
+
+// From the name: libName.so.1.0.0.
+std::string fileVersion(const std::string &path) {
+    const auto at = path.rfind(".so.");
+    return at == std::string::npos ? std::string() : path.substr(at + 4);
+}
+
+std::string fileDate(const std::string &path) {
+    struct stat status = {};
+    struct tm day = {};
+    char text[16];
+    if (stat(path.c_str(), &status) != 0 || localtime_r(&status.st_mtime, &day) == nullptr)
+        return {};
+    return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%d", &day));
+}
+
+FileState fileState(const std::string &path) {
+    struct stat status = {};
+    FileState state;
+    state.exists = stat(path.c_str(), &status) == 0;
+    const auto slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    state.isWritable = access(state.exists ? path.c_str() : folder.c_str(), W_OK) == 0;
+    if (state.exists) {
+        state.isRegular = S_ISREG(status.st_mode);
+        state.othersMayRead = (status.st_mode & (S_IRGRP | S_IROTH)) != 0;
+        state.size = status.st_size;
+    }
+    return state;
 }
 
 bool replaceFile(const std::string &from, const std::string &to) {

@@ -21,6 +21,11 @@ bool systemSpeaksChinese();
 // Makes standard streams carry bytes as they are, and the console show UTF-8.
 void prepareStreams();
 
+// Where the provider's settings stand: a registry key, or the file in its place.
+std::string settingsPlace();
+// Whether that place is there at all.
+bool settingsPlaceExists();
+
 // File name of a library as this platform names it: QXSKFAPI -> libQXSKFAPI.so, QXSKFAPI.dll.
 std::string libraryFileName(const std::string &name);
 

@@ -27,6 +27,15 @@ bool systemSpeaksChinese() {
 
 void prepareStreams() {}
 
+std::string settingsPlace() {
+    return environment("TEMBRA_KEY_PROV_REGISTRY").value_or("/etc/tembra_key_prov.reg");
+}
+
+bool settingsPlaceExists() {
+    std::error_code error;
+    return std::filesystem::exists(settingsPlace(), error);
+}
+
 std::string libraryFileName(const std::string &name) {
     return "lib" + name + ".so";
 }

@@ -57,6 +57,19 @@ void prepareStreams() {
         std::atexit(restoreConsole);
 }
 
+std::string settingsPlace() {
+    return "HKEY_LOCAL_MACHINE\\Software\\ORVEL\\PKI\\Devices\\TembraKey";
+}
+
+bool settingsPlaceExists() {
+    HKEY key = nullptr;
+    const LSTATUS result = RegOpenKeyExW(
+        HKEY_LOCAL_MACHINE, L"Software\\ORVEL\\PKI\\Devices\\TembraKey", 0, KEY_READ, &key);
+    if (result == ERROR_SUCCESS)
+        RegCloseKey(key);
+    return result == ERROR_SUCCESS;
+}
+
 std::string libraryFileName(const std::string &name) {
     return name + ".dll";
 }

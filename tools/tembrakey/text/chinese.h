@@ -10,5 +10,6 @@ namespace tembra::tool {
 std::span<const Translation> chineseHelp();     // summaries, arguments, explanations
 std::span<const Translation> chineseMessages(); // results, questions, errors
 std::span<const Translation> chineseTrace();    // the command trace and its page
+std::span<const Translation> chineseDoctor();   // the command doctor
 
 } // namespace tembra::tool

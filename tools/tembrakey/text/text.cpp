@@ -30,7 +30,7 @@ bool wantsChinese() {
 void chooseLanguage() {
     if (!wantsChinese())
         return;
-    for (const auto texts : {chineseHelp(), chineseMessages(), chineseTrace()}) {
+    for (const auto texts : {chineseHelp(), chineseMessages(), chineseTrace(), chineseDoctor()}) {
         for (const Translation &entry : texts)
             table().emplace(entry.english, entry.translated);
     }

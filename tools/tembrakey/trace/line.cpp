@@ -49,8 +49,9 @@ std::optional<std::int64_t> takeSecond(std::string_view &text) {
     if (month < 1 || month > 12 || day < 1 || day > 31)
         return std::nullopt;
     const std::int64_t days = daysOf(number(text.substr(0, 4)), month, day);
-    const std::int64_t second = days * 86400 + number(text.substr(11, 2)) * 3600 +
-                                number(text.substr(14, 2)) * 60 + number(text.substr(17, 2));
+    const std::int64_t second = days * 86400 + std::int64_t{number(text.substr(11, 2))} * 3600 +
+                                std::int64_t{number(text.substr(14, 2))} * 60 +
+                                number(text.substr(17, 2));
     text.remove_prefix(timeShape.size() + 1);
     return second;
 }

@@ -1,0 +1,144 @@
+"""tembrakey doctor: it names what is wrong, says what to do, and its exit code tells scripts."""
+import json
+import os
+import shutil
+import unittest
+
+from command_line import IS_WINDOWS, TOOL, CommandTest, read, write
+
+BIN = os.path.dirname(TOOL[-1])
+FAULTY = os.environ.get("TEMBRA_FAULTY_LIBRARIES")  # none in the build for Windows
+
+
+def library(name):
+    return f"{name}.dll" if IS_WINDOWS else f"lib{name}.so"
+
+
+class Doctor(CommandTest):
+    def examine(self, *arguments, code=0, **variables):
+        """The report, which stands on standard output whatever the exit code."""
+        return json.loads(self.run_tool("doctor", *arguments, "--json", code=code, **variables))
+
+    def findings(self, report, section=None, status=None):
+        return [one for one in report["findings"]
+                if section in (None, one["section"]) and status in (None, one["status"])]
+
+    def expect(self, report, status, text, section=None):
+        found = [one for one in self.findings(report, section, status) if text in one["text"]]
+        self.assertTrue(found, f"no {status} with '{text}' in {report['findings']}")
+        self.assertTrue(status == "ok" or found[0]["advice"])
+        return found[0]
+
+    def install(self, *names, **faulty):
+        """A folder with the provider, the named libraries of the kit, and others from elsewhere."""
+        os.makedirs("install", exist_ok=True)
+        for name in ("TembraKeyProv", *names):
+            shutil.copy(f"{BIN}/{library(name)}", "install")
+        for name, folder in faulty.items():
+            shutil.copy(f"{FAULTY}/{folder}/{library(name)}", "install")
+        return f"install/{library('TembraKeyProv')}"
+
+    def test_what_is_sound_is_called_so(self):
+        self.make_key("alice")
+        self.make_key("bob", "rsa", 2048)
+        report = self.examine(TEMBRA_KEY_PROV_LOG_LEVEL="2")
+        self.assertEqual(report["failures"], 0)
+        libraries = self.findings(report, "libraries", "ok")
+        self.assertEqual([os.path.basename(one["path"].replace("\\", "/")).lower() for one in libraries],
+                         [library(name).lower() for name in ("TembraKeyProv", "QXSKFAPI", "ORVEL_CRYPTO")])
+        for text in ("serial AAAA0001", "SM2 (signature)", "signature key of alice: SM2, 256 bits",
+                     "signature key of bob: RSA, 2048 bits", "SM3: right answer", "SM4: right answer",
+                     "random numbers: right answer", "starts and lists 1 tokens"):
+            self.expect(report, "ok", text)
+        self.assertIn("Libraries\n  ok", self.run_tool("doctor").decode())
+
+    def test_settings_and_their_origin(self):
+        self.settings(HasSM4=0, MaxOperationLen=0)
+        report = self.examine()
+        self.expect(report, "ok", "not set, so 0", "settings")
+        self.expect(report, "warning", "it has SM3, but hosts that ask", "tokens")
+        self.expect(report, "warning", "0 is out of range", "settings")
+        if IS_WINDOWS:
+            return
+        text = read("settings.reg")
+        write("settings.reg", text.replace(b'"HasSM4"=dword:00000000', b'"HasSM4"="1"'))
+        self.expect(self.examine(), "warning", "is no REG_DWORD", "settings")
+        missing = self.examine(TEMBRA_KEY_PROV_REGISTRY=f"{self.folder}/none.reg")
+        self.expect(missing, "warning", "none.reg does not exist", "settings")
+
+    def test_the_trace_log(self):
+        for level, status, text in (("0", "ok", "nothing"), ("2", "ok", "errors and warnings"),
+                                    ("3", "warning", "PINs are written in clear"),
+                                    ("5", "warning", "PINs and data"),
+                                    ("abc", "warning", "no number")):
+            with self.subTest(level=level):
+                report = self.examine(TEMBRA_KEY_PROV_LOG_LEVEL=level)
+                self.expect(report, status, text, "trace")
+        log = write("a.log", b"text\n")
+        os.chmod(log, 0o600)
+        level = {"TEMBRA_KEY_PROV_LOG_LEVEL": "1"}
+        path = "TEMBRA_KEY_PROV_LOG_PATH"
+        self.expect(self.examine(**level, **{path: log}), "ok", "a.log", "trace")
+        self.expect(self.examine(**level, **{path: ""}), "warning", "set but empty", "trace")
+        self.expect(self.examine(**level, **{path: "none/x.log"}), "warning", "cannot be written", "trace")
+        if not IS_WINDOWS:
+            os.chmod(log, 0o644)
+            found = self.expect(self.examine(**level, **{path: log}), "warning", "by other users", "trace")
+            self.assertIn("chmod 600", found["advice"])
+
+    def test_libraries_that_are_missing_or_lack_functions(self):
+        self.expect(self.examine("--provider", "nowhere.dll", code=8), "failure", "nowhere.dll")
+        alone = self.examine("--provider", self.install("QXSKFAPI"), code=8)
+        self.expect(alone, "failure", "cannot be loaded")
+        self.expect(alone, "failure", library("ORVEL_CRYPTO"))
+        if FAULTY:
+            provider = self.install("QXSKFAPI", ORVEL_CRYPTO="lacking-host")
+            lacking = self.examine("--provider", provider, code=8)
+            found = self.expect(lacking, "failure", "1 of 14 functions: OrvelPKICryptoGenerateRandom")
+            self.assertEqual(found["missing"], [{"name": "OrvelPKICryptoGenerateRandom"}])
+
+    def test_tokens_that_refuse(self):
+        for plan, text in (("SKF_ConnectDev:*=0x0A000023", "SKF_ConnectDev answers 0x0A000023"),
+                           ("SKF_GetDevInfo:*=0x0A000001", "SKF_GetDevInfo answers 0x0A000001"),
+                           ("SKF_EnumContainer:*=0x0A000001", "SKF_EnumContainer answers"),
+                           ("SKF_GenRandom:2=0x0A000003", "random numbers: the token answers"),
+                           ("SKF_DigestFinal:*=0x0A000001", "SM3: the token answers"),
+                           ("OrvelPKICryptoGetPseudoDevice:*=0", "pseudo device")):
+            with self.subTest(plan=plan):
+                report = self.examine(code=1, TEMBRA_SOFT_TOKEN_FAULTS=plan)
+                self.expect(report, "failure", text)
+        self.run_tool("token", "remove", "AAAA0001", "--yes")
+        self.expect(self.examine(), "warning", "no token is connected")
+        self.run_tool("token", "create", "--unformatted")
+        self.expect(self.examine(), "warning", "it has no application")
+
+    @unittest.skipUnless(FAULTY, "needs the libraries with faults")
+    def test_tokens_whose_answers_are_unsound(self):
+        provider = self.install("ORVEL_CRYPTO", QXSKFAPI="unsound-token")
+        for code, fault, text in (
+                (1, "list that is not closed", "not closed by an empty name"),
+                (1, "name without end", "its last name does not end"),
+                (1, "name twice", "names one thing twice"),
+                (1, "length beyond the buffer", "a longer list than the buffer"),
+                (1, "bytes beyond the buffer", "writes beyond the buffer"),
+                (1, "no serial number", "no serial number"),
+                (1, "label without NUL", "does not end with a NUL"),
+                (1, "more free than there is", "more free memory than memory"),
+                (1, "no algorithm", "neither SM2 nor RSA"),
+                (1, "SM3 that is not there", "SM3: the token answers 0x0A000003"),
+                (1, "more tries than tries", "more tries left than tries"),
+                (1, "unknown container", "of unknown type 9"),
+                (1, "key off the curve", "no point of the SM2 curve"),
+                (1, "key at the left", "not right-aligned"),
+                (1, "odd RSA key", "its modulus is not as long as it says"),
+                (1, "constant random numbers", "random numbers: wrong answer"),
+                (0, "locked PIN", "it is locked"), (0, "none", "containers: 1")):
+            with self.subTest(fault=fault):
+                report = self.examine("--provider", provider, code=code, TEMBRA_TEST_UNSOUND=fault)
+                status = "failure" if code else ("ok" if fault == "none" else "warning")
+                self.expect(report, status, text, "tokens")
+                self.assertLessEqual(len(self.findings(report, "tokens", "failure")), 2 * code)
+
+
+if __name__ == "__main__":
+    unittest.main()
