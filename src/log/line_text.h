@@ -9,12 +9,10 @@
 
 namespace tembra {
 
-// Once memory was short, or a text could not be formatted, the line is dropped: data() is null and
-// stays so.
+// Once memory was short, or a text too long, the line is dropped: data() is null and stays so.
 class LineText {
 public:
-    // textLength: of a long text that the line is going to hold, so that it need not grow for it.
-    explicit LineText(std::size_t textLength);
+    LineText();
     ~LineText();
     LineText(const LineText &) = delete;
     LineText &operator=(const LineText &) = delete;
@@ -29,10 +27,12 @@ public:
         m_size += text.size();
     }
     void appendNumber(long value);
-    // printf's text; formatted once where there is room for it, twice where there is not.
+    // printf's text.
     void appendFormatted(const char *format, std::va_list arguments);
 
 private:
+    void appendPointer(const void *pointer);
+    void appendByLibrary(const char *format, std::va_list arguments);
     std::size_t room() const { return m_capacity - m_size; }
     bool grow(std::size_t length);
     void drop();

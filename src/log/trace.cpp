@@ -7,7 +7,6 @@
 #include <atomic>
 #include <cstdarg>
 #include <cstdlib>
-#include <cstring>
 
 namespace tembra {
 
@@ -35,8 +34,7 @@ int openTrace() {
     return first;
 }
 
-void writeLine(std::size_t textLength, const char *tag, const char *function, const char *format,
-               std::va_list arguments) {
+void writeLine(const char *tag, const char *function, const char *format, std::va_list arguments) {
     int file = traceFile.load(std::memory_order_acquire);
     if (file == platform::NO_FILE)
         file = openTrace();
@@ -45,7 +43,7 @@ void writeLine(std::size_t textLength, const char *tag, const char *function, co
 
     char time[platform::TIME_CAPACITY];
     platform::localTimeText(time);
-    LineText line(textLength);
+    LineText line;
     line.appendNumber(platform::currentThreadId());
     line.append(" ");
     line.append(time);
@@ -59,13 +57,6 @@ void writeLine(std::size_t textLength, const char *tag, const char *function, co
     line.append(platform::LINE_END);
     if (line.data())
         platform::appendToFile(file, line.data(), line.size());
-}
-
-void writeVerboseLine(std::size_t textLength, const char *function, const char *format, ...) {
-    std::va_list arguments;
-    va_start(arguments, format);
-    writeLine(textLength, traceTag(TraceLevel::verbose), function, format, arguments);
-    va_end(arguments);
 }
 
 } // namespace
@@ -91,12 +82,8 @@ const char *traceTag(TraceLevel level) {
 void writeLog(const char *tag, const char *function, const char *format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    writeLine(0, tag, function, format, arguments);
+    writeLine(tag, function, format, arguments);
     va_end(arguments);
-}
-
-void writeHexLog(const char *function, const char *format, int length, const char *text) {
-    writeVerboseLine(std::strlen(text), function, format, length, text);
 }
 
 void traceHex(const char *function, const char *format, const unsigned char *data, int length) {
@@ -104,7 +91,7 @@ void traceHex(const char *function, const char *format, const unsigned char *dat
         return;
     const HexText hex(data, length);
     if (hex.text())
-        writeHexLog(function, format, length, hex.text());
+        writeLog(traceTag(TraceLevel::verbose), function, format, length, hex.text());
 }
 
 call_stack_tracer::call_stack_tracer(const char *name) : m_name(name) {

@@ -22,12 +22,8 @@ const char *traceTag(TraceLevel level);
 // that cannot be opened or a line that cannot be allocated is only dropped.
 void writeLog(const char *tag, const char *function, const char *format, ...) TEMBRA_PRINTF(3, 4);
 
-// The same at level verbose for a hex text of any length, which format takes after the length of
-// what it shows, as in "keyblob[length:%d]: %s".
-void writeHexLog(const char *function, const char *format, int length, const char *text);
-
-// Writes the hex text of data at level verbose; format as above. The text is wiped before it is
-// freed.
+// Writes the hex text of data at level verbose; format takes the length and the text, as in
+// "keyblob[length:%d]: %s". The text is wiped before it is freed.
 void traceHex(const char *function, const char *format, const unsigned char *data, int length);
 
 // What a line shows for a text or a number behind a pointer that may be null.

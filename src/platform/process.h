@@ -22,6 +22,10 @@ void closeFile(int file);
 // several threads, and of several processes. What does not fit on the medium is lost.
 void appendToFile(int file, const char *text, std::size_t size);
 
+// What printf's %p shows on this platform; returns the length.
+inline constexpr std::size_t POINTER_CAPACITY = 24;
+std::size_t pointerText(const void *pointer, char (&text)[POINTER_CAPACITY]);
+
 // What ends a line of a text file here.
 extern const char LINE_END[];
 

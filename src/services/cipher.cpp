@@ -88,7 +88,7 @@ void traceOutput(int length, const char *function) {
     if (!text)
         return;
     std::memset(text, '0', digits);
-    writeHexLog(function, "out[length:%d]: %s", length, text);
+    writeLog(traceTag(TraceLevel::verbose), function, "out[length:%d]: %s", length, text);
     std::free(text);
 }
 
@@ -142,7 +142,8 @@ int DeviceCipherUpdate(SPI_CIPHER_HANDLE hCipher, const unsigned char *in, int i
     {
         const HexText hex(in, inlen); // built also when the line is not written
         if (hex.text() && traceEnabled(TraceLevel::verbose))
-            writeHexLog(__func__, "in[length:%d]: %s", inlen, hex.text());
+            writeLog(traceTag(TraceLevel::verbose), __func__, "in[length:%d]: %s", inlen,
+                     hex.text());
     }
     if (!hCipher)
         return ORVEL_PKI_NULLHANDLE;

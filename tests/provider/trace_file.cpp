@@ -160,21 +160,21 @@ TEST_F(TraceFile, LongLinesOfSeveralProcessesAreAllWhole) {
 
 // A forked process begins with a copy of the thread that forked it.
 TEST_F(TraceFile, ForkedProcessHasItsOwnThreadId) {
-    setVariable(pathVariable, in("trace.log").string());
-    setVariable("TEMBRA_KEY_PROV_LOG_LEVEL", std::nullopt);
-    writeLine();
-    const pid_t child = fork();
-    if (child == 0) {
+    inChild([this] {
+        setVariable(pathVariable, in("trace.log").string());
         writeLine();
-        _exit(0);
-    }
-    ASSERT_EQ(waitpid(child, nullptr, 0), child);
-    std::istringstream text(readFile(in("trace.log")));
-    std::string first;
-    std::string second;
-    ASSERT_TRUE(std::getline(text, first) && std::getline(text, second));
-    EXPECT_EQ(std::stol(first), getpid());
-    EXPECT_EQ(std::stol(second), child);
+        const pid_t child = fork();
+        if (child == 0) {
+            writeLine();
+            _exit(0);
+        }
+        waitpid(child, nullptr, 0);
+        std::istringstream text(readFile(in("trace.log")));
+        for (std::string line; const pid_t writer : {getpid(), child}) {
+            EXPECT_TRUE(std::getline(text, line));
+            EXPECT_EQ(std::atol(line.c_str()), writer);
+        }
+    });
 }
 
 TEST_F(TraceFile, LineCarriesThreadAndLocalTime) {

@@ -1,6 +1,8 @@
 // Which lines are written at which level, and the form of the hex dumps.
 #include "scripted_test.h"
 
+#include <climits>
+
 namespace tembra::test {
 namespace {
 
@@ -61,6 +63,24 @@ TEST_F(TraceLevels, DumpInCapitalHex) {
     EXPECT_TRUE(trace().contains(verbose("DeviceCipherUpdate", "in[length:3]: ")));
     EXPECT_TRUE(trace().contains(verbose("DeviceCipherUpdate", "in[length:0]: ")));
     EXPECT_TRUE(trace().contains(verbose("DeviceCipherUpdate", "in[length:-5]: ")));
+}
+
+TEST_F(TraceLevels, ShowValuesAsPrintfDoes) {
+    trace().setLevel("3");
+    const unsigned char data[1] = {};
+    for (const unsigned char *pointer : {data, static_cast<const unsigned char *>(nullptr)}) {
+        for (const int length : {0, -1, INT_MAX, INT_MIN}) {
+            mark();
+            DeviceHashUpdate(nullptr, pointer, length);
+            char expected[200];
+            std::snprintf(
+                expected, sizeof expected,
+                "SPI_HASH_HANDLE hHash = %p, const unsigned char *data = %p, int datalen = %d",
+                static_cast<void *>(nullptr), static_cast<const void *>(pointer), length);
+            ASSERT_EQ(trace().lines().size(), 1u);
+            EXPECT_EQ(trace().lines()[0].message, expected);
+        }
+    }
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "platform/process.h"
 
 #include <cerrno>
+#include <charconv>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -57,6 +59,15 @@ void appendToFile(int file, const char *text, std::size_t size) {
         text += written;
         size -= static_cast<std::size_t>(written);
     }
+}
+
+std::size_t pointerText(const void *pointer, char (&text)[POINTER_CAPACITY]) {
+    std::memcpy(text, pointer ? "0x" : "(nil)", pointer ? 2 : 5);
+    if (!pointer)
+        return 5;
+    const auto value = reinterpret_cast<std::uintptr_t>(pointer);
+    const std::to_chars_result end = std::to_chars(text + 2, text + sizeof(text), value, 16);
+    return static_cast<std::size_t>(end.ptr - text);
 }
 
 const char LINE_END[] = "\n";

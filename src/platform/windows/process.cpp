@@ -1,6 +1,7 @@
 #include "platform/process.h"
 
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
@@ -44,6 +45,13 @@ void closeFile(int file) {
 
 void appendToFile(int file, const char *text, std::size_t size) {
     _write(file, text, static_cast<unsigned>(size));
+}
+
+std::size_t pointerText(const void *pointer, char (&text)[POINTER_CAPACITY]) {
+    const auto value =
+        reinterpret_cast<std::uintptr_t>(pointer); // in capitals whatever the compiler
+    return static_cast<std::size_t>(
+        std::snprintf(text, sizeof(text), "%016llX", static_cast<unsigned long long>(value)));
 }
 
 const char LINE_END[] = "\r\n";
