@@ -26,7 +26,8 @@ Bytes secret(std::size_t size, std::uint32_t seed) {
     }
     return bytes;
 }
-const Bytes scalar = secret(32, 1), der = secret(608, 2), symmetricKey = secret(16, 3);
+const Bytes scalar = secret(32, 1), der = secret(608, 2), symmetricKey = secret(16, 3),
+            plaintext = secret(30, 4);
 
 void insertToken() {
     DeviceModel &token = script().memory.addDevice("key");
@@ -112,8 +113,10 @@ void readKeys(Session &s) {
 void signAndDecrypt(Session &s) {
     s.discover();
     const Bytes data(32, 0x17);
-    Bytes cipher = {4};
-    cipher.insert(cipher.end(), 64 + 7 + 32, 0x21);
+    Bytes cipher(65 + plaintext.size() + 32, 4);
+    for (std::size_t i = 0; i < plaintext.size(); ++i) { // the token in memory masks it
+        cipher[65 + i] = plaintext[i] ^ 0x5A;
+    }
     for (const bool isSm2 : {true, false}) {
         const char *label = isSm2 ? "c" : "r";
         SPI_KEYPAIR_HANDLE pair = s.find(label, sign);
@@ -127,7 +130,7 @@ void signAndDecrypt(Session &s) {
                 return DevicePrivateKeyDecrypt(pair, isSm2 ? 0x40 : 0x10, &sm3, cipher.data(),
                                                sizeOf(cipher), out, size, length);
             });
-        s.did("DevicePrivateKeyDecrypt", clear.size() == (isSm2 ? 7u : 20u));
+        s.did("DevicePrivateKeyDecrypt", isSm2 ? clear == plaintext : clear.size() == 20);
     }
 }
 
@@ -235,7 +238,7 @@ const std::vector<Scenario> &scenarios() {
         {"look", "4", insertTokens, look},
         {"read keys", nullptr, insertToken, readKeys},
         {"sign and decrypt", nullptr, insertToken, signAndDecrypt},
-        {"generate", nullptr, insertToken, generate},
+        {"generate", "4", insertToken, generate},
         {"delete", nullptr, insertToken, deleteKeys},
         {"update certificates", nullptr, insertToken, updateCertificates},
         {"import enveloped", "5", insertToken, importEnveloped},
@@ -248,7 +251,7 @@ const std::vector<Scenario> &scenarios() {
 }
 
 const std::vector<Bytes> &secrets() {
-    static const std::vector<Bytes> all = {scalar, der, symmetricKey};
+    static const std::vector<Bytes> all = {scalar, der, symmetricKey, plaintext};
     return all;
 }
 

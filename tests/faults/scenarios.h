@@ -14,7 +14,7 @@ struct Scenario {
 
 const std::vector<Scenario> &scenarios();
 
-// Bytes that no block of the provider may hold when it is freed.
+// Bytes that no block may hold when the provider frees it or gives it back to the host library.
 const std::vector<Bytes> &secrets();
 
 } // namespace tembra::test

@@ -26,14 +26,17 @@ public:
             add(secret);
             add({hex.begin(), hex.end()});
         }
-        ProviderAllocator::observeFrees([this](const unsigned char *block, std::size_t size) {
-            leaked_ = leaked_ || holdsSecret(block, size);
-        });
+        ProviderAllocator::observeFrees(
+            [this](const unsigned char *block, std::size_t size) { look(block, size); });
     }
     ~SecretWatch() { ProviderAllocator::observeFrees(nullptr); }
     SecretWatch(const SecretWatch &) = delete;
     SecretWatch &operator=(const SecretWatch &) = delete;
 
+    // What is given back to the host library.
+    void look(const void *block, std::size_t size) {
+        leaked_ = leaked_ || holdsSecret(static_cast<const unsigned char *>(block), size);
+    }
     bool leaked() const { return leaked_; }
 
 private:

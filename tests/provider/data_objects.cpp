@@ -142,53 +142,6 @@ TEST_F(DataObjects, AreDeleted) {
     EXPECT_THAT(trace().failures(), IsEmpty());
 }
 
-TEST_F(DataObjects, MapTheTokensAnswers) {
-    store("7", 100);
-    const auto call = [this](int which) {
-        switch (which) {
-        case 0: return DeviceCreateData(device, 8, "\2\3", 1);
-        case 1: return DeviceReadDataEx(device, 7, 0, buffer, 1, &length);
-        case 2: return DeviceWriteDataEx(device, 7, 0, buffer, 1);
-        default: return DeviceDeleteData(device, 7);
-        }
-    };
-    const char *entries[] = {"DeviceCreateData", "DeviceReadDataEx", "DeviceWriteDataEx",
-                             "DeviceDeleteData"};
-    const char *functions[] = {"SKF_CreateFile", "SKF_ReadFile", "SKF_WriteFile", "SKF_DeleteFile"};
-    const auto answerAll = [](ULONG code) {
-        script().SKF_CreateFile.answer(code);
-        script().SKF_ReadFile.answer(code);
-        script().SKF_WriteFile.answer(code);
-        script().SKF_DeleteFile.answer(code);
-    };
-    for (int which = 0; which < 4; ++which) {
-        answerAll(SAR_USER_NOT_LOGGED_IN);
-        mark();
-        EXPECT_EQ(call(which), -8);
-        EXPECT_THAT(trace().failures(), IsEmpty());
-        answerAll(0xB3);
-        mark();
-        EXPECT_EQ(call(which), 0);
-        EXPECT_THAT(
-            trace().failures(),
-            ElementsAre(error(entries[which],
-                              functions[which] + std::string(" fail, error = 0x000000b3"))));
-        script().SKF_GetFileInfo.answer(SAR_USER_NOT_LOGGED_IN);
-        if (which == 1 || which == 2) {
-            mark();
-            EXPECT_EQ(call(which), 0);
-            EXPECT_THAT(
-                trace().failures(),
-                ElementsAre(error(entries[which], "SKF_GetFileInfo fail, error = 0x0a00002d")));
-        }
-        script().SKF_GetFileInfo.restore();
-    }
-    restoreFunctions();
-    script().SKF_EnumFiles.answer(SAR_FAIL); // then nothing exists
-    EXPECT_EQ(call(1), -7);
-    EXPECT_EQ(call(0), 1);
-}
-
 TEST_F(DataObjects, ListsAreReadWithinTheirBuffer) {
     const struct {
         std::string list;

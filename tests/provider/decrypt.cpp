@@ -122,31 +122,6 @@ TEST_F(Decrypt, ChecksItsArguments) {
     EXPECT_EQ(length, 7) << "a size query looks at nothing else";
 }
 
-TEST_F(Decrypt, MapsTheTokensAnswers) {
-    const struct {
-        SPI_KEYPAIR_HANDLE handle;
-        ULONG answer;
-        int result;
-        const char *message;
-    } cases[] = {
-        {sm2, SAR_USER_NOT_LOGGED_IN, -8, nullptr},
-        {sm2, 3, 0, "SKF_ECCPrvKeyDecrypt fail, error = 0x00000003"},
-        {sm2, SAR_FAIL, 0, "SKF_ECCPrvKeyDecrypt fail, error = 0x0a000001"},
-        {rsaPair, SAR_USER_NOT_LOGGED_IN, -8, nullptr},
-        {rsaPair, 3, -8, nullptr},
-        {rsaPair, SAR_DECRYPTPADERR, 0, "SKF_RSADecrypt fail, error = 0x0a00001e"},
-    };
-    for (const auto &at : cases) {
-        script().SKF_ECCDecrypt.answer(at.answer);
-        script().SKF_RSADecrypt.answer(at.answer);
-        EXPECT_EQ(decrypt(at.handle, at.handle == sm2 ? sm2Algo : rsaAlgo, &sm3, 102, 600),
-                  at.result);
-        EXPECT_EQ(trace().failures(),
-                  at.message ? Lines{error("DevicePrivateKeyDecrypt", at.message)} : Lines{});
-        EXPECT_EQ(clear, Bytes(600, 0xEE));
-    }
-}
-
 TEST_F(Decrypt, ShortBuffersAreUntouched) {
     const struct {
         SPI_KEYPAIR_HANDLE handle;

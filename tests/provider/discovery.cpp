@@ -44,15 +44,6 @@ TEST_F(Discovery, EmptyMachineIsAnEmptySet) {
     EXPECT_EQ(script().SKF_ConnectDev.calls(), 0);
 }
 
-TEST_F(Discovery, FailedEnumerationIsAnEmptySet) {
-    addToken({});
-    script().SKF_EnumDev.answer(SAR_FAIL);
-    find();
-    EXPECT_EQ(count(), 0);
-    EXPECT_THAT(trace().failures(),
-                ElementsAre(error("DeviceGetAllDevices", "SKF_EnumDev fail, error : 0x0A000001")));
-}
-
 TEST_F(Discovery, ReadsEverythingOnceAndTraces) {
     ApplicationModel &application =
         addToken({ecc("sm2", true, true), rsa("rsa", 2048, true, false), {"empty"}});
@@ -83,37 +74,6 @@ TEST_F(Discovery, ReadsEverythingOnceAndTraces) {
               lines.end());
     EXPECT_TRUE(trace().contains(debug("addDevice", "hSet->m_handles[0]=%p")));
     EXPECT_TRUE(trace().contains(debug("GetECCPublicKey", "bitlen = 256, line: 0")));
-}
-
-TEST_F(Discovery, SkipsATokenThatCannotBeRead) {
-    const struct {
-        std::function<void()> fault;
-        const char *message;
-        Lines calls; // after SKF_EnumDev
-    } cases[] = {
-        {[] { script().SKF_ConnectDev.answerAt(1, SAR_DEVICE_REMOVED); },
-         "SKF_ConnectDev fail, error = 0x0A000023",
-         {"SKF_ConnectDev"}},
-        {[] { script().SKF_LockDev.answerAt(1, SAR_FAIL); },
-         "SKF_LockDev fail, error = 0x0A000001",
-         {"SKF_ConnectDev", "SKF_LockDev", "SKF_DisConnectDev"}},
-        {[] { script().SKF_GetDevInfo.answerAt(1, SAR_FAIL); },
-         "SKF_GetDevInfo fail, error = 0x0A000001",
-         {"SKF_ConnectDev", "SKF_LockDev", "SKF_GetDevInfo", "SKF_UnlockDev", "SKF_DisConnectDev"}},
-    };
-    addToken({});
-    script().memory.addDevice("second").applications.emplace_back().name = "app";
-    for (const auto &at : cases) {
-        at.fault();
-        find();
-        EXPECT_EQ(count(), 1) << "the other token is still found";
-        EXPECT_THAT(trace().failures(), ElementsAre(error("addDevice", at.message)));
-        auto calls = callsSinceMark();
-        ASSERT_GT(calls.size(), at.calls.size() + 1);
-        EXPECT_EQ(Lines(calls.begin() + 1, calls.begin() + 1 + std::ssize(at.calls)), at.calls);
-        EXPECT_EQ(calls[1 + at.calls.size()], "SKF_ConnectDev");
-        release();
-    }
 }
 
 TEST_F(Discovery, TokenWithoutApplicationIsUnformatted) {
@@ -172,31 +132,6 @@ TEST_F(Discovery, ApplicationsShareTheirToken) {
     EXPECT_THAT(callsSinceMark(), ElementsAre("SKF_CloseApplication", "SKF_DisConnectDev"));
     unsigned char byte = 0;
     EXPECT_EQ(DeviceGenerateRandom(device, 1, &byte), 0) << "disconnected under the other";
-}
-
-TEST_F(Discovery, ContainersThatCannotBeListedTakeTheApplicationAlong) {
-    addToken({ecc("sm2", true, false)});
-    script().SKF_EnumContainer.answer(SAR_FAIL);
-    find();
-    EXPECT_EQ(count(), 0);
-    EXPECT_THAT(trace().failures(),
-                ElementsAre(error("getAllContainer", "SKF_EnumContainer fail, error = 0x0A000001"),
-                            error("createKeyHandle", "getAllContainer(hDevice) == 0")));
-    EXPECT_EQ(script().memory.open(), 0);
-}
-
-TEST_F(Discovery, BadContainersAreLeftOut) {
-    addToken({ecc("one", true, false), ecc("two", true, false), ecc("three", true, false)});
-    script().SKF_OpenContainer.answerAt(1, SAR_FAIL);
-    script().SKF_GetContainerType.answerAt(1, SAR_DEVICE_REMOVED);
-    find();
-    device = DeviceGetDevice(set, 0);
-    EXPECT_EQ(DeviceGetKeypairCount(device), 1);
-    const Lines failures = trace().failures();
-    ASSERT_GE(failures.size(), 2u);
-    EXPECT_EQ(failures[0], error("getContainer", "SKF_OpenContainer fail, error = 0x0A000001"));
-    EXPECT_EQ(failures[1], error("getContainer", "SKF_GetContainerType fail, error = 0x0A000023"));
-    EXPECT_EQ(script().memory.open(HandleKind::container), 1);
 }
 
 TEST_F(Discovery, ReadersLeaveOutWhatTheyCannotRead) {

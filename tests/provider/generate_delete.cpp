@@ -124,62 +124,6 @@ TEST_F(Generation, ReusesTheFirstKeylessContainer) {
     EXPECT_EQ(script().SKF_CreateContainer.calls(), 1);
 }
 
-TEST_F(Generation, MapsTheTokensAnswers) {
-    const auto make = [] { return &script().SKF_CreateContainer; };
-    const struct {
-        std::function<void()> fault;
-        int algo, result;
-        Lines lines;
-    } cases[] = {
-        {[=] { make()->answer(SAR_USER_NOT_LOGGED_IN); },
-         4,
-         -8,
-         {warning("createContainer", "rv == SAR_USER_NOT_LOGGED_IN || rv == 0x000000b3")}},
-        {[=] { make()->answer(0xB3); },
-         4,
-         -8,
-         {warning("createContainer", "rv == SAR_USER_NOT_LOGGED_IN || rv == 0x000000b3")}},
-        {[=] { make()->answer(SAR_NO_ROOM); },
-         4,
-         0,
-         {error("createContainer", "SKF_CreateContainer fail, error = 0x0A000030")}},
-        {[] { script().SKF_GenECCKeyPair.answer(SAR_USER_NOT_LOGGED_IN); }, 4, -8, {}},
-        {[] { script().SKF_GenECCKeyPair.answer(0xB3); },
-         4,
-         0,
-         {debug("GenerateKeypair", "SKF_GenECCKeyPair fail, error = 0x000000B3")}},
-        {[] { script().SKF_GenRSAKeyPair.answer(SAR_FAIL); },
-         1,
-         0,
-         {debug("GenerateKeypair", "SKF_GenRSAKeyPair fail, error = 0x0A000001")}},
-        {[] { script().OrvelPKICryptoEncodeECCPubKey.answer(-7); },
-         4,
-         0,
-         {warning("GenerateKeypair", "OrvelPKICryptoEncodeECCPubKey fail, error = -7")}},
-        {[] { script().OrvelPKICryptoEncodeRSAPubKey.answer(-7); },
-         1,
-         0,
-         {warning("GenerateKeypair", "OrvelPKICryptoEncodeRSAPubKey fail, error = 0")}},
-    };
-    trace().setLevel("4");
-    for (const auto &at : cases) {
-        resetDevices();
-        insert({});
-        at.fault();
-        const bool isRsa = at.algo == ORVEL_PKI_ALGORITHM_RSA;
-        EXPECT_EQ(generate("x", at.algo, isRsa ? 1024 : 256, isRsa ? nullptr : &sm2), at.result);
-        EXPECT_EQ(handle, nullptr);
-        for (const std::string &text : at.lines) {
-            EXPECT_TRUE(trace().contains(text)) << text;
-        }
-        const Lines failures = trace().failures();
-        EXPECT_EQ(failures.size(),
-                  at.lines.empty() || at.lines[0].starts_with("[DEBUG]") ? 0u : 1u);
-        restoreFunctions();
-        EXPECT_EQ(generated("x"), 1) << "a retry succeeds";
-    }
-}
-
 TEST_F(Generation, OddModulusOfTheTokenIsAFailure) {
     insert({});
     script().SKF_GenRSAKeyPair.run([](HCONTAINER, ULONG, RSAPUBLICKEYBLOB *blob) {

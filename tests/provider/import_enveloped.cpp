@@ -100,36 +100,6 @@ TEST_F(ImportEnveloped, AlgorithmsOfBothPayloads) {
     }
 }
 
-TEST_F(ImportEnveloped, TokenAnswers) {
-    insert({ecc("c", true, false), rsa("r", 1024, true, false)});
-    struct Row {
-        ULONG code;
-        int sm2, rsa;
-    };
-    const Row rows[] = {{0x0A00000D, -8, -8}, {0x0A00002D, -8, -8}, {0x0A00001E, -8, 0},
-                        {0x0B000033, -8, 0},  {0x00000001, -8, 0},  {0x0A000001, 0, 0},
-                        {0x0A000023, 0, 0},   {0x000000B3, 0, 0}};
-    for (const Row &row : rows) {
-        char code[9];
-        std::snprintf(code, sizeof code, "%08X", row.code);
-        SCOPED_TRACE(code);
-        const auto expect = [&](int result, int expected, const std::string &name) {
-            EXPECT_EQ(result, expected) << name;
-            const Lines wanted =
-                expected == 0
-                    ? Lines{error("import" + name + "KeyPair",
-                                  "SKF_Import" + std::string(name == "RSA" ? name : "ECC") +
-                                      "KeyPair fail, error = 0x" + code)}
-                    : Lines{};
-            EXPECT_EQ(trace().failures(), wanted);
-        };
-        script().SKF_ImportECCKeyPair.answer(row.code);
-        expect(import(Sm2Envelope().blob()), row.sm2, "SM2");
-        script().SKF_ImportRSAKeyPair.answer(row.code);
-        expect(import(RsaEnvelope().blob(), "r"), row.rsa, "RSA");
-    }
-}
-
 TEST_F(ImportEnveloped, HostLibraryFails) {
     insert({ecc("c", true, false), rsa("r", 1024, true, false), ecc("unsigned", false, true)});
     script().OrvelPKICryptoDecodeECCPubKey.answerAt(1, -3);
@@ -182,17 +152,6 @@ TEST_F(ImportEnveloped, CachedKeyIsReplacedOnlyByTheNewOne) {
     fresh[4 + 31] = 0x99;
     EXPECT_EQ(cachedKey(), fresh);
     EXPECT_EQ(script().host.blocks.size(), blocks);
-}
-
-TEST_F(ImportEnveloped, RsaKeyThatCannotBeReadBack) {
-    insert({rsa("c", 1024, true, false)});
-    script().OrvelPKICryptoEncodeRSAPubKey.answerAt(1, 0);
-    EXPECT_EQ(import(RsaEnvelope().blob()), 0);
-    EXPECT_THAT(
-        trace().failures(),
-        ElementsAre(error("GetRSAPublicKey", "OrvelPKICryptoEncodeRSAPubKey fail, error : 0"),
-                    error("importRSAKeyPair", "GetRSAPublicKey fail")));
-    EXPECT_EQ(DeviceGetKeypairCount(device), 1);
 }
 
 TEST_F(ImportEnveloped, EveryImportAddsARecordUpTo64) {

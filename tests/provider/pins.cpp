@@ -54,45 +54,6 @@ TEST_F(Pins, TraceTheirTexts) {
                  "hDevice = %p, int type = 1\xEF\xBC\x8C int *pretrynum = 5")));
 }
 
-TEST_F(Pins, MapTheTokensAnswers) {
-    const struct {
-        ULONG answer;
-        int verify, change, unblock;
-    } cases[] = {{SAR_PIN_INCORRECT, -5, -5, 0},
-                 {SAR_PIN_LOCKED, 0, 0, -5},
-                 {SAR_PIN_LEN_RANGE, -19, -19, -19},
-                 {SAR_USER_NOT_LOGGED_IN, 0, 0, 0},
-                 {SAR_FAIL, 0, 0, 0}};
-    for (const auto &at : cases) {
-        script().SKF_VerifyPIN.answer(at.answer);
-        script().SKF_ChangePIN.answer(at.answer);
-        script().SKF_UnblockPIN.answer(at.answer);
-        char code[16];
-        std::snprintf(code, sizeof code, "0x%08X", at.answer);
-        const auto expectLine = [](int result, const std::string &text) {
-            EXPECT_EQ(trace().failures(), result == 0 ? Lines{text} : Lines{});
-        };
-        mark();
-        EXPECT_EQ(DeviceVerifyPwd(device, 2, "x", &tries), at.verify) << code;
-        expectLine(at.verify,
-                   error("DeviceVerifyPwd", std::string("SKF_VerifyPIN fail, error = ") + code));
-        mark();
-        EXPECT_EQ(DeviceChangePwd(device, 1, "x", "y", &tries), at.change) << code;
-        expectLine(at.change,
-                   error("DeviceChangePwd", std::string("SKF_ChangePIN fail, error = ") + code));
-        mark();
-        EXPECT_EQ(DeviceUnlockPwd(device, 1, "x", "y", &tries), at.unblock) << code;
-        expectLine(at.unblock, error("DeviceUnlockPwd", std::string("rv != SAR_OK, rv = ") + code));
-    }
-    script().SKF_GetPINInfo.answer(SAR_FAIL);
-    mark();
-    tries = 77;
-    EXPECT_EQ(DeviceGetPwdRetryNum(device, 1, &tries), 0);
-    EXPECT_EQ(tries, 77);
-    EXPECT_THAT(trace().failures(), ElementsAre(error("DeviceGetPwdRetryNum",
-                                                      "SKF_GetPINInfo fail, error : 0x0A000001")));
-}
-
 TEST_F(Pins, RefuseOtherTypes) {
     for (const int type : {0, 4, -1, 3, 2}) {
         const bool isPin = type == 2;
@@ -199,35 +160,6 @@ TEST_F(Pins, DeviceAuthenticationRefusesOtherTexts) {
         EXPECT_THAT(trace().failures(), ElementsAre(error("VerifySuperPwd", at.message)));
         EXPECT_THAT(callsSinceMark(), IsEmpty());
     }
-}
-
-TEST_F(Pins, DeviceAuthenticationMapsFailures) {
-    const struct {
-        std::function<void()> fault;
-        const char *message;
-        int result, keysLeftOpen;
-    } cases[] = {
-        {[] { script().SKF_GenRandom.answer(SAR_FAIL); }, "SKF_GenRandom fail, error = 0x0A000001",
-         0, 0},
-        {[] { script().SKF_SetSymmKey.answer(SAR_FAIL); },
-         "SKF_SetSymmKey fail, error = 0x0A000001", 0, 0},
-        {[] { script().SKF_EncryptInit.answer(SAR_FAIL); },
-         "SKF_EncryptInit fail, error = 0x0A000001", 0, 1},
-        {[] { script().SKF_Encrypt.answer(SAR_FAIL); }, "SKF_Encrypt fail, error = 0x0A000001", 0,
-         0},
-        {[] { script().SKF_DevAuth.answer(SAR_PIN_LOCKED); },
-         "SKF_DevAuth fail, error = 0x0A000025", -5, 0},
-    };
-    for (const auto &at : cases) {
-        restoreFunctions();
-        at.fault();
-        const int before = script().memory.open(HandleKind::key);
-        mark();
-        EXPECT_EQ(DeviceVerifyPwd(device, 3, std::string(32, '1').c_str(), nullptr), at.result);
-        EXPECT_THAT(trace().failures(), ElementsAre(error("ExternalAuth", at.message)));
-        EXPECT_EQ(script().memory.open(HandleKind::key) - before, at.keysLeftOpen);
-    }
-    keepsHandlesOpen(); // the key of the failed SKF_EncryptInit
 }
 
 // What the token reports must not be read from beyond the 16 bytes it was given.

@@ -93,30 +93,6 @@ TEST_F(Sign, ChecksItsArgumentsInOrder) {
     EXPECT_EQ(script().SKF_ECCSignData.calls() + script().SKF_RSASignData.calls(), 0);
 }
 
-TEST_F(Sign, MapsTheTokensAnswers) {
-    const char *eccNotLoggedIn =
-        " SKF_ECCSignData fail, rv == SAR_USER_NOT_LOGGED_IN || rv == 0x000000b3";
-    const struct {
-        SPI_KEYPAIR_HANDLE handle;
-        ULONG answer;
-        int result;
-        const char *message;
-    } cases[] = {
-        {sm2, SAR_USER_NOT_LOGGED_IN, -8, eccNotLoggedIn},
-        {sm2, 0xB3, -8, eccNotLoggedIn},
-        {sm2, SAR_FAIL, 0, "SKF_ECCSignData fail, error = 0x0A000001"},
-        {rsaPair, SAR_USER_NOT_LOGGED_IN, -8, "SKF_RSASignData fail,rv= SAR_USER_NOT_LOGGED_IN"},
-        {rsaPair, 0xB3, 0, "SKF_RSASignData fail, error = 0x000000B3"},
-        {rsaPair, SAR_DEVICE_REMOVED, 0, "SKF_RSASignData fail, error = 0x0A000023"},
-    };
-    for (const auto &at : cases) {
-        script().SKF_ECCSignData.answer(at.answer);
-        script().SKF_RSASignData.answer(at.answer);
-        EXPECT_EQ(sign(at.handle, at.handle == sm2 ? sm2Sign : rsaSign, digest, 32), at.result);
-        EXPECT_THAT(trace().failures(), ElementsAre(error("DeviceSign", at.message)));
-    }
-}
-
 TEST_F(Sign, ShortBuffers) {
     EXPECT_EQ(sign(sm2, sm2Sign, digest, 32, 66), -4);
     EXPECT_EQ(length, 67);
@@ -127,15 +103,6 @@ TEST_F(Sign, ShortBuffers) {
     EXPECT_EQ(sign(rsaPair, rsaSign, digest, 32, 255), 0) << "the token refuses";
     EXPECT_THAT(trace().failures(),
                 ElementsAre(error("DeviceSign", "SKF_RSASignData fail, error = 0x0A000020")));
-}
-
-TEST_F(Sign, FailedEncodingIsAFailure) {
-    script().OrvelPKICryptoEncodeECCSignature.answer(-3);
-    EXPECT_EQ(sign(sm2, sm2Sign, digest, 32), 0);
-    EXPECT_THAT(
-        trace().failures(),
-        ElementsAre(error("DeviceSign", "OrvelPKICryptoEncodeECCSignature fail, error = -3")));
-    EXPECT_EQ(out, Bytes(256, 0xEE));
 }
 
 TEST_F(Sign, TracesItsArguments) {

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 tembra::test::MemoryHost::~MemoryHost() {
-    for (void *block : blocks) {
+    for (const auto &[block, size] : blocks) {
         delete[] static_cast<unsigned char *>(block);
     }
 }
@@ -19,7 +19,7 @@ MemoryHost &host() {
 int handOut(const Bytes &bytes, unsigned char **out, int *length) {
     auto *block = new unsigned char[bytes.size()];
     std::copy(bytes.begin(), bytes.end(), block);
-    host().blocks.insert(block);
+    host().blocks[block] = bytes.size();
     *out = block;
     *length = static_cast<int>(bytes.size());
     return 1;

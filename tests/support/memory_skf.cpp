@@ -198,6 +198,7 @@ ULONG SKF_DeleteContainer(HAPPLICATION application, LPSTR name) {
         if (other.open && other.container != nullptr && other.application == handle->application &&
             other.container->name == name) {
             other.open = false;
+            other.isDeleted = true;
         }
     }
     handle->application->containers.remove_if(
@@ -219,7 +220,12 @@ ULONG SKF_OpenContainer(HAPPLICATION application, LPSTR name, HCONTAINER *contai
 
 ULONG SKF_CloseContainer(HCONTAINER container) {
     const ULONG result = close(container, HandleKind::container);
-    token().containersClosedTwice += result != SAR_OK;
+    const auto &handles = token().handles;
+    const bool isDeleted =
+        std::any_of(handles.begin(), handles.end(), [container](const HandleModel &handle) {
+            return &handle == container && handle.isDeleted;
+        });
+    token().containersClosedTwice += result != SAR_OK && !isDeleted;
     return result;
 }
 

@@ -51,6 +51,7 @@ enum class HandleKind { device, application, container, key, digest };
 struct HandleModel {
     HandleKind kind;
     bool open = true;
+    bool isDeleted = false; // with its container
     DeviceModel *device = nullptr;
     ApplicationModel *application = nullptr;
     ContainerModel *container = nullptr;
@@ -72,8 +73,8 @@ struct MemoryToken {
 };
 
 struct MemoryHost {
-    std::set<void *> blocks{}; // memory handed out and not yet given back
-    int pseudoDevices = 0;     // handed out less given back
+    std::map<void *, std::size_t> blocks{}; // memory handed out and not yet given back
+    int pseudoDevices = 0;                  // handed out less given back
     int foreignFrees = 0;
 
     MemoryHost() = default;

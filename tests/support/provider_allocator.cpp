@@ -19,6 +19,7 @@ struct State {
     unsigned refused = 0;
     unsigned failAt = 0;
     bool everAfter = false;
+    std::size_t largest = 0;
 };
 
 // Never destroyed: the provider may free something when the process ends.
@@ -34,6 +35,9 @@ void *allocate(std::size_t size) {
     ++at.asked;
     if (at.failAt != 0 && (at.everAfter ? at.asked >= at.failAt : at.asked == at.failAt)) {
         ++at.refused;
+        return nullptr;
+    }
+    if (at.largest != 0 && size > at.largest) {
         return nullptr;
     }
     void *block = ::operator new(size, std::nothrow);
@@ -76,6 +80,10 @@ void ProviderAllocator::failAt(unsigned nth, bool everAfter) {
     at.asked = at.refused = 0;
     at.failAt = nth;
     at.everAfter = everAfter;
+}
+
+void ProviderAllocator::refuseAbove(std::size_t size) {
+    state().largest = size;
 }
 
 unsigned ProviderAllocator::asked() {

@@ -13,6 +13,8 @@ struct ProviderAllocator {
     // Lets the nth allocation from now on fail (from 1), and with everAfter all later ones too; 0
     // lets none fail.
     static void failAt(unsigned nth, bool everAfter = false);
+    // Larger blocks are always refused; 0: whatever there is.
+    static void refuseAbove(std::size_t size);
     // Allocations asked for, and refused, since the last failAt().
     static unsigned asked();
     static unsigned refused();
