@@ -74,7 +74,11 @@ class Debian(PackageTest):
         self.assertIn("libQXSKFAPI.so", self.run_command(tool, "list", expect=1))
         self.dpkg("--install", deb("tembra-devkit"))
         self.assertIn("libQXSKFAPI.so", self.run_command(tool, "list", expect=1))
+        advice = self.run_command(tool, "doctor", expect=1)
+        for library in ("libQXSKFAPI.so", "libORVEL_CRYPTO.so"):
+            self.assertIn(f"put {library} beside the provider", advice)
         self.run_command(self.system / "usr/bin/tembra-devkit", tool, "list")
+        self.assertIn("failures: 0", self.run_command(self.system / "usr/bin/tembra-devkit", tool, "doctor"))
 
     def test_host_by_pkg_config(self):
         self.dpkg("--install", deb("tembra-key-prov"), deb("tembra-devkit"))
