@@ -118,7 +118,9 @@ Expectation expected(const std::string &entry, const std::string &call, std::uin
     for (const Row &row : rows) {
         if (fits(row, entry, call, code)) {
             char line[200] = "";
-            std::snprintf(line, sizeof line, row.line == nullptr ? "" : row.line, code);
+            if (row.line != nullptr) {
+                std::snprintf(line, sizeof line, row.line, code);
+            }
             return {row.result, line};
         }
     }

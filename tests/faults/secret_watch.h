@@ -42,12 +42,13 @@ public:
 private:
     bool holdsSecret(const unsigned char *block, std::size_t size) const {
         for (std::size_t at = 0; at + 8 <= size; ++at) {
-            if (begins_[block[at] << 8 | block[at + 1]] && windows_.count(window(block + at)) > 0) {
+            if (begins_[pair(block + at)] && windows_.count(window(block + at)) > 0) {
                 return true;
             }
         }
         return false;
     }
+    static std::size_t pair(const unsigned char *at) { return std::size_t{at[0]} << 8 | at[1]; }
     static std::uint64_t window(const unsigned char *at) {
         std::uint64_t value = 0;
         std::memcpy(&value, at, sizeof value);
@@ -56,7 +57,7 @@ private:
     void add(const std::vector<unsigned char> &bytes) {
         for (std::size_t at = 0; at + 8 <= bytes.size(); ++at) {
             windows_.insert(window(&bytes[at]));
-            begins_[static_cast<std::size_t>(bytes[at] << 8 | bytes[at + 1])] = true;
+            begins_[pair(&bytes[at])] = true;
         }
     }
 

@@ -1,0 +1,72 @@
+// Entry points in any order with any arguments, over tokens that do what they should unless the
+// plan, which is part of the input, lets a call or an allocation fail.
+#include "support/operations.h"
+#include "support/provider_run.h"
+
+#include "../tests/support/call_faults.h"
+#include "../tests/support/key_pair_blobs.h"
+#include "../tests/support/provider_allocator.h"
+
+using namespace tembra;
+using namespace tembra::fuzz;
+
+namespace {
+
+const ULONG codes[] = {SAR_FAIL,
+                       SAR_USER_NOT_LOGGED_IN,
+                       0x0A00000D,
+                       SAR_DECRYPTPADERR,
+                       SAR_DEVICE_REMOVED,
+                       SAR_PIN_INCORRECT,
+                       SAR_PIN_LOCKED,
+                       SAR_PIN_LEN_RANGE,
+                       0x0B000033,
+                       0x000000B3,
+                       1,
+                       3};
+
+// Two tokens: one with an application of three containers, one without any.
+void insertTokens(Input &in) {
+    test::ApplicationModel &application =
+        insertToken({test::ecc("c0", true, true), test::rsa("c1", 1024, true, in.once(2)), {"c2"}});
+    application.containers.front().signCertificate = Bytes(in.byte(), 0x30);
+    application.files["1"] = {Bytes(64, 0x31), SECURE_ANYONE_ACCOUNT, SECURE_USER_ACCOUNT};
+    if (in.once(4)) {
+        test::script().memory.addDevice("blank");
+    }
+}
+
+void planFaults(Input &in, ProviderRun &run) {
+    for (unsigned faults = in.byte() % 4; faults > 0; --faults) {
+        const std::string &function = in.pick(test::scriptedFunctions());
+        const int nth = 1 + in.byte() % 8;
+        const ULONG code = in.pick(codes);
+        if (function.find("Free") != std::string::npos) {
+            run.forgiveHostBlocks();
+        }
+        // A host library that says 1 says success, and then it has given something.
+        test::planAnswer(function, nth, code == 1 && function[0] == 'O' ? 0 : code);
+        run.forgiveOpenHandles();
+    }
+    if (in.once(4)) {
+        run.forgiveOpenHandles();
+        test::ProviderAllocator::failAt(1 + in.number() % 500, in.once(4));
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    Input input(data, size);
+    ProviderRun run(input);
+    insertTokens(input);
+    test::allowPlainRsa(1024);
+    planFaults(input, run);
+    Session session(input);
+    operations()[0](session);
+    session.keep(session.devices, DeviceGetDevice(session.any(session.sets), 0));
+    for (int steps = 0; steps < 100 && !input.done(); ++steps) {
+        session.step();
+    }
+    return 0;
+}

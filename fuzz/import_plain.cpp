@@ -1,0 +1,41 @@
+// DeviceImportKeypair with a plain blob ("_KEYPAIR") of any bytes, over a host library and a token
+// that answer in any lengths while the provider envelopes it.
+#include "support/lies.h"
+#include "support/provider_run.h"
+
+#include "../tests/support/key_pair_blobs.h"
+
+using namespace tembra;
+using namespace tembra::fuzz;
+
+namespace {
+
+const test::ContainerModel containers[] = {test::ecc("c", true, false),
+                                           test::rsa("c", 1024, true, false),
+                                           test::rsa("c", 2048, true, true)};
+const ULONG capabilities[] = {SGD_SM1_ECB, SGD_SSF33_ECB, SGD_SMS4_ECB, 0x00000001, 0x00000400};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    Input input(data, size);
+    ProviderRun run(input);
+    insertToken({input.pick(containers)});
+    test::script().memory.devices.front().info.AlgSymCap = input.pick(capabilities);
+    const OneDevice device;
+    test::allowPlainRsa(input.byte() & 1u ? 2048 : 1024);
+    const Bytes answers = input.bytes(input.byte());
+    Input lies(answers.data(), answers.size());
+    if (!lies.done()) {
+        tellLies(lies);
+    }
+    const ExactBlock blob(input.rest());
+
+    SPI_KEYPAIR_HANDLE pair = nullptr;
+    const int rv = DeviceImportKeypair(device, blob.data(), blob.size(),
+                                       ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, "c", &pair);
+    require(rv == 1 || rv == 0 || rv == ORVEL_PKI_BADARGUMENT, "a result that there is not");
+    require((rv == 1) == (pair != nullptr), "a handle without success, or none with it");
+    DeviceFreeKeypair(pair);
+    return 0;
+}

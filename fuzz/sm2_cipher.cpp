@@ -1,0 +1,52 @@
+// DevicePrivateKeyDecrypt with an SM2 ciphertext of any bytes and buffers of any size.
+#include "support/lies.h"
+#include "support/provider_run.h"
+
+#include "../tests/support/call_faults.h"
+
+using namespace tembra;
+using namespace tembra::fuzz;
+
+namespace {
+
+const ULONG answers[] = {SAR_OK, SAR_OK, SAR_OK, SAR_USER_NOT_LOGGED_IN, 3, SAR_FAIL};
+const int algorithms[] = {ORVEL_PKI_ALGORITHM_SM2_ENC, ORVEL_PKI_ALGORITHM_SM2_ENC,
+                          ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC, ORVEL_PKI_ALGORITHM_SM2_SIGN};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    Input input(data, size);
+    ProviderRun run(input);
+    insertToken({input.once(4) ? test::rsa("c", 1024, true, true) : test::ecc("c", true, true)});
+    const OneDevice device;
+    SPI_KEYPAIR_HANDLE pair = DeviceGetKeypair(device, input.byte() % 2);
+    const int algorithm = input.pick(algorithms);
+    const int hash = input.once(8) ? 0x7001 : ORVEL_PKI_ALGORITHM_SM3;
+    const void *param = input.once(8) ? nullptr : &hash;
+    if (const ULONG answer = input.pick(answers)) {
+        test::planAnswer("SKF_ECCDecrypt", 1, answer);
+        test::planAnswer("SKF_RSADecrypt", 1, answer);
+    }
+    const Bytes untrue = input.bytes(input.byte() % 16);
+    Input lies(untrue.data(), untrue.size());
+    if (!lies.done()) {
+        tellLies(lies);
+    }
+    const ExactBlock clear(Bytes(input.byte() * 2u, 0xEE));
+    const ExactBlock cipher(input.rest());
+
+    int length = -1;
+    const int rv = DevicePrivateKeyDecrypt(pair, algorithm, param, cipher.data(), cipher.size(),
+                                           clear.data(), clear.size(), &length);
+    require(rv == 1 || rv == 0 || rv == ORVEL_PKI_BADARGUMENT || rv == ORVEL_PKI_NOTLOGGEDIN ||
+                rv == ORVEL_PKI_MOREDATA,
+            "a result that there is not");
+    require(rv != 1 || (length >= 0 && length <= clear.size()), "a length beyond the buffer");
+    require(rv != ORVEL_PKI_MOREDATA || length > clear.size(), "a buffer refused that is enough");
+    for (int i = rv == 1 ? length : 0; i < clear.size(); ++i) {
+        require(clear.data()[i] == 0xEE, "the buffer is written where nothing is delivered");
+    }
+    DeviceFreeKeypair(pair);
+    return 0;
+}

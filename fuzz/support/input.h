@@ -1,0 +1,70 @@
+// The bytes a fuzzer hands in, taken from the front; once they are used up everything is zero.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace tembra::fuzz {
+
+using Bytes = std::vector<unsigned char>;
+
+class Input {
+public:
+    Input(const std::uint8_t *data, std::size_t size) : data_(data), size_(size) {}
+
+    bool done() const { return size_ == 0; }
+    std::uint8_t byte() { return done() ? std::uint8_t{0} : *take(1); }
+    std::uint32_t number() {
+        std::uint32_t value = 0;
+        const std::size_t count = std::min<std::size_t>(4, size_);
+        std::memcpy(&value, take(count), count);
+        return value;
+    }
+    // Once in that many times; never when the input is used up.
+    bool once(unsigned in) { return !done() && byte() % in == in - 1; }
+    template <typename Choices>
+    const auto &pick(const Choices &choices) {
+        return *(std::begin(choices) + byte() % static_cast<std::uint8_t>(std::size(choices)));
+    }
+    // Exactly as many; zeros stand for what is missing.
+    Bytes bytes(std::size_t count) {
+        const std::size_t there = std::min(count, size_);
+        const std::uint8_t *from = take(there);
+        Bytes bytes(from, from + there);
+        bytes.resize(count);
+        return bytes;
+    }
+    Bytes rest() { return bytes(size_); }
+
+private:
+    const std::uint8_t *take(std::size_t count) {
+        const std::uint8_t *taken = data_;
+        data_ += count;
+        size_ -= count;
+        return taken;
+    }
+
+    const std::uint8_t *data_;
+    std::size_t size_;
+};
+
+// A copy in a heap block of exactly its size, so that a byte read behind it is noticed.
+class ExactBlock {
+public:
+    explicit ExactBlock(const Bytes &bytes)
+        : data_(new unsigned char[bytes.size()]), size_(bytes.size()) {
+        std::copy(bytes.begin(), bytes.end(), data_.get());
+    }
+    unsigned char *data() const { return data_.get(); }
+    int size() const { return static_cast<int>(size_); }
+
+private:
+    std::unique_ptr<unsigned char[]> data_;
+    std::size_t size_;
+};
+
+} // namespace tembra::fuzz

@@ -1,0 +1,14 @@
+// Every entry point between DeviceInit and DeviceEnd as one step of a session.
+#pragma once
+
+#include "session.h"
+
+#include <span>
+
+namespace tembra::fuzz {
+
+using Operation = void (*)(Session &);
+
+std::span<const Operation> operations();
+
+} // namespace tembra::fuzz

@@ -1,0 +1,58 @@
+// What one input does to the provider: a fresh token, a started provider, and at the end the proof
+// that nothing was lost.
+#pragma once
+
+#include "input.h"
+
+#include "../../tests/support/scripted_token.h"
+#include "tembra_key_prov.h"
+
+namespace tembra::fuzz {
+
+// Ends the process with a text that says what is wrong: a finding.
+[[noreturn]] void report(const char *what);
+inline void require(bool holds, const char *what) {
+    if (!holds) {
+        report(what);
+    }
+}
+
+class ProviderRun {
+public:
+    // Takes a byte for the trace level and three for the settings.
+    explicit ProviderRun(Input &input);
+    // Wants every block of the provider and of the host library back, and unless forgiven every
+    // handle of the token.
+    ~ProviderRun();
+    ProviderRun(const ProviderRun &) = delete;
+    ProviderRun &operator=(const ProviderRun &) = delete;
+
+    // The provider leaves handles open when the token or memory fails it at some places.
+    void forgiveOpenHandles() { wantsHandlesBack_ = false; }
+    // The host library was told to refuse what is given back to it.
+    void forgiveHostBlocks() { wantsBlocksBack_ = false; }
+
+private:
+    bool wantsHandlesBack_ = true;
+    bool wantsBlocksBack_ = true;
+};
+
+// A device with one application, "app", that holds these containers.
+test::ApplicationModel &insertToken(std::initializer_list<test::ContainerModel> containers);
+
+// The device of the only token, discovered; given back at the end of the object's life.
+class OneDevice {
+public:
+    OneDevice();
+    ~OneDevice();
+    OneDevice(const OneDevice &) = delete;
+    OneDevice &operator=(const OneDevice &) = delete;
+
+    operator SPI_DEVICE_HANDLE() const { return device_; }
+
+private:
+    SPI_DEVICESET_HANDLE set_;
+    SPI_DEVICE_HANDLE device_;
+};
+
+} // namespace tembra::fuzz

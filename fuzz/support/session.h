@@ -1,0 +1,70 @@
+// A host that calls entry points in any order with any arguments, within the rules for handles:
+// every handle is one it was given and has not freed, and hash and cipher handles go before the
+// last handle of their device.
+#pragma once
+
+#include "input.h"
+
+#include "provider/records.h"
+#include "tembra_key_prov.h"
+
+#include <set>
+
+namespace tembra::fuzz {
+
+class Session {
+public:
+    explicit Session(Input &input) : in(input) {}
+    // Frees every handle, and what the provider keeps by contract after a deletion.
+    ~Session();
+    Session(const Session &) = delete;
+    Session &operator=(const Session &) = delete;
+
+    // One call, chosen by the input.
+    void step();
+
+    Input &in;
+    std::vector<SPI_DEVICESET_HANDLE> sets;
+    std::vector<SPI_DEVICE_HANDLE> devices;
+    std::vector<SPI_KEYPAIR_HANDLE> pairs;
+    std::vector<SPI_PUBLICKEY_HANDLE> publicKeys;
+    std::vector<SPI_HASH_HANDLE> hashes;
+    std::vector<SPI_CIPHER_HANDLE> ciphers;
+    int discoveries = 0;
+
+    // One of the handles, or null: without handles and now and then.
+    template <typename Handle>
+    Handle any(const std::vector<Handle> &handles) {
+        return handles.empty() || in.once(16) ? nullptr : in.pick(handles);
+    }
+    template <typename Handle>
+    void keep(std::vector<Handle> &handles, Handle handle) {
+        if (handle != nullptr) {
+            handles.push_back(handle);
+        }
+    }
+    template <typename Handle>
+    Handle take(std::vector<Handle> &handles) {
+        const Handle handle = any(handles);
+        const auto found = std::find(handles.begin(), handles.end(), handle);
+        if (found != handles.end()) {
+            handles.erase(found);
+        }
+        return handle;
+    }
+
+    void freeSet(SPI_DEVICESET_HANDLE set);
+    void freeDevice(SPI_DEVICE_HANDLE device);
+    void freePair(SPI_KEYPAIR_HANDLE pair);
+    void deletePair();
+    void updateCertificate();
+    void importPair();
+
+private:
+    void releaseDependents(SPI_DEVICE_HANDLE device);
+
+    std::set<TembraDevice *> keptDevices_;
+    std::vector<TembraContainer *> keptContainers_;
+};
+
+} // namespace tembra::fuzz
