@@ -1,5 +1,8 @@
 """The command line itself: help, languages, devices to choose from, refusals and their exit codes."""
+import os
 import re
+import shutil
+import subprocess
 import unittest
 
 from command_line import IS_WINDOWS, CommandTest, write
@@ -25,6 +28,38 @@ class CommandLine(CommandTest):
                 self.assertIn(f"tembrakey {' '.join(command)}", text.split("Examples:")[1])
                 chinese = self.run_tool(*command, "--help", LC_ALL="zh_CN.UTF-8").decode()
                 self.assertRegex(chinese.split("\n")[0], "[\u4e00-\u9fff]")
+
+    def test_the_manual_page_has_every_command_and_is_sound(self):
+        page = self.run_tool("man").decode()
+        for command in [("doctor",)] if IS_WINDOWS else self.commands():
+            self.assertIn(f".SS tembrakey {' '.join(command)}", page)
+        if not shutil.which("groff"):
+            return
+        done = subprocess.run(["groff", "-man", "-ww", "-z"], input=page.encode(), capture_output=True,
+                              check=True)
+        self.assertEqual(done.stderr, b"")
+
+    @unittest.skipIf(IS_WINDOWS, "bash's")
+    def test_bash_completes_commands_options_and_values(self):
+        write("completion", self.run_tool("completion", "bash"))
+        os.mkdir("d")
+        write("d/letter.txt", b"")
+        for line, expected in (("tembrakey ke", "key"), ("tembrakey key g", "generate"),
+                               ("tembrakey key generate --al", "--algo"),
+                               ("tembrakey key generate --algo ", "sm2 rsa"),
+                               ("tembrakey --json key generate --algo r", "rsa"),
+                               ("tembrakey key generate --pr", "--provider"),
+                               ("tembrakey sign d/l", "d/letter.txt"),
+                               ("tembrakey sign -o d/", "d/letter.txt"),
+                               ("tembrakey sign d/letter.txt --pin-env TEMBRA_SOFT_TOKEN_D",
+                                "TEMBRA_SOFT_TOKEN_DIR"), ("tembrakey list x", "")):
+            with self.subTest(line=line):
+                words = line + "''" if line.endswith(" ") else line
+                script = (f"source ./completion; COMP_WORDS=({words}); COMP_CWORD=$((${{#COMP_WORDS[@]}} - 1)); "
+                          '_tembrakey; echo "${COMPREPLY[*]}"')
+                done = subprocess.run(["bash", "-c", script], capture_output=True, check=True,
+                                      env=self.environment)
+                self.assertEqual((done.stdout.decode().strip(), done.stderr), (expected, b""))
 
     def test_refusals_say_why_and_in_json_too(self):
         write("empty", b"")

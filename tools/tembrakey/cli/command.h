@@ -7,6 +7,10 @@
 #include "tembrakey/cli/arguments.h"
 #include "tembrakey/io/console.h"
 
+namespace CLI {
+class App;
+}
+
 namespace tembra::tool {
 
 // What holds for every command.
@@ -14,6 +18,7 @@ struct Context {
     Console console;
     std::string provider; // path given by --provider, or empty
     std::string device;   // --device: serial number or index, or empty
+    const CLI::App *app;  // the whole command line, for commands that describe it
 };
 
 // An object lives for one run of the tool: its members are the arguments' targets.

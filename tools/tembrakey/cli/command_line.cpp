@@ -107,7 +107,7 @@ void CommandLine::run(Context &context) {
 }
 
 Context CommandLine::context() const {
-    return {Console(json_), provider_, device_};
+    return {Console(json_), provider_, device_, &app_};
 }
 
 std::string CommandLine::path() const {

@@ -10,7 +10,8 @@ std::span<const CommandEntry *const> commandTable() {
         &certImportCommand,  &certExportCommand,  &signCommand,       &encryptCommand,
         &decryptCommand,     &hashCommand,        &randomCommand,     &dataCreateCommand,
         &dataReadCommand,    &dataWriteCommand,   &dataDeleteCommand, &tokenListCommand,
-        &tokenCreateCommand, &tokenRemoveCommand, &traceCommand, &doctorCommand,
+        &tokenCreateCommand, &tokenRemoveCommand, &traceCommand,      &doctorCommand,
+        &completionCommand,  &manCommand,
     };
     return table;
 }

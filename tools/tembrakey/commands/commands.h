@@ -20,5 +20,6 @@ extern const CommandEntry signCommand, encryptCommand, decryptCommand, hashComma
 extern const CommandEntry dataCreateCommand, dataReadCommand, dataWriteCommand, dataDeleteCommand;
 extern const CommandEntry tokenListCommand, tokenCreateCommand, tokenRemoveCommand;
 extern const CommandEntry traceCommand, doctorCommand;
+extern const CommandEntry completionCommand, manCommand;
 
 } // namespace tembra::tool

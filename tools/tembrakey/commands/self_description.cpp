@@ -1,0 +1,46 @@
+// What the tool tells other programs about its command line.
+#include "tembrakey/cli/completion.h"
+#include "tembrakey/cli/man_page.h"
+#include "tembrakey/commands/commands.h"
+
+#include <cstdio>
+
+namespace tembra::tool {
+
+namespace {
+
+void print(const std::string &text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+class Completion final : public Command {
+public:
+    void describe(Arguments &arguments) override {
+        arguments.choice("SHELL", shell_, {"bash"}, "The shell (bash)").required();
+    }
+    void run(Context &context) override { print(bashCompletion(*context.app)); }
+
+private:
+    std::string shell_;
+};
+
+class Man final : public Command {
+public:
+    void describe(Arguments &) override {}
+    void run(Context &context) override { print(manPage(*context.app)); }
+};
+
+} // namespace
+
+const CommandEntry completionCommand = {
+    "completion", "Print a script that lets the shell complete commands and options", "",
+    "  source <(tembrakey completion bash)\n"
+    "  tembrakey completion bash > ~/.local/share/bash-completion/completions/tembrakey",
+    make<Completion>};
+
+const CommandEntry manCommand = {"man", "Print the manual page", "",
+                                 "  tembrakey man | man -l -\n"
+                                 "  tembrakey man > tembrakey.1",
+                                 make<Man>};
+
+} // namespace tembra::tool
