@@ -1,19 +1,22 @@
 // Fault plan, journal and counters.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <thread>
 
 #include "door/call.h"
 #include "door/control.h"
 #include "door/function_names.h"
+#include "temporary_directory.h"
 
 namespace tembra::door {
 
 namespace {
+
+using Json = nlohmann::json;
+using testing::HasSubstr;
 
 constexpr std::uint32_t acted = 0;
 
@@ -23,36 +26,25 @@ std::uint32_t callOf(const char *function) {
     return call.answer<std::uint32_t>(1, [] { return acted; });
 }
 
-struct JournalFile {
-    std::filesystem::path path = std::filesystem::temp_directory_path() / "tembra-door-journal";
+class Journal : public testing::Test {
+protected:
+    Journal() { EXPECT_EQ(setJournal(path.string().c_str()), 1); }
+    ~Journal() override { setJournal(nullptr); }
 
-    JournalFile() {
-        std::filesystem::remove(path);
-        EXPECT_EQ(setJournal(path.string().c_str()), 1);
-    }
-    ~JournalFile() {
-        setJournal(nullptr);
-        std::filesystem::remove(path);
-    }
-    std::vector<nlohmann::json> lines() const {
-        std::ifstream file(path);
-        std::vector<nlohmann::json> out;
+    std::vector<Json> lines() const {
+        std::istringstream file(test::readFile(path));
+        std::vector<Json> out;
         for (std::string line; std::getline(file, line);) {
-            out.push_back(nlohmann::json::parse(line)); // throws on anything but JSON
+            out.push_back(Json::parse(line)); // throws on anything but JSON
         }
         return out;
     }
+
+    const test::TemporaryDirectory directory;
+    const std::filesystem::path path = directory.path() / "journal";
 };
 
 } // namespace
-
-TEST(Names, TableIsSearchable) {
-    EXPECT_TRUE(std::ranges::is_sorted(functionNames));
-    for (std::size_t i = 0; i < functionNames.size(); ++i) {
-        EXPECT_EQ(functionIndex(functionNames[i]), i);
-    }
-    EXPECT_EQ(functionIndex("SKF_"), functionNames.size());
-}
 
 TEST(Plan, AnswersTheCallsItNames) {
     // A for SKF_EnumDev and B for SKF_GenRandom, called in this order; the answers expected.
@@ -91,17 +83,17 @@ TEST(Plan, BadTextIsRefusedAsAWhole) {
           "SKF_EnumDev:+=1", "SKF_EnumDev:*+=1", "SKF_EnumDev:1=1=2", ","}) {
         testing::internal::CaptureStderr();
         EXPECT_EQ(setFaults(bad), 0) << bad;
-        EXPECT_NE(testing::internal::GetCapturedStderr().find("bad entry"), std::string::npos);
+        EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("bad entry"));
     }
     EXPECT_EQ(callOf("SKF_EnumDev"), 3U); // the old plan stays
     testing::internal::CaptureStderr();
     setFaults("SKF_GenRandom:1=1, SKF_EnumDev:1=?");
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("\"SKF_EnumDev:1=?\""),
-              std::string::npos);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("\"SKF_EnumDev:1=?\""));
     setFaults("");
 }
 
 TEST(Counters, CountPlannedCallsTooAndRestart) {
+    EXPECT_TRUE(std::ranges::is_sorted(functionNames)) << "or some would not be found";
     setFaults("SKF_EnumDev:1=3");
     callOf("SKF_EnumDev");
     callOf("SKF_EnumDev");
@@ -113,53 +105,56 @@ TEST(Counters, CountPlannedCallsTooAndRestart) {
     EXPECT_EQ(callCount(nullptr), 0U);
 }
 
-TEST(Journal, RecordsArgumentsAndResults) {
-    const JournalFile journal;
+TEST_F(Journal, RecordsArgumentsAndResults) {
     setFaults("SKF_GenRandom:2=0x0A000001");
-    const std::string longBuffer(40, '\x01');
+    const std::string longBuffer(40, '\x11');
+    const std::string hexOfFirst32(64, '1');
     {
         Call call("SKF_GenRandom");
-        call.number("number", -5).handle("handle", &call).handle("none", nullptr);
-        call.text("text", "quote \" \\ \n \xE4\xB8\xAD \xFF\xC0\xAF\xED\xA0\x80")
-            .text("noText", nullptr);
-        call.bytes("bytes", longBuffer.data(), longBuffer.size()).bytes("noBytes", nullptr, 3);
+        call.number("number", -5).handle("handle", reinterpret_cast<void *>(0x5581));
+        call.handle("none", nullptr).text("noText", nullptr).bytes("noBytes", nullptr, 3);
+        call.text("text", "quote \" \\ \n \xE4\xB8\xAD \xFF\xC0\xAF\xED\xA0\x80");
+        call.bytes("bytes", longBuffer.data(), longBuffer.size());
         call.secret("pin", "123456").outputs().number("len", 16);
         call.answer<std::uint32_t>(1, [] { return 0x0A00002Du; });
     }
     callOf("SKF_GenRandom");
-    {
-        Call("SKF_EnumDev").answer<std::uint32_t>(0x0A00000E, []() -> std::uint32_t { throw 1; });
-    }
-    {
-        Call("OrvelPKICryptoGetPseudoDevice").answer<void *>(nullptr, []() -> void * { throw 1; });
-    }
-
-    const auto lines = journal.lines();
-    ASSERT_EQ(lines.size(), 4U);
-    EXPECT_EQ(lines[0]["function"], "SKF_GenRandom");
-    EXPECT_EQ(lines[0]["args"]["number"], -5);
-    EXPECT_TRUE(lines[0]["args"]["handle"].get<std::string>().starts_with("0x"));
-    EXPECT_TRUE(lines[0]["args"]["none"].is_null() && lines[0]["args"]["noText"].is_null());
-    EXPECT_TRUE(
-        lines[0]["args"]["text"].get<std::string>().starts_with("quote \" \\ \n 中 \uFFFD"));
-    EXPECT_EQ(lines[0]["args"]["bytes"]["len"], 40);
-    EXPECT_EQ(lines[0]["args"]["bytes"]["hex"].get<std::string>().size(), 64U);
-    EXPECT_TRUE(lines[0]["args"]["noBytes"].is_null());
-    EXPECT_EQ(lines[0]["args"]["pin"], "***");
-    EXPECT_EQ(lines[0]["out"]["len"], 16);
-    EXPECT_EQ(lines[0]["result"], "0x0A00002D");
-    EXPECT_EQ(lines[0]["planned"], false);
-    EXPECT_GE(lines[0]["us"].get<int>(), 0);
-    EXPECT_EQ(lines[1]["result"], "0x0A000001");
-    EXPECT_EQ(lines[1]["planned"], true);
-    EXPECT_EQ(lines[1]["seq"].get<int>(), lines[0]["seq"].get<int>() + 1);
-    EXPECT_EQ(lines[2]["result"], "0x0A00000E"); // the body threw
-    EXPECT_TRUE(lines[3]["result"].is_null());
+    Call("SKF_EnumDev").answer<std::uint32_t>(0x0A00000E, []() -> std::uint32_t { throw 1; });
+    Call("OrvelPKICryptoGetPseudoDevice").answer<void *>(nullptr, []() -> void * { throw 1; });
     setFaults(nullptr);
+
+    const auto journal = lines();
+    ASSERT_EQ(journal.size(), 4U);
+    Json arguments = journal[0]["args"];
+    const std::string text = arguments["text"];
+    EXPECT_TRUE(text.starts_with("quote \" \\ \n 中 \uFFFD")) << text;
+    arguments.erase("text");
+    EXPECT_EQ(arguments, (Json{{"number", -5},
+                               {"handle", "0x5581"},
+                               {"none", nullptr},
+                               {"noText", nullptr},
+                               {"noBytes", nullptr},
+                               {"bytes", {{"len", 40}, {"hex", hexOfFirst32}}},
+                               {"pin", "***"}}));
+    EXPECT_EQ(journal[0]["out"], (Json{{"len", 16}}));
+    EXPECT_GE(journal[0]["us"].get<int>(), 0);
+    const struct {
+        const char *function;
+        Json result;
+        bool planned;
+    } expected[] = {{"SKF_GenRandom", "0x0A00002D", false},
+                    {"SKF_GenRandom", "0x0A000001", true},
+                    {"SKF_EnumDev", "0x0A00000E", false}, // the body threw, and below
+                    {"OrvelPKICryptoGetPseudoDevice", nullptr, false}};
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(journal[i]["function"], expected[i].function);
+        EXPECT_EQ(journal[i]["result"], expected[i].result);
+        EXPECT_EQ(journal[i]["planned"], expected[i].planned);
+        EXPECT_EQ(journal[i]["seq"].get<std::size_t>(), journal[0]["seq"].get<std::size_t>() + i);
+    }
 }
 
-TEST(Journal, LinesOfManyThreadsStayWhole) {
-    const JournalFile journal;
+TEST_F(Journal, LinesOfManyThreadsStayWhole) {
     setFaults(nullptr);
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
@@ -172,17 +167,16 @@ TEST(Journal, LinesOfManyThreadsStayWhole) {
     for (auto &thread : threads) {
         thread.join();
     }
-    EXPECT_EQ(journal.lines().size(), 800U);
+    EXPECT_EQ(lines().size(), 800U);
     EXPECT_EQ(callCount("SKF_EnumDev"), 800U);
 }
 
-TEST(Journal, UnusablePathKeepsTheOldOne) {
-    const JournalFile journal;
+TEST_F(Journal, UnusablePathKeepsTheOldOne) {
     testing::internal::CaptureStderr();
-    EXPECT_EQ(setJournal((journal.path / "below" / "a" / "file").string().c_str()), 0);
+    EXPECT_EQ(setJournal((path / "below" / "a" / "file").string().c_str()), 0);
     EXPECT_FALSE(testing::internal::GetCapturedStderr().empty());
     callOf("SKF_EnumDev");
-    EXPECT_EQ(journal.lines().size(), 1U);
+    EXPECT_EQ(lines().size(), 1U);
 }
 
 } // namespace tembra::door

@@ -11,13 +11,7 @@ TokenTest::TokenTest() {
     std::uint32_t size = sizeof made;
     EXPECT_EQ(SAR_OK, TembraSoftTokenCreate(nullptr, made, &size));
     name = made;
-    TembraSoftTokenApplication options = {};
-    options.size = sizeof options;
-    options.user_tries = 3;
-    options.name = "APP";
-    options.admin_pin = adminPin;
-    options.user_pin = userPin;
-    EXPECT_EQ(SAR_OK, TembraSoftTokenAddApplication(name.c_str(), &options));
+    addApplication("APP", 3);
     open();
 }
 
@@ -31,15 +25,31 @@ void TokenTest::open() {
     EXPECT_EQ(SAR_OK, SKF_OpenApplication(device, text("APP"), &application));
 }
 
+// No handle is ever used again, so one that the test has closed is none by now.
 void TokenTest::close() {
+    for (const HCONTAINER container : containers_) {
+        SKF_CloseContainer(container);
+    }
+    containers_.clear();
     SKF_CloseApplication(application);
     SKF_DisConnectDev(device);
 }
 
-HCONTAINER TokenTest::create(const char *container) {
-    HCONTAINER handle = nullptr;
-    EXPECT_EQ(SAR_OK, SKF_CreateContainer(application, text(container), &handle));
-    return handle;
+void TokenTest::addApplication(const char *added, ULONG userTries) {
+    const TembraSoftTokenApplication options = {sizeof options, 0,        userTries, 0,
+                                                added,          adminPin, userPin};
+    EXPECT_EQ(SAR_OK, TembraSoftTokenAddApplication(name.c_str(), &options));
+}
+
+HCONTAINER TokenTest::create(const std::string &container) {
+    EXPECT_EQ(SAR_OK,
+              SKF_CreateContainer(application, text(container), &containers_.emplace_back()));
+    return containers_.back();
+}
+
+HCONTAINER TokenTest::openContainer(const std::string &container) {
+    EXPECT_EQ(SAR_OK, SKF_OpenContainer(application, text(container), &containers_.emplace_back()));
+    return containers_.back();
 }
 
 HCONTAINER TokenTest::createSm2(const char *container, ECCPUBLICKEYBLOB *blob) {
@@ -49,17 +59,9 @@ HCONTAINER TokenTest::createSm2(const char *container, ECCPUBLICKEYBLOB *blob) {
     return handle;
 }
 
-HCONTAINER TokenTest::createRsa(const char *container, ULONG bits, RSAPUBLICKEYBLOB *blob) {
-    RSAPUBLICKEYBLOB unused = {};
-    const HCONTAINER handle = create(container);
-    EXPECT_EQ(SAR_OK, SKF_GenRSAKeyPair(handle, bits, blob != nullptr ? blob : &unused));
-    return handle;
-}
-
-ULONG TokenTest::freeSpace() const {
-    DEVINFO info = {};
-    EXPECT_EQ(SAR_OK, SKF_GetDevInfo(device, &info));
-    return info.FreeSpace;
+Names TokenTest::containers() {
+    return listed(
+        [&](char *list, ULONG *size) { return SKF_EnumContainer(application, list, size); });
 }
 
 crypto::Sm2PublicKey publicKey(const ECCPUBLICKEYBLOB &blob) {

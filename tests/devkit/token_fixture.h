@@ -15,9 +15,14 @@
 
 namespace tembra::test {
 
+using Names = std::vector<std::string>;
+
 // The interface takes texts it doesn't change as char *.
 inline LPSTR text(const char *name) {
     return const_cast<LPSTR>(name);
+}
+inline LPSTR text(const std::string &name) {
+    return text(name.c_str());
 }
 
 class TokenTest : public ::testing::Test {
@@ -26,32 +31,36 @@ protected:
     static constexpr const char *userPin = "111111";
 
     TokenTest();
-    ~TokenTest() override; // every handle of the test must be closed by then
+    ~TokenTest() override; // every other handle of the test must be closed by then
 
     void open();
-    void close();
-    void login() {
-        ASSERT_EQ(SAR_OK, SKF_VerifyPIN(application, USER_TYPE, text(userPin), nullptr));
+    void close(); // these two, and the containers that came from the functions below
+    void addApplication(const char *name, ULONG userTries);
+    ULONG showPin(ULONG type, const char *pin, ULONG *triesLeft = nullptr) {
+        return SKF_VerifyPIN(application, type, text(pin), triesLeft);
     }
-    void loginAdmin() {
-        ASSERT_EQ(SAR_OK, SKF_VerifyPIN(application, ADMIN_TYPE, text(adminPin), nullptr));
-    }
-    HCONTAINER create(const char *name);
+    void login() { ASSERT_EQ(SAR_OK, showPin(USER_TYPE, userPin)); }
+    void loginAdmin() { ASSERT_EQ(SAR_OK, showPin(ADMIN_TYPE, adminPin)); }
+
+    HCONTAINER create(const std::string &name);
+    HCONTAINER openContainer(const std::string &name);
     // A container with a signature key; the public key goes to blob.
     HCONTAINER createSm2(const char *name, ECCPUBLICKEYBLOB *blob = nullptr);
-    HCONTAINER createRsa(const char *name, ULONG bits, RSAPUBLICKEYBLOB *blob = nullptr);
-    ULONG freeSpace() const;
+    Names containers();
 
     TemporaryDirectory directory;
     std::string name;
     DEVHANDLE device = nullptr;
     HAPPLICATION application = nullptr;
+
+private:
+    std::vector<HCONTAINER> containers_;
 };
 
 crypto::Sm2PublicKey publicKey(const ECCPUBLICKEYBLOB &blob);
 
 // The names of a list, after the whole protocol: asking for the size, one byte short, exact.
-std::vector<std::string> listed(auto function) {
+Names listed(auto function) {
     ULONG size = 0;
     EXPECT_EQ(SAR_OK, function(nullptr, &size));
     std::string list(size, '?');
@@ -60,7 +69,7 @@ std::vector<std::string> listed(auto function) {
     EXPECT_EQ(size, shorter);
     EXPECT_EQ(std::string(size, '?'), list) << "a buffer that is too short stays untouched";
     EXPECT_EQ(SAR_OK, function(list.data(), &size));
-    std::vector<std::string> names;
+    Names names;
     for (const char *at = list.data(); *at != '\0'; at += names.back().size() + 1) {
         names.emplace_back(at);
     }

@@ -1,4 +1,4 @@
-// Key pairs: generated, imported, used; certificates beside them.
+// Key pairs: what they sign and decrypt, and what a container takes in.
 #include "token_fixture.h"
 
 #include "crypto/private_key.h"
@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 
 namespace tembra::test {
 namespace {
@@ -28,8 +27,9 @@ crypto::RsaPublicKey publicKey(const RSAPUBLICKEYBLOB &blob) {
 }
 using tembra::test::publicKey;
 
-// The record runs on past its end.
-Bytes cipherBlob(const crypto::Sm2Ciphertext &cipher) {
+// The plaintext to the key; the record runs on past its end.
+Bytes cipherBlob(const crypto::Sm2PublicKey &key, ByteView plain) {
+    const crypto::Sm2Ciphertext cipher = *crypto::sm2Encrypt(key, plain);
     Bytes block(offsetof(ECCCIPHERBLOB, Cipher) + cipher.c2.size());
     auto *blob = reinterpret_cast<ECCCIPHERBLOB *>(block.data());
     alignRight(blob->XCoordinate, cipher.c1.x);
@@ -43,196 +43,156 @@ Bytes cipherBlob(const crypto::Sm2Ciphertext &cipher) {
 class TokenKeys : public TokenTest {
 protected:
     TokenKeys() { login(); }
+
+    HCONTAINER createRsa(ULONG bits, RSAPUBLICKEYBLOB &blob) {
+        const HCONTAINER container = create("rsa " + std::to_string(bits));
+        EXPECT_EQ(SAR_OK, SKF_GenRSAKeyPair(container, bits, &blob));
+        return container;
+    }
+    static ULONG decryptSm2(HCONTAINER container, BOOL signature, Bytes block, Bytes &out) {
+        auto length = static_cast<ULONG>(out.size());
+        return SKF_ECCDecrypt(container, signature, reinterpret_cast<ECCCIPHERBLOB *>(block.data()),
+                              out.data(), &length);
+    }
 };
 
-TEST_F(TokenKeys, Sm2SignaturesVerify) {
-    ECCPUBLICKEYBLOB made = {};
-    const HCONTAINER container = createSm2("sm2", &made);
-    ECCPUBLICKEYBLOB exported = {};
-    ULONG length = sizeof exported;
-    EXPECT_EQ(SAR_OK,
-              SKF_ExportPublicKey(container, 1, reinterpret_cast<BYTE *>(&exported), &length));
-    EXPECT_EQ(0, std::memcmp(&made, &exported, sizeof made));
-    Bytes digest(33, 7);
-    ECCSIGNATUREBLOB blob = {};
-    EXPECT_EQ(SAR_INDATALENERR, SKF_ECCSignData(container, digest.data(), 31, &blob));
-    EXPECT_EQ(SAR_INDATALENERR, SKF_ECCSignData(container, digest.data(), 33, &blob));
-    ASSERT_EQ(SAR_OK, SKF_ECCSignData(container, digest.data(), 32, &blob));
-    const crypto::Sm2Signature signature = {*crypto::toSm2Number(blob.r),
-                                            *crypto::toSm2Number(blob.s)};
-    EXPECT_TRUE(crypto::sm2Verify(publicKey(made), ByteView(digest).first(32), signature));
-    EXPECT_EQ(SAR_KEYNOTFOUNTERR,
-              SKF_RSASignData(container, digest.data(), 32, digest.data(), &length));
-    EXPECT_EQ(SAR_OK, SKF_CloseContainer(container));
-}
-
-TEST_F(TokenKeys, RsaSignaturesVerify) {
-    for (const ULONG bits : {1024U, 2048U}) {
-        SCOPED_TRACE(bits);
-        RSAPUBLICKEYBLOB made = {};
-        const HCONTAINER container = createRsa(std::to_string(bits).c_str(), bits, &made);
-        EXPECT_EQ(bits, made.BitLen);
-        const ULONG size = bits / 8;
-        Bytes data(size - 10, 0x5A);
-        Bytes signature(size);
-        ULONG length = size;
-        EXPECT_EQ(SAR_INDATALENERR,
-                  SKF_RSASignData(container, data.data(), size - 10, signature.data(), &length));
-        length = size - 1;
-        EXPECT_EQ(SAR_BUFFER_TOO_SMALL,
-                  SKF_RSASignData(container, data.data(), size - 11, signature.data(), &length));
-        EXPECT_EQ(size, length);
-        EXPECT_EQ(SAR_OK, SKF_RSASignData(container, data.data(), size - 11, nullptr, &length));
-        for (const ULONG dataLength : {0U, 51U, size - 11}) {
-            ASSERT_EQ(SAR_OK, SKF_RSASignData(container, data.data(), dataLength, signature.data(),
-                                              &length));
-            EXPECT_TRUE(
-                crypto::rsaVerify(publicKey(made), ByteView(data).first(dataLength), signature));
-        }
-        EXPECT_EQ(SAR_OK, SKF_CloseContainer(container));
-    }
-}
-
-TEST_F(TokenKeys, AContainerHoldsOneKindOfKeyAndSizesThatExist) {
-    const HCONTAINER empty = create("empty");
-    ULONG type = 99;
-    EXPECT_EQ(SAR_OK, SKF_GetContainerType(empty, &type));
-    EXPECT_EQ(CONTAINER_TYPE_EMPTY, type);
-    RSAPUBLICKEYBLOB rsa = {};
+TEST_F(TokenKeys, AContainerHoldsOneKindOfKey) {
     ECCPUBLICKEYBLOB sm2 = {};
-    EXPECT_NE(SAR_OK, SKF_GenRSAKeyPair(empty, 1536, &rsa));
-    EXPECT_EQ(SAR_NOTSUPPORTYETERR, SKF_GenECCKeyPair(empty, SGD_SM2_3, &sm2));
-    EXPECT_EQ(SAR_OK, SKF_GenECCKeyPair(empty, SGD_SM2_1, &sm2));
-    EXPECT_EQ(SAR_OK, SKF_GetContainerType(empty, &type));
-    EXPECT_EQ(CONTAINER_TYPE_ECC, type);
-    EXPECT_NE(SAR_OK, SKF_GenRSAKeyPair(empty, 1024, &rsa));
-    ULONG length = sizeof sm2;
+    RSAPUBLICKEYBLOB rsa = {};
+    const HCONTAINER container = create("sm2");
+    EXPECT_NE(SAR_OK, SKF_GenRSAKeyPair(container, 1536, &rsa));
+    EXPECT_EQ(SAR_NOTSUPPORTYETERR, SKF_GenECCKeyPair(container, SGD_SM2_3, &sm2));
+    EXPECT_EQ(SAR_OK, SKF_GenECCKeyPair(container, SGD_SM2_1, &sm2));
+    EXPECT_NE(SAR_OK, SKF_GenRSAKeyPair(container, 1024, &rsa));
+    Bytes data(128);
+    ULONG length = 128;
     EXPECT_EQ(SAR_KEYNOTFOUNTERR,
-              SKF_ExportPublicKey(empty, 0, reinterpret_cast<BYTE *>(&sm2), &length));
-    EXPECT_EQ(SAR_OK, SKF_CloseContainer(empty));
+              SKF_RSASignData(container, data.data(), 32, data.data(), &length));
+    EXPECT_EQ(SAR_KEYNOTFOUNTERR, SKF_ExportPublicKey(container, 0, data.data(), &length));
+}
+
+TEST_F(TokenKeys, SignaturesVerifyAndLengthsAreChecked) {
+    ECCPUBLICKEYBLOB sm2 = {};
+    RSAPUBLICKEYBLOB rsa = {};
+    ECCSIGNATUREBLOB blob = {};
+    Bytes data(118, 0x5A);
+    HCONTAINER container = createSm2("sm2", &sm2);
+    EXPECT_EQ(SAR_INDATALENERR, SKF_ECCSignData(container, data.data(), 31, &blob));
+    EXPECT_EQ(SAR_INDATALENERR, SKF_ECCSignData(container, data.data(), 33, &blob));
+    ASSERT_EQ(SAR_OK, SKF_ECCSignData(container, data.data(), 32, &blob));
+    EXPECT_TRUE(crypto::sm2Verify(publicKey(sm2), ByteView(data).first(32),
+                                  {*crypto::toSm2Number(blob.r), *crypto::toSm2Number(blob.s)}));
+    container = createRsa(1024, rsa);
+    Bytes signature(128);
+    ULONG length = 128;
+    const auto sign = [&](ULONG size, BYTE *to) {
+        return SKF_RSASignData(container, data.data(), size, to, &length);
+    };
+    EXPECT_EQ(SAR_INDATALENERR, sign(118, signature.data()));
+    length = 127;
+    EXPECT_EQ(SAR_BUFFER_TOO_SMALL, sign(117, signature.data()));
+    EXPECT_EQ(128U, length);
+    for (const ULONG size : {0U, 117U}) {
+        EXPECT_EQ(SAR_OK, sign(size, nullptr));
+        EXPECT_EQ(SAR_OK, sign(size, signature.data()));
+        EXPECT_TRUE(crypto::rsaVerify(publicKey(rsa), ByteView(data).first(size), signature));
+    }
 }
 
 TEST_F(TokenKeys, Sm2CiphertextsDecrypt) {
     ECCPUBLICKEYBLOB made = {};
     const HCONTAINER container = createSm2("sm2", &made);
     const Bytes plain(100, 0x42);
-    Bytes good = cipherBlob(*crypto::sm2Encrypt(publicKey(made), plain));
-    const auto decrypt = [&](Bytes block, BOOL signature, ULONG capacity) {
-        Bytes out(capacity);
-        ULONG length = capacity;
-        const ULONG result =
-            SKF_ECCDecrypt(container, signature, reinterpret_cast<ECCCIPHERBLOB *>(block.data()),
-                           out.data(), &length);
-        if (result == SAR_OK) {
-            out.resize(length);
-            EXPECT_EQ(plain, out);
-        }
-        return result;
-    };
-    EXPECT_EQ(SAR_OK, decrypt(good, 1, 100));
-    EXPECT_EQ(SAR_BUFFER_TOO_SMALL, decrypt(good, 1, 99));
-    EXPECT_EQ(SAR_KEYNOTFOUNTERR, decrypt(good, 0, 100));
+    const Bytes good = cipherBlob(publicKey(made), plain);
+    Bytes out(100);
+    EXPECT_EQ(SAR_OK, decryptSm2(container, 1, good, out));
+    EXPECT_EQ(plain, out);
+    Bytes tooSmall(99);
+    EXPECT_EQ(SAR_BUFFER_TOO_SMALL, decryptSm2(container, 1, good, tooSmall));
+    EXPECT_EQ(SAR_KEYNOTFOUNTERR, decryptSm2(container, 0, good, out));
     for (const std::size_t at : {std::size_t{0}, std::size_t{63}, std::size_t{127},
                                  std::size_t{128}, offsetof(ECCCIPHERBLOB, Cipher)}) {
         Bytes bad = good;
         bad[at] ^= 1;
-        EXPECT_EQ(SAR_INDATAERR, decrypt(bad, 1, 100)) << at;
+        EXPECT_EQ(SAR_INDATAERR, decryptSm2(container, 1, bad, out)) << at;
     }
     EXPECT_EQ(SAR_OK, SKF_ClearSecureState(application));
-    EXPECT_EQ(SAR_USER_NOT_LOGGED_IN, decrypt(good, 1, 100));
-    EXPECT_EQ(SAR_OK, SKF_CloseContainer(container));
+    EXPECT_EQ(SAR_USER_NOT_LOGGED_IN, decryptSm2(container, 1, good, out));
 }
 
 // What a key management centre makes for a container's signature key.
-ENVELOPEDKEYBLOB envelope(const crypto::Sm2KeyPair &pair, ByteView plain) {
-    const Bytes key(16, 0x11);
+ENVELOPEDKEYBLOB envelope(const crypto::Sm2PublicKey &key, ByteView plain) {
     ENVELOPEDKEYBLOB blob = {};
     blob.Version = 1;
     blob.ulSymmAlgID = SGD_SMS4_ECB;
     blob.ulBits = 256;
     alignRight(blob.cbEncryptedPriKey,
-               *crypto::sm4Encrypt(crypto::Sm4Mode::ecb, crypto::Sm4Padding::none, key, {}, plain));
+               *crypto::sm4Encrypt(crypto::Sm4Mode::ecb, crypto::Sm4Padding::none, Bytes(16, 0x11),
+                                   {}, plain));
     blob.PubKey.BitLen = 256;
-    alignRight(blob.PubKey.XCoordinate, pair.publicKey.x);
-    alignRight(blob.PubKey.YCoordinate, pair.publicKey.y);
+    alignRight(blob.PubKey.XCoordinate, key.x);
+    alignRight(blob.PubKey.YCoordinate, key.y);
     return blob;
 }
 
-Bytes sealed(ENVELOPEDKEYBLOB blob, const ECCPUBLICKEYBLOB &signatureKey, ByteView key) {
-    const Bytes cipher = cipherBlob(*crypto::sm2Encrypt(publicKey(signatureKey), key));
-    const auto *head = reinterpret_cast<const BYTE *>(&blob);
-    constexpr std::size_t headSize = offsetof(ENVELOPEDKEYBLOB, ECCCipherBlob);
-    Bytes block(headSize + cipher.size());
-    std::copy_n(head, headSize, block.begin());
-    std::copy_backward(cipher.begin(), cipher.end(), block.end());
-    return block;
-}
-
 TEST_F(TokenKeys, EnvelopedSm2KeysComeInOnlyWhenAllOfThemIsRight) {
-    ECCPUBLICKEYBLOB signatureKey = {};
-    const HCONTAINER container = createSm2("sm2", &signatureKey);
-    const auto pair = crypto::generateSm2KeyPair();
-    const Bytes key(16, 0x11);
-    Bytes record(48, 0x0C);
-    std::fill_n(record.begin(), 4, BYTE{0});
-    record[1] = 1;
-    std::copy(pair.d.begin(), pair.d.end(), record.begin() + 4);
-    const auto offer = [&](HCONTAINER to, Bytes block) {
+    ECCPUBLICKEYBLOB signatureBlob = {};
+    const HCONTAINER container = createSm2("sm2", &signatureBlob);
+    const auto signatureKey = publicKey(signatureBlob);
+    const auto offer = [](HCONTAINER to, const ENVELOPEDKEYBLOB &blob, const Bytes &cipher) {
+        const auto *head = reinterpret_cast<const BYTE *>(&blob);
+        Bytes block(head, head + offsetof(ENVELOPEDKEYBLOB, ECCCipherBlob));
+        block.insert(block.end(), cipher.begin(), cipher.end());
         return SKF_ImportECCKeyPair(to, reinterpret_cast<ENVELOPEDKEYBLOB *>(block.data()));
     };
-    const auto good = envelope(pair, pair.d);
-    auto otherAlgorithm = good;
-    otherAlgorithm.ulSymmAlgID = SGD_SM1_ECB;
-    auto otherPublicKey = good;
-    const auto stranger = crypto::generateSm2KeyPair();
-    alignRight(otherPublicKey.PubKey.XCoordinate, stranger.publicKey.x);
-    alignRight(otherPublicKey.PubKey.YCoordinate, stranger.publicKey.y);
-    auto noPoint = good;
-    noPoint.PubKey.XCoordinate[63] ^= 1;
-    auto badFilling = record;
+    const auto pair = crypto::generateSm2KeyPair();
+    const auto stranger = crypto::generateSm2KeyPair().publicKey;
+    Bytes record = {0, 1, 0, 0}; // d in the form that some centres give it
+    record.insert(record.end(), pair.d.begin(), pair.d.end());
+    record.resize(48, 0x0C);
+    Bytes badFilling = record;
     badFilling[47] = 0;
-    auto damaged = good;
+    const auto good = envelope(pair.publicKey, pair.d);
+    auto otherAlgorithm = good, noPoint = good, damaged = good;
+    otherAlgorithm.ulSymmAlgID = SGD_SM1_ECB;
+    noPoint.PubKey.XCoordinate[63] ^= 1;
     damaged.cbEncryptedPriKey[40] ^= 1;
+    const Bytes sealed = cipherBlob(signatureKey, Bytes(16, 0x11));
     const struct {
         const char *what;
-        Bytes block;
+        ENVELOPEDKEYBLOB blob;
+        Bytes key;
         ULONG result;
     } offers[] = {
-        {"cipher", sealed(otherAlgorithm, signatureKey, key), SAR_NOTSUPPORTYETERR},
-        {"public key of another pair", sealed(otherPublicKey, signatureKey, key), SAR_INDATAERR},
-        {"no point", sealed(noPoint, signatureKey, key), SAR_INDATAERR},
-        {"filling", sealed(envelope(pair, badFilling), signatureKey, key), SAR_INDATAERR},
-        {"private key", sealed(damaged, signatureKey, key), SAR_INDATAERR},
-        {"symmetric key", sealed(good, signatureKey, Bytes(16, 0x12)), SAR_INDATAERR},
-        {"short symmetric key", sealed(good, signatureKey, Bytes(15, 0x11)), SAR_INDATALENERR},
-        {"made for another", sealed(good, good.PubKey, key), SAR_INDATAERR},
-        {"d alone", sealed(good, signatureKey, key), SAR_OK},
-        {"d in a record", sealed(envelope(pair, record), signatureKey, key), SAR_OK},
+        {"cipher", otherAlgorithm, sealed, SAR_NOTSUPPORTYETERR},
+        {"public key of another pair", envelope(stranger, pair.d), sealed, SAR_INDATAERR},
+        {"no point", noPoint, sealed, SAR_INDATAERR},
+        {"filling", envelope(pair.publicKey, badFilling), sealed, SAR_INDATAERR},
+        {"private key", damaged, sealed, SAR_INDATAERR},
+        {"other key", good, cipherBlob(signatureKey, Bytes(16, 0x12)), SAR_INDATAERR},
+        {"short key", good, cipherBlob(signatureKey, Bytes(15, 0x11)), SAR_INDATALENERR},
+        {"made for another", good, cipherBlob(stranger, Bytes(16, 0x11)), SAR_INDATAERR},
+        {"d alone", good, sealed, SAR_OK},
+        {"d in a record", envelope(pair.publicKey, record), sealed, SAR_OK},
     };
     for (const auto &row : offers) {
-        EXPECT_EQ(row.result, offer(container, row.block)) << row.what;
+        EXPECT_EQ(row.result, offer(container, row.blob, row.key)) << row.what;
     }
+    EXPECT_EQ(SAR_KEYNOTFOUNTERR, offer(create("keyless"), good, sealed));
     ECCPUBLICKEYBLOB imported = {};
     ULONG length = sizeof imported;
     ASSERT_EQ(SAR_OK,
               SKF_ExportPublicKey(container, 0, reinterpret_cast<BYTE *>(&imported), &length));
     EXPECT_EQ(pair.publicKey, publicKey(imported));
     const Bytes plain(5, 9);
-    Bytes cipher = cipherBlob(*crypto::sm2Encrypt(pair.publicKey, plain));
     Bytes out(5);
-    length = 5;
-    EXPECT_EQ(SAR_OK, SKF_ECCDecrypt(container, 0, reinterpret_cast<ECCCIPHERBLOB *>(cipher.data()),
-                                     out.data(), &length));
+    EXPECT_EQ(SAR_OK, decryptSm2(container, 0, cipherBlob(pair.publicKey, plain), out));
     EXPECT_EQ(plain, out);
-    const HCONTAINER keyless = create("keyless");
-    EXPECT_EQ(SAR_KEYNOTFOUNTERR, offer(keyless, sealed(good, signatureKey, key)));
-    EXPECT_EQ(SAR_OK, SKF_CloseContainer(keyless));
-    EXPECT_EQ(SAR_OK, SKF_CloseContainer(container));
 }
 
 TEST_F(TokenKeys, EnvelopedRsaKeysComeInOnlyWhenAllOfThemIsRight) {
     RSAPUBLICKEYBLOB signatureKey = {};
-    const HCONTAINER container = createRsa("rsa", 1024, &signatureKey);
+    const HCONTAINER container = createRsa(1024, signatureKey);
     const auto pair = *crypto::generateRsaKey(1024);
     const Bytes key(16, 0x22);
     const auto encrypted = [&](const crypto::RsaPrivateKey &inside) {
@@ -246,7 +206,7 @@ TEST_F(TokenKeys, EnvelopedRsaKeysComeInOnlyWhenAllOfThemIsRight) {
     inconsistent.d[5] ^= 1;
     Bytes truncated = encrypted(pair);
     truncated.pop_back();
-    const struct {
+    struct {
         const char *what;
         ULONG algorithm;
         Bytes wrappedKey;
@@ -262,50 +222,23 @@ TEST_F(TokenKeys, EnvelopedRsaKeysComeInOnlyWhenAllOfThemIsRight) {
         {"numbers", SGD_SMS4_ECB, wrapped(key), encrypted(inconsistent), SAR_INDATAERR},
         {"right", SGD_SMS4_ECB, wrapped(key), encrypted(pair), SAR_OK},
     };
-    for (const auto &row : offers) {
-        Bytes wrappedKey = row.wrappedKey;
-        Bytes encryptedKey = row.encryptedKey;
-        EXPECT_EQ(row.result,
-                  SKF_ImportRSAKeyPair(container, row.algorithm, wrappedKey.data(),
-                                       static_cast<ULONG>(wrappedKey.size()), encryptedKey.data(),
-                                       static_cast<ULONG>(encryptedKey.size())))
+    for (auto &row : offers) {
+        EXPECT_EQ(row.result, SKF_ImportRSAKeyPair(container, row.algorithm, row.wrappedKey.data(),
+                                                   static_cast<ULONG>(row.wrappedKey.size()),
+                                                   row.encryptedKey.data(),
+                                                   static_cast<ULONG>(row.encryptedKey.size())))
             << row.what;
     }
-    const Bytes plain(20, 3);
-    Bytes cipher = *crypto::rsaEncrypt(pair.publicKey(), plain);
-    Bytes out(20);
-    ULONG length = 19;
-    EXPECT_EQ(SAR_BUFFER_TOO_SMALL,
-              SKF_RSADecrypt(container, 0, cipher.data(), 128, out.data(), &length));
-    EXPECT_EQ(20U, length);
-    EXPECT_EQ(SAR_OK, SKF_RSADecrypt(container, 0, cipher.data(), 128, out.data(), &length));
-    EXPECT_EQ(plain, out);
-    EXPECT_EQ(SAR_DECRYPTPADERR,
-              SKF_RSADecrypt(container, 1, cipher.data(), 128, out.data(), &length));
-    EXPECT_EQ(SAR_INDATALENERR,
-              SKF_RSADecrypt(container, 0, cipher.data(), 127, out.data(), &length));
-    EXPECT_EQ(SAR_OK, SKF_CloseContainer(container));
-}
-
-TEST_F(TokenKeys, CertificatesStandBesideTheirKeysAndLast) {
-    HCONTAINER container = createSm2("sm2");
-    Bytes certificate(700, 0x30);
-    const ULONG before = freeSpace();
-    EXPECT_EQ(SAR_OK, SKF_ImportCertificate(container, 1, certificate.data(), 700));
-    EXPECT_EQ(before - 700, freeSpace());
-    EXPECT_EQ(SAR_OK, SKF_ClearSecureState(application));
-    EXPECT_EQ(SAR_USER_NOT_LOGGED_IN, SKF_ImportCertificate(container, 1, certificate.data(), 700));
-    EXPECT_EQ(SAR_OK, SKF_CloseContainer(container));
-    close();
-    open();
-    ASSERT_EQ(SAR_OK, SKF_OpenContainer(application, text("sm2"), &container));
-    Bytes read(700);
-    ULONG length = 699;
-    EXPECT_EQ(SAR_BUFFER_TOO_SMALL, SKF_ExportCertificate(container, 1, read.data(), &length));
-    EXPECT_EQ(SAR_OK, SKF_ExportCertificate(container, 1, read.data(), &length));
-    EXPECT_EQ(certificate, read);
-    EXPECT_EQ(SAR_CERTNOTFOUNTERR, SKF_ExportCertificate(container, 0, read.data(), &length));
-    EXPECT_EQ(SAR_OK, SKF_CloseContainer(container));
+    Bytes cipher = *crypto::rsaEncrypt(pair.publicKey(), Bytes(20, 3));
+    Bytes out(128);
+    ULONG length = 128;
+    const auto decrypt = [&](BOOL signature, ULONG size) {
+        return SKF_RSADecrypt(container, signature, cipher.data(), size, out.data(), &length);
+    };
+    EXPECT_EQ(SAR_DECRYPTPADERR, decrypt(1, 128));
+    EXPECT_EQ(SAR_INDATALENERR, decrypt(0, 127));
+    EXPECT_EQ(SAR_OK, decrypt(0, 128));
+    EXPECT_EQ(Bytes(20, 3), Bytes(out.begin(), out.begin() + length));
 }
 
 } // namespace

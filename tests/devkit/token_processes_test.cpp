@@ -1,12 +1,11 @@
 // Several processes at one token, and processes killed in the middle of a change.
 #include "token_fixture.h"
 
-#include "crypto/sm2_sign.h"
+#include "tembra_devkit_faults.h"
 
 #include <chrono>
 #include <csignal>
 #include <functional>
-#include <map>
 #include <random>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -36,47 +35,52 @@ protected:
         EXPECT_EQ(child, ::waitpid(child, &status, 0));
         return status;
     }
-    bool logIn() { return SKF_VerifyPIN(application, USER_TYPE, text(userPin), nullptr) == SAR_OK; }
-    std::vector<std::string> containers() {
-        return listed(
-            [&](char *list, ULONG *size) { return SKF_EnumContainer(application, list, size); });
+    static void endByForce(pid_t child) {
+        ::kill(child, SIGKILL);
+        statusOf(child);
+    }
+    bool logIn() { return showPin(USER_TYPE, userPin) == SAR_OK; }
+    // Not checked on the way: a child may be killed at any of these.
+    bool makeKey(const std::string &container) {
+        HCONTAINER made = nullptr;
+        ECCPUBLICKEYBLOB blob = {};
+        const bool created = SKF_CreateContainer(application, text(container), &made) == SAR_OK;
+        const bool generated = SKF_GenECCKeyPair(made, SGD_SM2_1, &blob) == SAR_OK;
+        return SKF_CloseContainer(made) == SAR_OK && created && generated;
+    }
+    // How many of the containers have a key; that signs, and the others know that they have none.
+    std::size_t soundKeys() {
+        std::size_t keys = 0;
+        for (const std::string &container : containers()) {
+            const HCONTAINER opened = openContainer(container);
+            ULONG type = 0;
+            BYTE digest[32] = {};
+            ECCSIGNATUREBLOB signature = {};
+            EXPECT_EQ(SAR_OK, SKF_GetContainerType(opened, &type));
+            EXPECT_EQ(type == CONTAINER_TYPE_ECC ? SAR_OK : SAR_KEYNOTFOUNTERR,
+                      SKF_ECCSignData(opened, digest, 32, &signature));
+            keys += type == CONTAINER_TYPE_ECC ? 1 : 0;
+        }
+        return keys;
     }
 };
 
-// Every container that is listed has its key, and the key signs.
 TEST_F(TokenProcesses, AKillAtAnyMomentLeavesATokenThatOpens) {
     std::minstd_rand random(7);
     for (int round = 0; round < 40; ++round) {
         const pid_t child = start([&] {
             logIn();
             for (int i = 0;; i = (i + 1) % 20) {
-                const std::string own = std::to_string(i);
-                HCONTAINER container = nullptr;
-                ECCPUBLICKEYBLOB blob = {};
-                SKF_DeleteContainer(application, text(own.c_str()));
-                SKF_CreateContainer(application, text(own.c_str()), &container);
-                SKF_GenECCKeyPair(container, SGD_SM2_1, &blob);
-                SKF_CloseContainer(container);
+                SKF_DeleteContainer(application, text(std::to_string(i)));
+                makeKey(std::to_string(i));
             }
             return true;
         });
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 40000));
-        ::kill(child, SIGKILL);
-        statusOf(child);
+        endByForce(child);
         open();
         EXPECT_TRUE(logIn());
-        for (const std::string &container_name : containers()) {
-            HCONTAINER container = nullptr;
-            ULONG type = 0;
-            BYTE digest[32] = {};
-            ECCSIGNATUREBLOB signature = {};
-            EXPECT_EQ(SAR_OK,
-                      SKF_OpenContainer(application, text(container_name.c_str()), &container));
-            EXPECT_EQ(SAR_OK, SKF_GetContainerType(container, &type));
-            EXPECT_EQ(type == CONTAINER_TYPE_ECC ? SAR_OK : SAR_KEYNOTFOUNTERR,
-                      SKF_ECCSignData(container, digest, 32, &signature));
-            EXPECT_EQ(SAR_OK, SKF_CloseContainer(container));
-        }
+        soundKeys();
         close();
     }
 }
@@ -87,11 +91,7 @@ TEST_F(TokenProcesses, TwoThatGenerateKeysAtOnceLoseNothing) {
         return start([&, prefix] {
             bool done = logIn();
             for (int i = 0; i < each; ++i) {
-                const std::string own = prefix + std::to_string(i);
-                HCONTAINER container = nullptr;
-                ECCPUBLICKEYBLOB blob = {};
-                done &= SKF_CreateContainer(application, text(own.c_str()), &container) == SAR_OK;
-                done &= SKF_GenECCKeyPair(container, SGD_SM2_1, &blob) == SAR_OK;
+                done &= makeKey(prefix + std::to_string(i));
             }
             return done;
         });
@@ -101,50 +101,40 @@ TEST_F(TokenProcesses, TwoThatGenerateKeysAtOnceLoseNothing) {
     EXPECT_EQ(0, statusOf(first));
     EXPECT_EQ(0, statusOf(second));
     open();
-    const auto names = containers();
-    EXPECT_EQ(2U * each, names.size());
-    for (const std::string &container_name : names) {
-        HCONTAINER container = nullptr;
-        ULONG type = 0;
-        EXPECT_EQ(SAR_OK, SKF_OpenContainer(application, text(container_name.c_str()), &container));
-        EXPECT_EQ(SAR_OK, SKF_GetContainerType(container, &type));
-        EXPECT_EQ(CONTAINER_TYPE_ECC, type) << container_name;
-        EXPECT_EQ(SAR_OK, SKF_CloseContainer(container));
-    }
+    EXPECT_TRUE(logIn());
+    EXPECT_EQ(2U * each, containers().size());
+    EXPECT_EQ(2U * each, soundKeys());
 }
 
 TEST_F(TokenProcesses, AKillWinsNoFreeTriesAtThePin) {
     setVariable("TEMBRA_SOFT_TOKEN_PIN_ITERATIONS", "500000"); // long enough to be killed in
-    TembraSoftTokenApplication slow = {};
-    slow.size = sizeof slow;
-    slow.user_tries = 2;
-    slow.name = "SLOW";
-    slow.admin_pin = adminPin;
-    slow.user_pin = userPin;
-    ASSERT_EQ(SAR_OK, TembraSoftTokenAddApplication(name.c_str(), &slow));
-    const auto triesLeft = [&] {
+    addApplication("SLOW", 2);
+    const auto inSlow = [&](const std::function<void(HAPPLICATION)> &body) {
         HAPPLICATION opened = nullptr;
+        EXPECT_EQ(SAR_OK, SKF_OpenApplication(device, text("SLOW"), &opened));
+        body(opened);
+        SKF_CloseApplication(opened);
+        return true;
+    };
+    const auto triesLeft = [&] {
         ULONG left = 99;
         open();
-        EXPECT_EQ(SAR_OK, SKF_OpenApplication(device, text("SLOW"), &opened));
-        EXPECT_EQ(SAR_OK, SKF_GetPINInfo(opened, USER_TYPE, nullptr, &left, nullptr));
-        SKF_CloseApplication(opened);
+        inSlow([&](HAPPLICATION slow) {
+            EXPECT_EQ(SAR_OK, SKF_GetPINInfo(slow, USER_TYPE, nullptr, &left, nullptr));
+        });
         close();
         return left;
     };
     for (const ULONG before : {2U, 1U}) {
         ASSERT_EQ(before, triesLeft());
         const pid_t child = start([&] {
-            HAPPLICATION opened = nullptr;
-            SKF_OpenApplication(device, text("SLOW"), &opened);
-            SKF_VerifyPIN(opened, USER_TYPE, text("222222"), nullptr);
-            return true;
+            return inSlow(
+                [](HAPPLICATION slow) { SKF_VerifyPIN(slow, USER_TYPE, text("222222"), nullptr); });
         });
         while (triesLeft() == before) {
             std::this_thread::sleep_for(1ms);
         }
-        ::kill(child, SIGKILL);
-        statusOf(child);
+        endByForce(child);
     }
     EXPECT_EQ(0U, triesLeft());
 }
@@ -154,29 +144,28 @@ TEST_F(TokenProcesses, ALockedDeviceKeepsOthersFromChangesUntilItsHolderIsDone) 
     ASSERT_EQ(0, ::pipe(pipe));
     const pid_t holder = start([&] {
         const bool locked = SKF_LockDev(device, 0) == SAR_OK && SKF_LockDev(device, 0) == SAR_OK;
-        HCONTAINER container = nullptr;
-        const bool works = logIn() && SKF_CreateContainer(application, text("held"), &container) ==
-                                          SAR_OK;              // its own changes go on
+        const bool works = logIn() && makeKey("held");         // its own changes go on
         const bool unlocked = SKF_UnlockDev(device) == SAR_OK; // one of two holds is left
-        (void)!::write(pipe[1], "x", 1);
+        (void)!::write(pipe[1], locked && works && unlocked ? "y" : "n", 1);
         ::pause();
-        return locked && works && unlocked;
+        return true;
     });
-    char ready = 0;
-    ASSERT_EQ(1, ::read(pipe[0], &ready, 1));
+    char held = 0;
+    ASSERT_EQ(1, ::read(pipe[0], &held, 1));
+    EXPECT_EQ('y', held);
     open();
-    EXPECT_EQ(std::vector<std::string>{"held"}, containers()) << "reading goes on";
+    EXPECT_EQ(Names{"held"}, containers()) << "reading goes on";
     EXPECT_NE(SAR_OK, SKF_LockDev(device, 0));
-    const auto start_time = std::chrono::steady_clock::now();
+    const auto startTime = std::chrono::steady_clock::now();
     EXPECT_NE(SAR_OK, SKF_LockDev(device, 50));
-    EXPECT_LE(50ms, std::chrono::steady_clock::now() - start_time);
+    EXPECT_LE(50ms, std::chrono::steady_clock::now() - startTime);
     EXPECT_NE(SAR_OK, SKF_UnlockDev(device)) << "not its lock";
     std::thread killer([&] {
         std::this_thread::sleep_for(50ms);
         ::kill(holder, SIGKILL);
     });
     EXPECT_TRUE(logIn()); // waits
-    EXPECT_LE(90ms, std::chrono::steady_clock::now() - start_time);
+    EXPECT_LE(90ms, std::chrono::steady_clock::now() - startTime);
     killer.join();
     statusOf(holder);
     EXPECT_EQ(SAR_OK, SKF_LockDev(device, 0xFFFFFFFF));
@@ -185,6 +174,11 @@ TEST_F(TokenProcesses, ALockedDeviceKeepsOthersFromChangesUntilItsHolderIsDone) 
 }
 
 TEST_F(TokenProcesses, FilesAreTheirOwnersAlone) {
+    const mode_t mask = ::umask(0);
+    ASSERT_EQ(1, TembraSoftTokenSetJournal((directory.path() / "journal").c_str()));
+    addApplication("OTHER", 1); // writes the token's file anew
+    ::umask(mask);
+    TembraSoftTokenSetJournal(nullptr);
     for (const auto &entry : std::filesystem::directory_iterator(directory.path())) {
         struct stat status = {};
         ASSERT_EQ(0, ::stat(entry.path().c_str(), &status));
