@@ -13,7 +13,8 @@ PROVIDER_FILES = {
     "include/tembra_key_prov_entry_points.h", "lib/pkgconfig/tembra-key-prov.pc",
     "lib/cmake/TembraKeyProv/TembraKeyProvConfig.cmake",
     "lib/cmake/TembraKeyProv/TembraKeyProvConfigVersion.cmake",
-    "share/tembra-key-prov/tembra_key_prov.reg", "share/doc/tembra-key-prov/README.md",
+    "share/man/man1/tembrakey.1", "share/man/zh_CN/man1/tembrakey.1",
+    "share/bash-completion/completions/tembrakey", "share/tembra-key-prov/tembra_key_prov.reg", "share/doc/tembra-key-prov/README.md",
     "share/doc/tembra-key-prov/docs/host-guide.md",
 }
 KIT_FILES = {
@@ -119,6 +120,13 @@ class Archive(PackageTest):
         for folder in (self.provider, self.kit):
             for path in files(folder):
                 self.assertNotIn(home, (folder / path).read_bytes(), path)
+
+    def test_describes_itself(self):
+        for folder, text in (("man", "SYNOPSIS"), ("man/zh_CN", "证书")):
+            self.assertIn(text, (self.provider / "share" / folder / "man1/tembrakey.1").read_text("utf-8"))
+        self.environment["PATH"] = f"{self.provider}/bin:{self.environment['PATH']}"
+        completion = self.provider / "share/bash-completion/completions/tembrakey"
+        self.assertIn("tembrakey", self.run_command("bash", "-euc", f"source {completion}; complete -p tembrakey"))
 
     def test_documents_lead_to_each_other(self):
         self.check_links(self.provider / "share/doc")
