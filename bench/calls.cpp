@@ -2,7 +2,7 @@
 #include "platform/orvel_crypto.h"
 #include "platform/skf_arguments.h"
 #include "rows.h"
-#include "session.h"
+#include "updates.h"
 
 #include <cstring>
 
@@ -10,23 +10,17 @@ namespace tembra::bench {
 
 namespace {
 
-constexpr int PIECE = 1024; // MaxOperationLen, when no setting says otherwise
 constexpr CallMarks SILENT_AND_TRACED = {.silent = 1.10, .traced = 1.15, .bareWrite = 1.60};
-
-void *handle() {
-    void *key = nullptr;
-    SKF_SetSymmKey(nullptr, nullptr, 0, &key);
-    return key;
-}
+constexpr CallMarks TRACED = {.traced = 1.15, .bareWrite = 1.60};
 
 void measureSign(benchmark::State &state) {
     Session session;
     static unsigned char digest[32];
     static unsigned char signature[80];
     int length = sizeof(signature);
-    const auto raw = [container = handle()] {
+    const auto raw = [] {
         ECCSIGNATUREBLOB blob = {};
-        SKF_ECCSignData(container, digest, sizeof(digest), &blob);
+        SKF_ECCSignData(nullptr, digest, sizeof(digest), &blob);
         unsigned char *out = nullptr;
         int outLength = 0;
         OrvelPKICryptoEncodeECCSignature(&blob.r[32], 32, &blob.s[32], 32, &out, &outLength);
@@ -42,81 +36,37 @@ void measureSign(benchmark::State &state) {
             FLOOR_HEAD "[DeviceSign] SPI_KEYPAIR_HANDLE hKeypair = %p, int algo = %d, "
                        "const void *param = %p, const unsigned char *tbs = %p, int tbslen = %d, "
                        "unsigned char *sign = %p, int signlen = %d, int *pretsignlen = %d \n",
-            static_cast<void *>(key), ORVEL_PKI_ALGORITHM_SM2_SIGN, static_cast<void *>(nullptr),
-            static_cast<void *>(digest), 32, static_cast<void *>(signature), 80, length);
+            key, ORVEL_PKI_ALGORITHM_SM2_SIGN, nullptr, digest, 32, signature, 80, length);
     };
     provider(); // length is from now on what it is in every line
-    measureCall(state, Call{"DeviceSign (SM2, 32 bytes)", raw, provider, 4, true},
-                SILENT_AND_TRACED, line);
+    measureCall(state, {"DeviceSign (SM2, 32 bytes)", 4, true, SILENT_AND_TRACED}, raw, provider,
+                line);
 }
 
 void measureRandom(benchmark::State &state) {
     Session session;
     static unsigned char random[32];
-    const auto raw = [device = handle()] { SKF_GenRandom(device, random, sizeof(random)); };
+    const auto raw = [] { SKF_GenRandom(nullptr, random, sizeof(random)); };
     const auto provider = [device = session.device] {
         DeviceGenerateRandom(device, sizeof(random), random);
     };
     const auto line = [device = session.device] {
         writeFloorLine(FLOOR_HEAD "[DeviceGenerateRandom] hDevice = %p, int len = %d, "
                                   "unsigned char *rand = %p \n",
-                       static_cast<void *>(device), 32, static_cast<void *>(random));
+                       device, 32, random);
     };
-    measureCall(state, Call{"DeviceGenerateRandom (32 bytes)", raw, provider, 3, true},
-                {.traced = 1.15, .bareWrite = 1.60}, line);
+    measureCall(state, {"DeviceGenerateRandom (32 bytes)", 3, true, TRACED}, raw, provider, line);
 }
 
-void measureHashUpdate(benchmark::State &state, const std::string &size, int length,
-                       const CallMarks &marks) {
+template <typename Update>
+void measureUpdate(benchmark::State &state, const std::string &size, int length,
+                   const CallMarks &marks) {
     Session session;
-    const std::vector<unsigned char> data(static_cast<std::size_t>(length));
-    const SPI_HASH_HANDLE hash = DeviceNewHash(session.device, ORVEL_PKI_ALGORITHM_SM3);
-    const auto raw = [token = handle(), &data, length] {
-        for (int done = 0; done < length; done += PIECE)
-            SKF_DigestUpdate(token, skfInput(&data[static_cast<std::size_t>(done)]), PIECE);
-    };
-    const auto provider = [hash, &data, length] { DeviceHashUpdate(hash, data.data(), length); };
-    const auto line = [hash, &data, length] {
-        writeFloorLine(FLOOR_HEAD "[DeviceHashUpdate] SPI_HASH_HANDLE hHash = %p, "
-                                  "const unsigned char *data = %p, int datalen = %d \n",
-                       static_cast<void *>(hash), static_cast<const void *>(data.data()), length);
-    };
-    measureCall(state, Call{"DeviceHashUpdate (" + size + ")", raw, provider, 3, false}, marks,
-                line);
-    setLevel("0");
-    DeviceFreeHash(hash);
-}
-
-void measureCipherUpdate(benchmark::State &state, const std::string &size, int length) {
-    Session session;
-    std::vector<unsigned char> data(static_cast<std::size_t>(length));
-    const unsigned char key[16] = {};
-    const SPI_CIPHER_HANDLE cipher =
-        DeviceNewCipher(session.device, 1, ORVEL_PKI_ALGORITHM_SMS4_CBC, key, sizeof(key), key);
-    int outLength = 0;
-    const auto raw = [token = handle(), &data, length] {
-        for (int done = 0; done < length; done += PIECE) {
-            unsigned char *piece = &data[static_cast<std::size_t>(done)];
-            ULONG pieceLength = PIECE;
-            SKF_EncryptInit(token, {});
-            SKF_Encrypt(token, piece, PIECE, piece, &pieceLength);
-        }
-    };
-    const auto provider = [cipher, &data, length, &outLength] {
-        DeviceCipherUpdate(cipher, data.data(), length, data.data(), length, &outLength);
-    };
-    const auto line = [cipher, &data, length, &outLength] {
-        writeFloorLine(FLOOR_HEAD
-                       "[DeviceCipherUpdate] SPI_CIPHER_HANDLE hCipher = %p, "
-                       "const unsigned char *in = %p, int inlen = %d, unsigned char *out = %p, "
-                       "int outlen = %d, int *pretoutlen = %p \n",
-                       static_cast<void *>(cipher), static_cast<void *>(data.data()), length,
-                       static_cast<void *>(data.data()), length, static_cast<void *>(&outLength));
-    };
-    measureCall(state, Call{"DeviceCipherUpdate (" + size + ")", raw, provider, 5, false}, {},
-                line);
-    setLevel("0");
-    DeviceFreeCipher(cipher);
+    Update update(session, length);
+    measureCall(
+        state, {Update::NAME + (" (" + size + ")"), Update::STATEMENTS, false, marks},
+        [&update] { update.raw(); }, [&update] { update.provider(); },
+        [&update] { update.line(); });
 }
 
 void measureFindKeypair(benchmark::State &state) {
@@ -139,8 +89,7 @@ void measureFindKeypair(benchmark::State &state) {
     const auto line = [device = session.device, &wanted, key = SPI_KEYPAIR_HANDLE{}] {
         writeFloorLine(FLOOR_HEAD "[DeviceFindKeypair] hDevice = %p, int type = %d, const char "
                                   "*label = %s, SPI_KEYPAIR_HANDLE *phKeypair = %p \n",
-                       static_cast<void *>(device), 1, wanted.c_str(),
-                       static_cast<const void *>(&key));
+                       device, 1, wanted.c_str(), &key);
     };
     const auto giveBack = [&found] {
         setLevel("0");
@@ -148,10 +97,10 @@ void measureFindKeypair(benchmark::State &state) {
             DeviceFreeKeypair(key);
         found.clear();
     };
-    measureCall(state,
-                Call{"DeviceFindKeypair (the last of 64; raw: 64 comparisons)", raw, provider, 3,
-                     true, giveBack},
-                {.traced = 1.15, .bareWrite = 1.60}, line);
+    measureCall(
+        state,
+        {"DeviceFindKeypair (the last of 64; raw: 64 comparisons)", 3, true, TRACED, giveBack}, raw,
+        provider, line);
 }
 
 void discoverRaw() {
@@ -198,14 +147,25 @@ void measureDiscovery(benchmark::State &state, int containers) {
     // certificate.
     const int statements = 9 + containers * 2 * 7;
     measureCall(state,
-                Call{"DeviceGetAllDevices (" + std::to_string(containers) + " containers)",
-                     &discoverRaw, provider, statements, true, giveBack},
-                {}, [] {});
+                {"DeviceGetAllDevices (" + std::to_string(containers) + " containers)",
+                 statements,
+                 true,
+                 {},
+                 giveBack},
+                &discoverRaw, provider, [] {});
 }
 
-template <typename Row>
-void add(const char *name, int rounds, Row row) {
-    benchmark::RegisterBenchmark(name, row)->Iterations(rounds)->UseManualTime();
+// Large updates over a token that takes its time for every piece, silent.
+template <typename Update>
+void measurePieces(benchmark::State &state, const char *over, double mark, const NullToken &token) {
+    Session session;
+    nullToken = token;
+    Update update(session, 1 << 20);
+    Pairing pairing(state, std::string(Update::NAME) + " (1 MB) over a token " + over);
+    const auto pieces = pairing.add({"raw pieces", repeat([&update] { update.raw(); })});
+    const auto level0 = pairing.add({"level 0", repeat([&update] { update.provider(); })});
+    pairing.compare(level0, pieces, mark);
+    pairing.measure();
 }
 
 } // namespace
@@ -215,23 +175,30 @@ void registerCalls(int rounds) {
     add("random", rounds, measureRandom);
     add("find_keypair", rounds, measureFindKeypair);
     const struct {
-        const char *text;
+        std::string text;
         int bytes;
         CallMarks marks;
     } sizes[] = {{"1 KB", 1 << 10, SILENT_AND_TRACED},
                  {"64 KB", 1 << 16, {}},
                  {"1 MB", 1 << 20, {.silent = 1.10}}};
     for (const auto &size : sizes)
-        add((std::string("hash_update/") + size.text).c_str(), rounds,
-            [size](benchmark::State &state) {
-                measureHashUpdate(state, size.text, size.bytes, size.marks);
-            });
+        add("hash_update/" + size.text, rounds, [size](benchmark::State &state) {
+            measureUpdate<HashUpdate>(state, size.text, size.bytes, size.marks);
+        });
     for (const auto &size : sizes)
-        add((std::string("cipher_update/") + size.text).c_str(), rounds,
-            [size](benchmark::State &state) { measureCipherUpdate(state, size.text, size.bytes); });
+        add("cipher_update/" + size.text, rounds, [size](benchmark::State &state) {
+            measureUpdate<CipherUpdate>(state, size.text, size.bytes, {});
+        });
     for (const int containers : {1, 32})
-        add(("discovery/" + std::to_string(containers)).c_str(), rounds,
+        add("discovery/" + std::to_string(containers), rounds,
             [containers](benchmark::State &state) { measureDiscovery(state, containers); });
+    add("pieces/hash", rounds, [](benchmark::State &state) {
+        measurePieces<HashUpdate>(state, "that takes 0.5 us a piece", 1.02,
+                                  {.digestPiece = std::chrono::nanoseconds(500)});
+    });
+    add("pieces/cipher", rounds, [](benchmark::State &state) {
+        measurePieces<CipherUpdate>(state, "of 100 MB/s", 1.10, {.cipherNanosecondsPerByte = 10.0});
+    });
 }
 
 } // namespace tembra::bench

@@ -27,7 +27,7 @@ LineHead lineHead();
 // begins with FLOOR_HEAD and ends in " \n".
 #define FLOOR_HEAD "%ld %s [INFO] "
 
-template <typename... Values>
+template <typename... Values> // numbers, pointers and, for %s, const char *
 void writeFloorLine(const char *format, Values... values) {
     const LineHead head = lineHead();
     char line[1024];

@@ -76,11 +76,9 @@ void measureTenThousand(benchmark::State &state) {
         seconds.push_back(std::max({forwards, backwards, mixed}));
         state.SetIterationTime(forwards + backwards + mixed);
     }
-    char value[32];
-    std::snprintf(value, sizeof(value), "%.3f s", median(seconds));
     Table::instance().add({.section = TITLE,
                            .what = "10,000 made and freed, in the dearest of three orders",
-                           .value = value,
+                           .value = text("%.3f s", median(seconds)),
                            .mark = "< 1 s",
                            .met = median(seconds) < 1});
 }
@@ -88,10 +86,8 @@ void measureTenThousand(benchmark::State &state) {
 } // namespace
 
 void registerHandles(int rounds) {
-    benchmark::RegisterBenchmark("handles/live", measureLive)->Iterations(rounds)->UseManualTime();
-    benchmark::RegisterBenchmark("handles/ten_thousand", measureTenThousand)
-        ->Iterations((rounds + 9) / 10)
-        ->UseManualTime();
+    add("handles/live", rounds, measureLive);
+    add("handles/ten_thousand", (rounds + 9) / 10, measureTenThousand);
 }
 
 } // namespace tembra::bench

@@ -10,14 +10,14 @@ namespace {
 
 void measureHex(benchmark::State &state, int length) {
     const std::vector<unsigned char> data(static_cast<std::size_t>(length), 0xA5);
-    std::vector<char> text(2 * data.size() + 1);
+    std::vector<char> digits(2 * data.size() + 1);
     const long calls = (4 << 20) / length; // 4 MB a round
     std::vector<double> gigabytesPerSecond;
     for (auto _ : state) {
         const auto start = std::chrono::steady_clock::now();
         for (long i = 0; i < calls; ++i) {
-            hexEncode(data.data(), length, text.data());
-            benchmark::DoNotOptimize(text.data());
+            hexEncode(data.data(), length, digits.data());
+            benchmark::DoNotOptimize(digits.data());
             benchmark::ClobberMemory();
         }
         const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
@@ -26,11 +26,9 @@ void measureHex(benchmark::State &state, int length) {
     }
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * calls * length);
     const double speed = median(gigabytesPerSecond);
-    char value[32];
-    std::snprintf(value, sizeof(value), "%.2f GB/s", speed);
     Table::instance().add({.section = "hexEncode",
                            .what = std::to_string(length) + " bytes of input at a time",
-                           .value = value,
+                           .value = text("%.2f GB/s", speed),
                            .mark = ">= 2 GB/s",
                            .met = speed >= 2});
 }
@@ -39,11 +37,8 @@ void measureHex(benchmark::State &state, int length) {
 
 void registerHex(int rounds) {
     for (const int length : {1 << 10, 1 << 16, 1 << 20})
-        benchmark::RegisterBenchmark(
-            ("hex/" + std::to_string(length)).c_str(),
-            [length](benchmark::State &state) { measureHex(state, length); })
-            ->Iterations(rounds)
-            ->UseManualTime();
+        add("hex/" + std::to_string(length), rounds,
+            [length](benchmark::State &state) { measureHex(state, length); });
 }
 
 } // namespace tembra::bench

@@ -28,7 +28,6 @@ int main(int argc, char **argv) {
         }
     }
     tembra::bench::registerCalls(rounds);
-    tembra::bench::registerPieces(rounds);
     tembra::bench::registerHex(rounds);
     tembra::bench::registerHandles(rounds);
     tembra::bench::registerThreads(rounds);

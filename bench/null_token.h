@@ -1,5 +1,5 @@
 // The token and the host library of the benchmarks: every call returns at once, unless a time is
-// set.
+// set. What no measurement calls they don't have.
 #pragma once
 
 #include <chrono>

@@ -8,8 +8,18 @@
 namespace tembra::bench {
 
 namespace {
+
 constexpr long MOST_CALLS = 20'000; // of a batch, so that what the calls leave behind stays small
+
+std::string timeText(double nanoseconds) {
+    if (nanoseconds < 1e3)
+        return text("%.1f ns", nanoseconds);
+    if (nanoseconds < 1e6)
+        return text("%.2f us", nanoseconds / 1e3);
+    return text("%.2f ms", nanoseconds / 1e6);
 }
+
+} // namespace
 
 double median(std::vector<double> values) {
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
@@ -76,12 +86,14 @@ void Pairing::report(const Comparison &comparison) {
     const double ratio = median(ratios);
     const std::string what = subject.contender.name + " / " + reference.contender.name;
     state.counters[what] = ratio;
-    Table::instance().add({.section = title,
-                           .what = what,
-                           .ratio = ratio,
-                           .mark = comparison.mark,
-                           .nanoseconds = median(subject.nanoseconds),
-                           .against = median(reference.nanoseconds)});
+    Table::instance().add(
+        {.section = title,
+         .what = what,
+         .value = text(ratio < 10 ? "%.3f" : "%.0f", ratio),
+         .mark = comparison.mark == NO_MARK ? "" : text("<= %.2f", comparison.mark),
+         .met = comparison.mark == NO_MARK || ratio <= comparison.mark,
+         .taken = timeText(median(subject.nanoseconds)),
+         .against = timeText(median(reference.nanoseconds))});
 }
 
 } // namespace tembra::bench

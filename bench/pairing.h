@@ -27,6 +27,12 @@ std::function<void(long)> repeat(Call call) {
     };
 }
 
+// A benchmark that is measured so often.
+template <typename Rows>
+void add(const std::string &name, int rounds, Rows rows) {
+    benchmark::RegisterBenchmark(name.c_str(), rows)->Iterations(rounds)->UseManualTime();
+}
+
 inline constexpr double NO_MARK = 0;
 
 class Pairing {

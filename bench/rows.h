@@ -3,8 +3,7 @@
 
 namespace tembra::bench {
 
-void registerCalls(int rounds);   // one entry point at a time, over a token that answers at once
-void registerPieces(int rounds);  // updates over a token that takes its time
+void registerCalls(int rounds);   // one entry point at a time
 void registerThreads(int rounds); // several threads at once
 void registerHandles(int rounds); // hash handles by the number of live ones
 void registerHex(int rounds);     // hex texts

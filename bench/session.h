@@ -7,6 +7,7 @@
 namespace tembra::bench {
 
 inline constexpr const char *FIRST_LABEL = "container 00";
+inline constexpr int PIECE = 1024; // MaxOperationLen, when no setting says otherwise
 
 class Session {
 public:

@@ -1,44 +1,38 @@
 // What the measurements found, for people.
 #pragma once
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
 namespace tembra::bench {
 
-struct Ratio {
-    std::string section;
-    std::string what; // "subject / reference"
-    double ratio;
-    double mark; // what the ratio must not exceed; 0 for none
-    double nanoseconds;
-    double against;
-};
+template <typename... Values>
+std::string text(const char *format, Values... values) {
+    char buffer[256];
+    std::snprintf(buffer, sizeof(buffer), format, values...);
+    return buffer;
+}
 
-// A result that is no ratio of two times.
-struct Figure {
+struct Row {
     std::string section;
-    std::string what;
+    std::string what; // "subject / reference", when the value is the ratio of two times
     std::string value;
-    std::string mark; // as text; empty for none
-    bool met;
+    std::string mark; // empty for none
+    bool met = true;
+    std::string taken = {}; // the two times
+    std::string against = {};
 };
 
 class Table {
 public:
     static Table &instance();
 
-    void add(const Ratio &row);
-    void add(const Figure &row);
+    void add(Row row) { rows.push_back(std::move(row)); }
     void print() const;
 
 private:
-    struct Line {
-        std::string section;
-        std::string text;
-        bool missed;
-    };
-    std::vector<Line> lines;
+    std::vector<Row> rows;
 };
 
 } // namespace tembra::bench

@@ -122,15 +122,9 @@ void measureTracedSign(benchmark::State &state) {
 
 void registerThreads(int rounds) {
     const int fewer = (rounds + 3) / 4;
-    benchmark::RegisterBenchmark("threads/slow_sign", measureSlowSign)
-        ->Iterations(fewer)
-        ->UseManualTime();
-    benchmark::RegisterBenchmark("threads/traced_hash", measureTracedHash)
-        ->Iterations(fewer)
-        ->UseManualTime();
-    benchmark::RegisterBenchmark("threads/traced_sign", measureTracedSign)
-        ->Iterations(fewer)
-        ->UseManualTime();
+    add("threads/slow_sign", fewer, measureSlowSign);
+    add("threads/traced_hash", fewer, measureTracedHash);
+    add("threads/traced_sign", fewer, measureTracedSign);
 }
 
 } // namespace tembra::bench
