@@ -22,6 +22,11 @@ void readable(const void *data, std::size_t size) {
     }
 }
 
+// A host that signs nothing of a length is the token's to refuse.
+void readableIfThere(const void *data, std::size_t size) {
+    readable(data, data == nullptr ? 0 : size);
+}
+
 void writable(void *data, const ULONG *capacity) {
     void *const volatile at = data; // else the compiler sees that nothing moves
     if (data != nullptr) {
@@ -59,10 +64,11 @@ void watchKeys() {
                readable(key, keyLength);
                readable(data, length);
            });
-    before(s.SKF_ECCSignData,
-           [](void *, BYTE *data, ULONG length, ECCSIGNATUREBLOB *) { readable(data, length); });
+    before(s.SKF_ECCSignData, [](void *, BYTE *data, ULONG length, ECCSIGNATUREBLOB *) {
+        readableIfThere(data, length);
+    });
     before(s.SKF_RSASignData, [](void *, BYTE *data, ULONG length, BYTE *out, ULONG *capacity) {
-        readable(data, length);
+        readableIfThere(data, length);
         writable(out, capacity);
     });
     before(s.SKF_ECCDecrypt, [](void *, BOOL, ECCCIPHERBLOB *blob, BYTE *out, ULONG *capacity) {

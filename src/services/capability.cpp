@@ -39,13 +39,13 @@ struct Row {
     const char *supported; // null: an answer of 1 writes nothing
 };
 
-constexpr std::uint32_t usages(int a) {
+consteval std::uint32_t usages(int a) {
     return 1u << a;
 }
-constexpr std::uint32_t usages(int a, int b) {
+consteval std::uint32_t usages(int a, int b) {
     return 1u << a | 1u << b;
 }
-constexpr std::uint32_t usages(int a, int b, int c) {
+consteval std::uint32_t usages(int a, int b, int c) {
     return 1u << a | 1u << b | 1u << c;
 }
 

@@ -82,7 +82,7 @@ TEST_F(Settings, RoundTheOperationLengthUp) {
         {"dword:00000011", "32"},
         {"dword:00000010", "16"},
         {"dword:00000001", "16"},
-        {"dword:000003e8", "1008"},
+        {"dword:000003E8", "1008"},
         {"dword:00000000", "1024"},
         {"dword:ffffffff", "1024"},
         {"dword:80000000", "1024"},
@@ -149,12 +149,16 @@ TEST_F(Settings, AreReadInEveryFormTheEditorWrites) {
         "\"HASSM3\"=dword:00000001\r\n\"hassm4\"=DWORD:00000001\r\n"
         "\"maxoperationlen\"=dword:00000020\r\n"
         "\"supportgdkmsm2import\"=dword:00000001\r\n";
+    const std::string removed = "[-" + section.substr(section.rfind("[HKEY") + 1);
     const std::string around = "[HKEY_LOCAL_MACHINE\\Other]\r\n\"HasSM3\"=dword:00000009\r\n\r\n" +
-                               section + values + "; a comment\r\n" +
+                               section + "\"HasSM4\"=dword:00000009\r\n" + removed + section +
+                               values +
+                               "\"HasSM3\" = \tdword:1 ; \xE8\xAE\xBE \xF0\x9F\x98\x80\r\n" +
                                "\r\n[HKEY_CURRENT_USER\\Other]\r\n\"HasSM4\"=dword:00000009\r\n";
     const Lines expected = traceOfInit("", "1", "", "1", "32", "", "1");
     EXPECT_EQ(init(head + section + values), expected);
-    EXPECT_EQ(init(utf16(head + section + values)), expected) << "UTF-16";
+    EXPECT_EQ(init(utf16(head + section + values) + std::string("\xBE\x8B;", 3)), expected)
+        << "UTF-16";
     EXPECT_EQ(init("\xEF\xBB\xBF" + head + section + values), expected) << "UTF-8 with a mark";
     EXPECT_EQ(init(bare), expected) << "bare lines";
     EXPECT_EQ(init(shouting), expected) << "letter case";
@@ -166,11 +170,16 @@ TEST_F(Settings, SurviveDamagedFiles) {
          {section.substr(0, section.size() - 3), section + "\"HasSM3\"", section + "\"HasSM3",
           section + "\"HasSM3\"=", section + "\"HasSM3\"=dword:", section + "\"HasSM3\"=dword:xyz",
           section + "\"HasSM3\"=\"open", section + "\"HasSM3\"=hex:0",
-          section + "\"HasSM3\"=hex:\\", section + "HasSM3=dword:1", std::string("\xFF\xFE"),
+          section + "\"HasSM3\"=hex:\\", section + "\"HasSM3\"=hex(b:1",
+          section + "\"HasSM3\"=hexadecimal", section + "\"HasSM3\" 1",
+          section + "\"HasSM3\"=\"\\\"\"", section + "HasSM3=dword:1", std::string("\xFF\xFE"),
           std::string("\xFF\xFE["), section + std::string(100000, 'x'),
           section + '\0' + "\"HasSM4\"=dword:1", utf16(section).substr(0, 101)}) {
         EXPECT_EQ(init(file).back(), info("DeviceInit", "isSupportGDKMSM2Import : 0")) << file;
     }
+    EXPECT_EQ(DeviceEnd(), 1);
+    setVariable("TEMBRA_KEY_PROV_REGISTRY", std::nullopt); // the file of the system, if any
+    EXPECT_EQ(DeviceInit(), 1);
 }
 
 TEST_F(Settings, FailOnlyWithoutPseudoDevice) {

@@ -4,7 +4,10 @@
 #include "trace_capture.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstdlib>
 #include <ctime>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <sstream>
@@ -30,7 +33,7 @@ void inChild(Action action) {
         setVariable("TEMBRA_KEY_PROV_LOG_LEVEL", std::nullopt);
         umask(0);
         action();
-        _exit(::testing::Test::HasFailure() ? 1 : 0);
+        std::exit(::testing::Test::HasFailure() ? 1 : 0);
     }
     int status = -1;
     ASSERT_EQ(waitpid(child, &status, 0), child);
@@ -123,6 +126,33 @@ TEST_F(TraceFile, ConcurrentFirstLinesAreAllWhole) {
     EXPECT_EQ(linesIn(in("trace.log")), static_cast<std::size_t>(threads * linesEach));
 }
 
+// Opening a pipe waits for its reader, so both threads are in there at once.
+TEST_F(TraceFile, ThreadsThatOpenAtOnceKeepOneFile) {
+    inChild([this] {
+        const std::string pipe = in("pipe").string();
+        ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+        setVariable(pathVariable, pipe);
+        std::thread first(writeLine), second(writeLine);
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        const int reader = open(pipe.c_str(), O_RDONLY);
+        first.join();
+        second.join();
+        writeLine();
+        char text[1000];
+        const ssize_t size = read(reader, text, sizeof text);
+        ASSERT_GT(size, 0);
+        EXPECT_EQ(parseTrace(std::string(text, static_cast<std::size_t>(size))).size(), 3u);
+    });
+}
+
+TEST_F(TraceFile, FullMediumLosesLinesAndNothingElse) {
+    inChild([] {
+        setVariable(pathVariable, "/dev/full");
+        writeLine();
+        writeLine();
+    });
+}
+
 // A line of 64 KB takes a copy that grows, and more than what a stream would hold.
 TEST_F(TraceFile, LongLinesOfSeveralProcessesAreAllWhole) {
     constexpr int processes = 4;
@@ -138,7 +168,7 @@ TEST_F(TraceFile, LongLinesOfSeveralProcessesAreAllWhole) {
                 DeviceCipherUpdate(nullptr, data.data(), static_cast<int>(data.size()), nullptr, 0,
                                    nullptr);
             }
-            _exit(0);
+            std::exit(0);
         }
     }
     for (const pid_t child : children) {
@@ -166,7 +196,7 @@ TEST_F(TraceFile, ForkedProcessHasItsOwnThreadId) {
         const pid_t child = fork();
         if (child == 0) {
             writeLine();
-            _exit(0);
+            std::exit(0);
         }
         waitpid(child, nullptr, 0);
         std::istringstream text(readFile(in("trace.log")));

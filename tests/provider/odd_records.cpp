@@ -1,0 +1,96 @@
+// Records as no discovery makes them: what another thread's deletion, or a stray write of the host,
+// can leave. Every entry point has an answer.
+#include "scripted_test.h"
+
+#include "provider/records.h"
+
+namespace tembra::test {
+namespace {
+
+class OddRecords : public ScriptedTest {
+protected:
+    void SetUp() override {
+        ScriptedTest::SetUp();
+        insert({ecc("c", true, true)});
+        signer = pair("c", ORVEL_PKI_KEYPAIRTYPE_SIGNATURE);
+    }
+    int sign() {
+        mark();
+        return DeviceSign(signer, ORVEL_PKI_ALGORITHM_SM2_SIGN, nullptr, bytes, 32, bytes, 100,
+                          &length);
+    }
+    int decrypt() {
+        const int sm3 = ORVEL_PKI_ALGORITHM_SM3;
+        mark();
+        bytes[0] = 4;
+        return DevicePrivateKeyDecrypt(signer, ORVEL_PKI_ALGORITHM_SM2_ENC, &sm3, bytes, 100, bytes,
+                                       100, &length);
+    }
+
+    SPI_KEYPAIR_HANDLE signer = nullptr;
+    unsigned char bytes[1200] = {};
+    int length = 0;
+};
+
+TEST_F(OddRecords, UnknownAlgorithm) {
+    signer->m_algo = 2;
+    EXPECT_EQ(sign(), -1);
+    EXPECT_THAT(trace().failures(), ElementsAre(error("DeviceSign", "error algo")));
+    EXPECT_EQ(decrypt(), 0);
+    EXPECT_THAT(trace().failures(),
+                ElementsAre(error("DevicePrivateKeyDecrypt",
+                                  "unsupport hKeypair->m_algo, hKeypair->m_algo = 2")));
+}
+
+TEST_F(OddRecords, UnknownKeyType) {
+    signer->m_keytype = 3;
+    EXPECT_EQ(DeviceGetPublicKeyFromKeypair(signer), nullptr);
+    EXPECT_TRUE(trace().contains(
+        info("DeviceGetPublicKeyFromKeypair", "unsupported keytype! hKeypair->m_keytype : 3")));
+    EXPECT_EQ(DeviceGetCertificateCount(signer), -1);
+}
+
+TEST_F(OddRecords, EmptyPublicKeyAndNoSerialNumber) {
+    SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(signer);
+    key->m_pubKeyLen = 0;
+    mark();
+    EXPECT_EQ(DeviceExportPublicKey(key, bytes, 1000, &length), -1);
+    EXPECT_THAT(trace().failures(),
+                ElementsAre(error("DeviceExportPublicKey", "m_pubKey==0 || m_pubKey<=0 ")));
+    DeviceFreePublicKey(key);
+    std::free(device->m_serialNumber);
+    device->m_serialNumber = nullptr;
+    mark();
+    EXPECT_EQ(DeviceGetSerialNumber(device, nullptr, 0, &length), 0);
+    EXPECT_THAT(trace().failures(),
+                ElementsAre(error("DeviceGetSerialNumber", "rv = hDevice->m_serialNumber == 0")));
+}
+
+TEST_F(OddRecords, ContainerGone) {
+    for (const int index : {0, -1, 32}) { // no container there, or no slot
+        signer->m_index = index;
+        TembraContainer *container = device->m_containers[0];
+        device->m_containers[0] = nullptr;
+        EXPECT_EQ(sign(), 0);
+        EXPECT_EQ(decrypt(), 0);
+        EXPECT_EQ(DeviceGetPublicKeyFromKeypair(signer), nullptr);
+        EXPECT_EQ(DeviceGetCertificateCount(signer), -1);
+        EXPECT_EQ(DeviceGetCertificate(signer, 0, bytes, 10, &length), -2);
+        EXPECT_EQ(DeviceUpdateCertificate(signer, bytes, 10), -2);
+        EXPECT_EQ(DeviceDeleteKeypair(signer), -2);
+        device->m_containers[0] = container;
+    }
+}
+
+TEST_F(OddRecords, KeylessContainerWithAKey) {
+    const TembraEccParam sm2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
+    device->m_containers[0]->m_type = CONTAINER_TYPE_EMPTY;
+    SPI_KEYPAIR_HANDLE made = nullptr;
+    EXPECT_EQ(DeviceGenerateKeypair(device, ORVEL_PKI_ALGORITHM_ECC, 256, &sm2,
+                                    ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, "new", &made),
+              1);
+    DeviceFreeKeypair(made); // the old key was given back, or the fixture finds it
+}
+
+} // namespace
+} // namespace tembra::test
