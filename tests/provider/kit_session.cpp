@@ -1,5 +1,4 @@
 // Whole sessions over the development kit: real cryptography, real files, also as DLLs.
-#include "../../src/platform/orvel_crypto.h"
 #include "kit_test.h"
 #include "leaks.h"
 #include "typical_session.h"
@@ -19,26 +18,6 @@ Bytes hex(const std::string &digits) {
 
 class KitSession : public KitTest {
 protected:
-    // What the host library makes of a plaintext under the pair's public key.
-    Bytes encrypted(SPI_KEYPAIR_HANDLE pair, int algo, const void *param, const Bytes &plain) {
-        SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(pair);
-        Bytes encoded(1024);
-        int length = 0;
-        EXPECT_EQ(DeviceExportPublicKey(key, encoded.data(), 1024, &length), 1);
-        DeviceFreePublicKey(key);
-        void *pseudo = OrvelPKICryptoGetPseudoDevice();
-        void *imported = nullptr;
-        EXPECT_EQ(OrvelPKICryptoImportPublicKey(pseudo, encoded.data(), length, &imported), 1);
-        unsigned char *out = nullptr;
-        EXPECT_EQ(OrvelPKICryptoPublicKeyEncrypt(imported, algo, param, plain.data(),
-                                                 static_cast<int>(plain.size()), &out, &length),
-                  1);
-        const Bytes cipher(out, out + length);
-        OrvelPKICryptoFreeMemory(out);
-        OrvelPKICryptoFreePublicKey(imported);
-        OrvelPKICryptoFreeDevice(pseudo);
-        return cipher;
-    }
     Bytes ciphered(int enc, int algo, const Bytes &key, const Bytes &iv, const Bytes &in,
                    std::size_t step) {
         SPI_CIPHER_HANDLE cipher = DeviceNewCipher(device, enc, algo, key.data(), 16, iv.data());

@@ -1,5 +1,6 @@
 #include "kit_test.h"
 
+#include "../../src/platform/orvel_crypto.h"
 #include "tembra_devkit_faults.h"
 #include "tembra_soft_token.h"
 
@@ -57,13 +58,6 @@ void KitTest::logIn() {
     ASSERT_EQ(DeviceVerifyPwd(device, TEMBRA_PWD_USER, userPin, nullptr), 1);
 }
 
-SPI_KEYPAIR_HANDLE KitTest::find(const char *label, int type) {
-    SPI_KEYPAIR_HANDLE handle = nullptr;
-    EXPECT_EQ(DeviceFindKeypair(device, type, label, &handle), 1) << label;
-    pairs_.push_back(handle);
-    return handle;
-}
-
 SPI_KEYPAIR_HANDLE KitTest::generate(const char *label, int algo, int bits) {
     const TembraEccParam sm2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
     SPI_KEYPAIR_HANDLE handle = nullptr;
@@ -71,19 +65,28 @@ SPI_KEYPAIR_HANDLE KitTest::generate(const char *label, int algo, int bits) {
                                     algo == ORVEL_PKI_ALGORITHM_ECC ? &sm2 : nullptr,
                                     ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, label, &handle),
               1);
-    pairs_.push_back(handle);
+    pairs.push_back(handle);
     return handle;
 }
 
-void KitTest::release() {
-    for (SPI_KEYPAIR_HANDLE handle : pairs_) {
-        DeviceFreeKeypair(handle);
-    }
-    pairs_.clear();
-    DeviceFreeDevice(device);
-    DeviceFreeDevices(set);
-    device = nullptr;
-    set = nullptr;
+Bytes KitTest::encrypted(SPI_KEYPAIR_HANDLE pair, int algo, const void *param, const Bytes &plain) {
+    SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(pair);
+    Bytes encoded(1024);
+    int length = 0;
+    EXPECT_EQ(DeviceExportPublicKey(key, encoded.data(), 1024, &length), 1);
+    DeviceFreePublicKey(key);
+    void *pseudo = OrvelPKICryptoGetPseudoDevice();
+    void *imported = nullptr;
+    EXPECT_EQ(OrvelPKICryptoImportPublicKey(pseudo, encoded.data(), length, &imported), 1);
+    unsigned char *out = nullptr;
+    EXPECT_EQ(OrvelPKICryptoPublicKeyEncrypt(imported, algo, param, plain.data(),
+                                             static_cast<int>(plain.size()), &out, &length),
+              1);
+    const Bytes cipher(out, out + length);
+    OrvelPKICryptoFreeMemory(out);
+    OrvelPKICryptoFreePublicKey(imported);
+    OrvelPKICryptoFreeDevice(pseudo);
+    return cipher;
 }
 
 } // namespace tembra::test

@@ -2,8 +2,8 @@
 // as well.
 #pragma once
 
+#include "held_handles.h"
 #include "process_environment.h"
-#include "tembra_key_prov.h"
 #include "trace_capture.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@ namespace tembra::test {
 
 using Bytes = std::vector<unsigned char>;
 
-class KitTest : public ::testing::Test {
+class KitTest : public ::testing::Test, protected HeldHandles {
 protected:
     static constexpr const char *adminPin = "admin-12345";
     static constexpr const char *userPin = "12345678";
@@ -25,20 +25,16 @@ protected:
 
     void discover(); // anew, logged out
     void logIn();
-    // The pair of this kind, or a new signature pair; given back at the end.
-    SPI_KEYPAIR_HANDLE find(const char *label, int type);
+    // A new signature pair, given back at the end.
     SPI_KEYPAIR_HANDLE generate(const char *label, int algo, int bits);
-    void release();
+    // What the host library makes of a plaintext under the pair's public key.
+    static Bytes encrypted(SPI_KEYPAIR_HANDLE pair, int algo, const void *param,
+                           const Bytes &plain);
 
     TemporaryDirectory directory;
     std::string token;
-    SPI_DEVICESET_HANDLE set = nullptr;
-    SPI_DEVICE_HANDLE device = nullptr;
     bool started = false;
     bool keepsDevice = false; // by contract, after a deletion
-
-private:
-    std::vector<SPI_KEYPAIR_HANDLE> pairs_;
 };
 
 } // namespace tembra::test

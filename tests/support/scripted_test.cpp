@@ -39,6 +39,9 @@ std::string debug(const std::string &function, const std::string &message) {
 std::string verbose(const std::string &function, const std::string &message) {
     return line("VERBOSE", function, message);
 }
+Lines errors(const std::string &function, const char *message) {
+    return message == nullptr ? Lines() : Lines{error(function, message)};
+}
 
 Bytes bytesOf(const std::string &text) {
     return Bytes(text.begin(), text.end());
@@ -125,24 +128,9 @@ ApplicationModel &ScriptedTest::insert(std::initializer_list<ContainerModel> con
 }
 
 SPI_KEYPAIR_HANDLE ScriptedTest::pair(const char *label, int type) {
-    SPI_KEYPAIR_HANDLE handle = nullptr;
-    EXPECT_EQ(DeviceFindKeypair(device, type, label, &handle), 1) << label;
-    if (handle != nullptr) {
-        pairs_.push_back(handle);
-    }
+    const SPI_KEYPAIR_HANDLE handle = find(label, type);
     mark();
     return handle;
-}
-
-void ScriptedTest::release() {
-    for (SPI_KEYPAIR_HANDLE handle : pairs_) {
-        DeviceFreeKeypair(handle);
-    }
-    pairs_.clear();
-    DeviceFreeDevice(device);
-    DeviceFreeDevices(set);
-    device = nullptr;
-    set = nullptr;
 }
 
 void ScriptedTest::resetDevices() {

@@ -2,9 +2,9 @@
 // the proof that nothing was left behind.
 #pragma once
 
+#include "held_handles.h"
 #include "leaks.h"
 #include "scripted_token.h"
-#include "tembra_key_prov.h"
 #include "trace_capture.h"
 
 #include <gmock/gmock.h>
@@ -21,8 +21,10 @@ std::string warning(const std::string &function, const std::string &message);
 std::string info(const std::string &function, const std::string &message);
 std::string debug(const std::string &function, const std::string &message);
 std::string verbose(const std::string &function, const std::string &message);
+// What trace().failures() holds after one error, or without a message: nothing.
+Lines errors(const std::string &function, const char *message);
 
-class ScriptedTest : public ::testing::Test {
+class ScriptedTest : public ::testing::Test, protected HeldHandles {
 protected:
     // A started provider with default settings over a token without devices; the trace at its
     // default level, marked.
@@ -41,7 +43,6 @@ protected:
     ApplicationModel &insert(std::initializer_list<ContainerModel> containers);
     // A handle to the pair, given back at the end; the trace is marked.
     SPI_KEYPAIR_HANDLE pair(const char *label, int type);
-    void release();
     // Frees everything and forgets tokens, records and scripts.
     void resetDevices();
     // Takes back every answer that the test has set.
@@ -55,13 +56,9 @@ protected:
     std::vector<std::string> callsSinceMark() const;
     void mark();
 
-    SPI_DEVICESET_HANDLE set = nullptr;
-    SPI_DEVICE_HANDLE device = nullptr;
-
 private:
     bool lockIsFree() const;
 
-    std::vector<SPI_KEYPAIR_HANDLE> pairs_;
     TemporaryDirectory directory_;
     std::size_t journalMark_ = 0;
     bool expectsNoOpenHandles_ = true;

@@ -1,6 +1,5 @@
 // Everything that hosts may do at once, done at once: threads that discover, look up, sign,
 // decrypt, hash, generate, delete and free over shared devices, the whole of it traced to one file.
-#include "../../src/platform/orvel_crypto.h"
 #include "kit_test.h"
 #include "leaks.h"
 #include "tembra_devkit_faults.h"
@@ -46,7 +45,7 @@ public:
         KitTest::SetUp();
         logIn();
         SPI_KEYPAIR_HANDLE pair = generate(label, ORVEL_PKI_ALGORITHM_ECC, 256);
-        cipher = encrypted(pair);
+        cipher = encrypted(pair, ORVEL_PKI_ALGORITHM_SM2_ENC, &sm3, plain);
         const char mode[] = {3, 0, 3};
         ASSERT_EQ(DeviceCreateData(device, 7, mode, 64), 1);
     }
@@ -59,28 +58,6 @@ public:
             EXPECT_EQ(DeviceVerifyPwd(on, TEMBRA_PWD_USER, userPin, nullptr), 1);
             result = call();
         }
-        return result;
-    }
-
-    // plain under the pair's public key, by the host library.
-    Bytes encrypted(SPI_KEYPAIR_HANDLE pair) {
-        SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(pair);
-        Bytes encoded(1024);
-        int length = 0;
-        EXPECT_EQ(DeviceExportPublicKey(key, encoded.data(), 1024, &length), 1);
-        DeviceFreePublicKey(key);
-        void *pseudo = OrvelPKICryptoGetPseudoDevice();
-        void *imported = nullptr;
-        unsigned char *out = nullptr;
-        EXPECT_EQ(OrvelPKICryptoImportPublicKey(pseudo, encoded.data(), length, &imported), 1);
-        EXPECT_EQ(OrvelPKICryptoPublicKeyEncrypt(imported, ORVEL_PKI_ALGORITHM_SM2_ENC, &sm3,
-                                                 plain.data(), static_cast<int>(plain.size()), &out,
-                                                 &length),
-                  1);
-        Bytes result(out, out + length);
-        OrvelPKICryptoFreeMemory(out);
-        OrvelPKICryptoFreePublicKey(imported);
-        OrvelPKICryptoFreeDevice(pseudo);
         return result;
     }
 

@@ -1,0 +1,21 @@
+// The provider's handles that a test holds, given back together.
+#pragma once
+
+#include "tembra_key_prov.h"
+
+#include <vector>
+
+namespace tembra::test {
+
+class HeldHandles {
+protected:
+    // The pair of this kind, given back by release(); null, and a failure, when there is none.
+    SPI_KEYPAIR_HANDLE find(const char *label, int type);
+    void release();
+
+    SPI_DEVICESET_HANDLE set = nullptr;
+    SPI_DEVICE_HANDLE device = nullptr;
+    std::vector<SPI_KEYPAIR_HANDLE> pairs;
+};
+
+} // namespace tembra::test
