@@ -32,8 +32,7 @@ struct CallLines {
 
     template <typename Call>
     CallLines(Call call, const char *level, const char *levelName) {
-        setLevel(level);
-        TraceFiles::instance().empty();
+        TraceFiles::instance().begin(level);
         call();
         lines = TraceFiles::instance().lines();
         bytes = std::accumulate(
@@ -55,7 +54,7 @@ struct CallLines {
 // The floor is one only if it writes what the provider writes.
 template <typename Line>
 void checkFloorLine(const std::string &name, Line floorLine, std::size_t bytes) {
-    TraceFiles::instance().empty();
+    TraceFiles::instance().begin(nullptr);
     floorLine();
     const std::size_t written = TraceFiles::instance().written();
     if (written != bytes) {
@@ -88,10 +87,7 @@ void measureCall(benchmark::State &state, const CallRows &call, Raw raw, Provide
         checkFloorLine(call.name, floorLine, unsetLines.bytes);
 
     const auto at = [](const char *level) {
-        return [level] {
-            setLevel(level);
-            TraceFiles::instance().empty();
-        };
+        return [level] { TraceFiles::instance().begin(level); };
     };
     Pairing pairing(state, call.name);
     const auto rawCall = pairing.add({"raw call", repeat(raw)});

@@ -44,7 +44,6 @@ void sign(SPI_KEYPAIR_HANDLE key) {
 void measureSlowSign(benchmark::State &state) {
     Session session;
     nullToken.signature = 50us;
-    setLevel("0");
     Pairing pairing(state, "DeviceSign over a token call of 50 us, several threads, silent", BATCH);
     std::vector<std::size_t> providers;
     for (const int count : {1, 2, 4}) {
@@ -83,10 +82,7 @@ void checkLines(const char *title, const std::string &text, long calls) {
 template <typename Call>
 void compareThreads(benchmark::State &state, const char *title, const std::string &text,
                     Call call) {
-    const auto before = [] {
-        setLevel(nullptr);
-        TraceFiles::instance().empty();
-    };
+    const auto before = [] { TraceFiles::instance().begin(nullptr); };
     Pairing pairing(state, title, BATCH);
     const auto one = pairing.add({"1 thread", inThreads(1, call), before});
     const auto two = pairing.add({"2 threads", inThreads(2, call), before});

@@ -39,7 +39,8 @@ TraceFiles::~TraceFiles() {
     std::filesystem::remove_all(directory, ignored);
 }
 
-void TraceFiles::empty() const {
+void TraceFiles::begin(const char *level) const {
+    setLevel(level);
     for (const std::string &path : {tracePath, otherPath}) {
         std::error_code ignored; // the trace is not there before the first line
         std::filesystem::resize_file(path, 0, ignored);

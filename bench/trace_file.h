@@ -17,8 +17,8 @@ public:
     static TraceFiles &instance();
     ~TraceFiles();
 
-    // Both are emptied between batches, so that no batch pays for a large file.
-    void empty() const;
+    // Sets the level for a batch and empties both, so that no batch pays for a large file.
+    void begin(const char *level) const;
     // One write to the other file.
     void write(const char *text, std::size_t size) const;
     std::size_t written() const; // to the other file since the files were emptied
