@@ -41,9 +41,11 @@ std::string optionValues(const CLI::App &app, const std::string &pattern) {
             continue;
         std::string patterns;
         for (const std::string &name : option->get_lnames())
-            patterns += (patterns.empty() ? "" : " | ") + pattern + "' --" + name + "'";
+            patterns.append(patterns.empty() ? "" : " | ")
+                .append(pattern)
+                .append("' --" + name + "'");
         for (const std::string &name : option->get_snames())
-            patterns += " | " + pattern + "' -" + name + "'";
+            patterns.append(" | ").append(pattern).append("' -" + name + "'");
         lines += "        " + patterns + ") mapfile -t COMPREPLY < <(compgen " + valuesOf(value) +
                  " -- \"$current\"); return ;;\n";
     }

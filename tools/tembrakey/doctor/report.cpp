@@ -28,7 +28,7 @@ std::size_t columns(std::string_view text) {
     return count;
 }
 
-std::string padded(std::string text, std::size_t width) {
+std::string padded(const std::string &text, std::size_t width) {
     return text + std::string(width - std::min(width, columns(text)), ' ');
 }
 

@@ -5,7 +5,7 @@
 
 namespace tembra::tool::doctor {
 
-void examineSettings(Report &report);
+void examineSettings(Report &out);
 
 // Whether the provider finds a number other than 0 under that name.
 bool isSwitchedOn(const char *setting);

@@ -1,6 +1,8 @@
 #include "tembrakey/platform/files.h"
 
+#include <algorithm>
 #include <ctime>
+#include <fstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -23,10 +25,24 @@ bool isSpecialFile(const std::string &path) {
     return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
 }
 
-// From the name: libName.so.1.0.0.
+// From the note that a linker can put into a library, {"type":...,"version":"1.0.0"}, or else from
+// the name: libName.so.1.0.0.
 std::string fileVersion(const std::string &path) {
-    const auto at = path.rfind(".so.");
-    return at == std::string::npos ? std::string() : path.substr(at + 4);
+    std::string bytes(std::size_t{1} << 16, '\0'); // notes stand at a file's beginning
+    bytes.resize(
+        static_cast<std::size_t>(std::ifstream(path, std::ios::binary)
+                                     .read(bytes.data(), static_cast<std::streamsize>(bytes.size()))
+                                     .gcount()));
+    constexpr std::string_view key = "\"version\":\"";
+    const auto note = bytes.find("{\"type\":\"");
+    const auto end = bytes.find('}', note);
+    const auto at = note == bytes.npos ? note : bytes.find(key, note);
+    if (at < end && end != bytes.npos) {
+        const auto begin = at + key.size();
+        return bytes.substr(begin, std::min(bytes.find('"', begin), end) - begin);
+    }
+    const auto suffix = path.rfind(".so.");
+    return suffix == path.npos ? std::string() : path.substr(suffix + 4);
 }
 
 std::string fileDate(const std::string &path) {
