@@ -55,7 +55,7 @@ TEST(Sm4, Refusals) {
 
 TEST(Rsa, BlocksOfTheWrongKindOrSize) {
     const RsaPublicKey open = rsaKey().publicKey();
-    for (const std::size_t length : {0, 117}) {
+    for (const std::size_t length : {0U, 117U}) {
         const Bytes data(length, 0);
         const Bytes signature = rsaSign(rsaKey(), data).value();
         EXPECT_TRUE(rsaVerify(open, data, signature));

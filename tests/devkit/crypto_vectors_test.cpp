@@ -91,7 +91,7 @@ TEST(Vectors, Sm2Encryption) {
     EXPECT_FALSE(sm2Decrypt(generateSm2KeyPair().d, cipher));
 
     // One byte in particular: every 256th key stream is the zero that must not be used.
-    for (const std::size_t length : {0, 1, 1, 1, 1, 16, 32, 33, 1000}) {
+    for (const std::size_t length : {0U, 1U, 1U, 1U, 1U, 16U, 32U, 33U, 1000U}) {
         const Bytes message(length, 0);
         const auto back = sm2Decrypt(pair.d, sm2Encrypt(pair.publicKey, message).value()).value();
         EXPECT_EQ(Bytes(back.begin(), back.end()), message);

@@ -161,7 +161,7 @@ TEST_F(TokenServices, Sms4WorksInEveryModeAndPadding) {
     for (const ULONG algorithm : {SGD_SMS4_CBC, SGD_SMS4_ECB}) {
         ASSERT_EQ(SAR_OK, SKF_SetSymmKey(device, secret.data(), algorithm, &key));
         for (const ULONG padding : {1U, 0U}) {
-            for (const std::size_t size : {0, 1, 15, 16, 17, 1024}) {
+            for (const std::size_t size : {0U, 1U, 15U, 16U, 17U, 1024U}) {
                 SCOPED_TRACE(size);
                 const BLOCKCIPHERPARAM param = {{0, 0, 0, 9}, 16, padding, 0};
                 const Bytes plain(size, 0x77);
