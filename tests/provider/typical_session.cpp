@@ -6,9 +6,8 @@
 #include <sstream>
 
 namespace tembra::test {
-namespace {
 
-Lines split(const std::string &text) {
+Lines goldenLines(const std::string &text) {
     Lines lines;
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line);) {
@@ -21,8 +20,6 @@ Lines split(const std::string &text) {
     }
     return lines;
 }
-
-} // namespace
 
 std::vector<unsigned char> runTypicalSession() {
     const unsigned char digest[32] = {0x17};
@@ -49,7 +46,7 @@ std::vector<unsigned char> runTypicalSession() {
 }
 
 Lines goldenInit() {
-    return split(R"(>>>>> DeviceInit
+    return goldenLines(R"(>>>>> DeviceInit
 [ERROR] [hasSM3] RegOpenKeyEx fail, error = 2
 [INFO] [DeviceInit] hasSM3 : 0
 [ERROR] [hasSM4] RegOpenKeyEx fail, error = 2
@@ -62,7 +59,7 @@ Lines goldenInit() {
 }
 
 Lines goldenSession() {
-    return split(R"(>>>>> DeviceGetAllDevices
+    return goldenLines(R"(>>>>> DeviceGetAllDevices
 [DEBUG] [addDevice] device info issuer : Test Issuer
 [DEBUG] [addDevice] device info label : Test Token
 [DEBUG] [addDevice] device info serial number : TEST-0123456789A

@@ -14,6 +14,8 @@ inline constexpr const char *sessionPin = "12345678";
 // DeviceInit has run. Ends with DeviceEnd. Returns the signature.
 std::vector<unsigned char> runTypicalSession();
 
+// The lines of a text; those of calls and returns stand in it by their arrows and names alone.
+Lines goldenLines(const std::string &text);
 Lines goldenInit();    // DeviceInit without settings
 Lines goldenSession(); // everything after it
 
