@@ -52,10 +52,9 @@ TEST_F(DataObjects, RightsComeFromTheModeBlock) {
             EXPECT_EQ(file.writeRights, at.write) << id;
             EXPECT_EQ(file.content.size(), 10u);
         } else {
-            EXPECT_THAT(
-                trace().failures(),
-                ElementsAre(error("DeviceCreateData",
-                                  "GetFileRight(mode, &ulReadRights, &ulWriteRights) == 0")));
+            EXPECT_EQ(trace().failures(),
+                      errors("DeviceCreateData",
+                             "GetFileRight(mode, &ulReadRights, &ulWriteRights) == 0"));
         }
     }
     const char bad[] = {5};
@@ -66,43 +65,38 @@ TEST_F(DataObjects, RightsComeFromTheModeBlock) {
 
 TEST_F(DataObjects, ReadWhatThereIs) {
     store("7", 100);
+    const char *beyond = "offset > (int)attr.FileSize";
     const struct {
         int id, offset;
         bool query;
         int size, result, length;
-        Lines lines;
+        const char *message;
     } cases[] = {
-        {7, 90, false, 100, 1, 10, {}},
-        {7, 0, false, 100, 1, 100, {}},
-        {7, 0, false, 5, 1, 5, {}},
-        {7, 100, false, 5, 1, 0, {}},
-        {7, 101, false, 5, -1, 77, {error("DeviceReadDataEx", "offset > (int)attr.FileSize")}},
-        {7, 30, true, 0, 1, 70, {}},
-        {7, 100, true, -1, 1, 0, {}},
-        {7, 5, false, -1, -1, 77, {error("DeviceReadDataEx", "datalen < 0")}},
-        {7, 5, false, 0, 1, 0, {}},
-        {-1, 0, false, 5, -1, 77, {}},
-        {7, -1, false, 5, -1, 77, {}},
-        {8, 0, false, 5, -7, 77, {}},
-        {70, 0, false, 5, -7, 77, {}},
-        {7,
-         0x7FFFFFFF,
-         false,
-         0x7FFFFFFF,
-         -1,
-         77,
-         {error("DeviceReadDataEx", "offset > (int)attr.FileSize")}},
-        {7, 99, false, 0x7FFFFFFF, 1, 1, {}},
+        {7, 90, false, 100, 1, 10, nullptr},
+        {7, 0, false, 100, 1, 100, nullptr},
+        {7, 0, false, 5, 1, 5, nullptr},
+        {7, 100, false, 5, 1, 0, nullptr},
+        {7, 101, false, 5, -1, 77, beyond},
+        {7, 30, true, 0, 1, 70, nullptr},
+        {7, 100, true, -1, 1, 0, nullptr},
+        {7, 5, false, -1, -1, 77, "datalen < 0"},
+        {7, 5, false, 0, 1, 0, nullptr},
+        {-1, 0, false, 5, -1, 77, nullptr},
+        {7, -1, false, 5, -1, 77, nullptr},
+        {8, 0, false, 5, -7, 77, nullptr},
+        {70, 0, false, 5, -7, 77, nullptr},
+        {7, 0x7FFFFFFF, false, 0x7FFFFFFF, -1, 77, beyond},
+        {7, 99, false, 0x7FFFFFFF, 1, 1, nullptr},
     };
     for (const auto &at : cases) {
+        SCOPED_TRACE(std::to_string(at.offset) + ", " + std::to_string(at.size));
         mark();
         length = 77;
         EXPECT_EQ(DeviceReadDataEx(device, at.id, at.offset, at.query ? nullptr : buffer, at.size,
                                    &length),
-                  at.result)
-            << at.offset << " " << at.size;
-        EXPECT_EQ(length, at.length) << at.offset << " " << at.size;
-        EXPECT_EQ(trace().failures(), at.lines);
+                  at.result);
+        EXPECT_EQ(length, at.length);
+        EXPECT_EQ(trace().failures(), errors("DeviceReadDataEx", at.message));
     }
     EXPECT_EQ(DeviceReadDataEx(device, 7, 100, buffer, 5, &length), 1);
     EXPECT_EQ(script().SKF_ReadFile.argument<3>(), 0u) << "the token is asked for no bytes";
@@ -112,21 +106,21 @@ TEST_F(DataObjects, ReadWhatThereIs) {
 
 TEST_F(DataObjects, WriteWithinTheirSize) {
     store("7", 100);
-    const std::string beyond = error("DeviceWriteDataEx", "offset + datalen > (int)attr.FileSize");
+    const char *beyond = "offset + datalen > (int)attr.FileSize";
     const struct {
         int id, offset, size, result;
-        Lines lines;
-    } cases[] = {{7, 90, 10, 1, {}},       {7, 90, 11, -1, {beyond}},
-                 {7, 0, 0, -1, {}},        {7, 0, -1, -1, {}},
-                 {7, -1, 1, -1, {}},       {-7, 0, 1, -1, {}},
-                 {8, 0, 1, -7, {}},        {7, 0x7FFFFFFF, 0x7FFFFFFF, -1, {beyond}},
-                 {7, 100, 1, -1, {beyond}}};
+        const char *message;
+    } cases[] = {{7, 90, 10, 1, nullptr}, {7, 90, 11, -1, beyond},
+                 {7, 0, 0, -1, nullptr},  {7, 0, -1, -1, nullptr},
+                 {7, -1, 1, -1, nullptr}, {-7, 0, 1, -1, nullptr},
+                 {8, 0, 1, -7, nullptr},  {7, 0x7FFFFFFF, 0x7FFFFFFF, -1, beyond},
+                 {7, 100, 1, -1, beyond}};
     std::fill(std::begin(buffer), std::end(buffer), static_cast<unsigned char>(0xAA));
     for (const auto &at : cases) {
         mark();
         EXPECT_EQ(DeviceWriteDataEx(device, at.id, at.offset, buffer, at.size), at.result)
             << at.offset;
-        EXPECT_EQ(trace().failures(), at.lines);
+        EXPECT_EQ(trace().failures(), errors("DeviceWriteDataEx", at.message));
     }
     EXPECT_EQ(script().SKF_WriteFile.calls(), 1);
     EXPECT_EQ(application->files["7"].content[89], 89);
@@ -193,17 +187,6 @@ TEST_F(DataObjects, WithoutApplicationTheTokenAnswers) {
     EXPECT_EQ(DeviceReadDataEx(device, 7, 0, buffer, 10, &length), -7);
     EXPECT_EQ(DeviceWriteDataEx(device, 7, 0, buffer, 10), -7);
     EXPECT_EQ(DeviceDeleteData(device, 7), -7);
-    EXPECT_THAT(
-        trace().texts(),
-        ElementsAre(
-            info("DeviceCreateData", "hDevice = %p, int dataId = 7, const char * mode = %p, "
-                                     "int length = 1"),
-            error("DeviceCreateData", "SKF_CreateFile fail, error = 0x0a000005"),
-            info("DeviceReadDataEx", "hDevice = %p, int dataId = 7, int offset = 0, unsigned "
-                                     "char *data = %p, int datalen = 10, int*  pretdatalen = 77"),
-            info("DeviceWriteDataEx", "hDevice = %p, int dataId = 7, int offset = 0, const "
-                                      "unsigned char *data = %p, int datalen = 10"),
-            info("DeviceDeleteData", "hDevice = %p, int dataId = 7")));
 }
 
 } // namespace

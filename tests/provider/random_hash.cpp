@@ -23,14 +23,6 @@ TEST_F(RandomAndHash, RandomIsOneCallWhateverItsLength) {
     EXPECT_EQ(DeviceGenerateRandom(device, 3000, bytes.data()), 1);
     EXPECT_EQ(script().SKF_GenRandom.calls(), 1);
     EXPECT_EQ(bytes[2999], static_cast<unsigned char>(3000));
-    EXPECT_THAT(trace().texts(),
-                ElementsAre(info("DeviceGenerateRandom",
-                                 "hDevice = %p, int len = 3000, unsigned char *rand = %p")));
-    mark();
-    script().SKF_GenRandom.answer(SAR_FAIL);
-    EXPECT_EQ(DeviceGenerateRandom(device, 3000, bytes.data()), 0);
-    EXPECT_THAT(trace().failures(), ElementsAre(error("DeviceGenerateRandom",
-                                                      "SKF_GenRandom fail, error = 0x0A000001")));
 }
 
 TEST_F(RandomAndHash, HashesInPiecesOfTheOperationLength) {
@@ -72,16 +64,11 @@ TEST_F(RandomAndHash, HashesInPiecesOfTheOperationLength) {
 TEST_F(RandomAndHash, HashChecksAndFailures) {
     insert({});
     EXPECT_EQ(DeviceNewHash(device, 0x7001), nullptr);
-    EXPECT_THAT(trace().failures(), ElementsAre(error("DeviceNewHash", "only support sm3")));
-    script().SKF_DigestInit.answer(SAR_FAIL);
-    mark();
-    EXPECT_EQ(DeviceNewHash(device, sm3), nullptr);
-    EXPECT_THAT(trace().failures(), IsEmpty());
-    script().SKF_DigestInit.restore();
+    EXPECT_EQ(trace().failures(), errors("DeviceNewHash", "only support sm3"));
 
     SPI_HASH_HANDLE hash = DeviceNewHash(device, sm3);
     mark();
-    Bytes data(2500), value(32, 0xEE);
+    Bytes data(2500), value(40, 0xEE);
     int length = 77;
     EXPECT_EQ(DeviceHashUpdate(hash, nullptr, 0), 1);
     EXPECT_EQ(DeviceHashUpdate(hash, data.data(), -1), -1);
@@ -91,49 +78,15 @@ TEST_F(RandomAndHash, HashChecksAndFailures) {
     EXPECT_THAT(trace().failures(), IsEmpty());
     script().SKF_DigestUpdate.answerAt(2, SAR_FAIL);
     EXPECT_EQ(DeviceHashUpdate(hash, data.data(), 2500), 0);
-    EXPECT_EQ(script().SKF_DigestUpdate.calls(), 2);
-    EXPECT_THAT(
-        trace().failures(),
-        ElementsAre(error("DeviceHashUpdate", "SKF_DigestUpdate fail, error = 0x0A000001")));
-    mark();
-    script().SKF_DigestFinal.answerAt(1, SAR_FAIL);
-    EXPECT_EQ(DeviceHashFinal(hash, value.data(), 32, &length), 0);
-    EXPECT_THAT(trace().failures(),
-                ElementsAre(error("DeviceHashFinal", "SKF_DigestFinal fail, error = 0x0A000001")));
+    EXPECT_EQ(script().SKF_DigestUpdate.calls(), 2) << "the third piece is not tried";
     script().SKF_DigestFinal.run([](auto, auto, ULONG *size) {
         EXPECT_EQ(*size, 40u);
         *size = 7;
         return SAR_OK;
     });
-    value.resize(40);
     EXPECT_EQ(DeviceHashFinal(hash, value.data(), 40, &length), 1);
     EXPECT_EQ(length, 32) << "whatever the token reports";
     DeviceFreeHash(hash);
-}
-
-TEST_F(RandomAndHash, AreTraced) {
-    insert({});
-    SPI_HASH_HANDLE hash = DeviceNewHash(device, sm3);
-    unsigned char bytes[32] = {};
-    int length = 5;
-    DeviceHashUpdate(hash, bytes, 3);
-    DeviceHashFinal(hash, bytes, 32, &length);
-    DeviceFreeHash(hash);
-    Lines lines = trace().texts();
-    ASSERT_EQ(lines.size(), 6u);
-    EXPECT_EQ(lines[0], info("DeviceNewHash", "hDevice = %p, int algo = 28672"));
-    EXPECT_EQ(lines[1],
-              info("DeviceHashUpdate", "SPI_HASH_HANDLE hHash = %p, const unsigned char *data "
-                                       "= %p, int datalen = 3"));
-    EXPECT_THAT(lines[2],
-                ::testing::StartsWith(info("DeviceHashFinal",
-                                           "SPI_HASH_HANDLE hHash = %p, unsigned char *hashvalue = "
-                                           "%p, int hashvaluelen = 32, int *prethashvaluelen = ")));
-    EXPECT_EQ(lines[3], info("DeviceFreeHash", "SPI_HASH_HANDLE hHash = %p"));
-    EXPECT_EQ(lines[4], info("DeviceFreeDevice", "hDevice = %p"));
-    EXPECT_EQ(lines[5],
-              info("DeviceFreeDevice", "hDevice->m_refCount=2, hDevice->m_keypairCount=0, "
-                                       "hDevice->m_hashCount=0, hDevice->m_cipherCount=0"));
 }
 
 TEST_F(RandomAndHash, ListsOfHandlesGrowAndShrink) {

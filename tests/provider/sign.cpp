@@ -42,9 +42,6 @@ TEST_F(Sign, AnswersTheSizeWithoutLookingFurther) {
     EXPECT_EQ(size(rsaPair, rsaSign, 0), 256);
     EXPECT_EQ(size(rsaPair, 12345, 0), 256);
     EXPECT_EQ(size(pair("odd", 2), rsaSign, 0), 128);
-    trace().setLevel("4");
-    size(sm2, sm2Sign, 0);
-    EXPECT_TRUE(trace().contains(debug("DeviceSign", "DeviceSign success, sign == 0")));
     EXPECT_EQ(script().SKF_ECCSignData.calls() + script().SKF_RSASignData.calls(), 0);
 }
 
@@ -85,7 +82,7 @@ TEST_F(Sign, ChecksItsArgumentsInOrder) {
     for (const auto &at : cases) {
         EXPECT_EQ(sign(at.handle, at.algo, at.tbs, at.tbslen, at.capacity), at.result)
             << at.message;
-        EXPECT_THAT(trace().failures(), ElementsAre(error("DeviceSign", at.message)));
+        EXPECT_EQ(trace().failures(), errors("DeviceSign", at.message));
         EXPECT_EQ(length, 77);
     }
     EXPECT_EQ(DeviceSign(sm2, sm2Sign, nullptr, digest, 32, out.data(), 80, nullptr), -1);
@@ -97,22 +94,10 @@ TEST_F(Sign, ShortBuffers) {
     EXPECT_EQ(sign(sm2, sm2Sign, digest, 32, 66), -4);
     EXPECT_EQ(length, 67);
     EXPECT_EQ(out, Bytes(256, 0xEE));
-    EXPECT_THAT(trace().failures(),
-                ElementsAre(error("DeviceSign", "signlen < sm2SignValueLen, ORVEL_PKI_MOREDATA")));
+    EXPECT_EQ(trace().failures(),
+              errors("DeviceSign", "signlen < sm2SignValueLen, ORVEL_PKI_MOREDATA"));
     EXPECT_EQ(sign(sm2, sm2Sign, digest, 32, 67), 1);
     EXPECT_EQ(sign(rsaPair, rsaSign, digest, 32, 255), 0) << "the token refuses";
-    EXPECT_THAT(trace().failures(),
-                ElementsAre(error("DeviceSign", "SKF_RSASignData fail, error = 0x0A000020")));
-}
-
-TEST_F(Sign, TracesItsArguments) {
-    sign(sm2, sm2Sign, digest, 32, 80);
-    EXPECT_THAT(
-        trace().texts(),
-        ElementsAre(info("DeviceSign",
-                         "SPI_KEYPAIR_HANDLE hKeypair = %p, int algo = 4096, const void *param = "
-                         "(nil), const unsigned char *tbs = %p, int tbslen = 32, unsigned char "
-                         "*sign = %p, int signlen = 80, int *pretsignlen = 77")));
 }
 
 } // namespace
