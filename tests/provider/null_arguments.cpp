@@ -1,4 +1,5 @@
-// A null pointer for every pointer argument of every entry point, at every level of the trace.
+// A null pointer for every pointer argument of every entry point; for the buffers that are filled,
+// see buffer_protocol.cpp, for key pair blobs, import_refusals.cpp.
 #include "scripted_test.h"
 
 namespace tembra::test {
@@ -11,11 +12,10 @@ int taken(Handle handle) {
     return handle != nullptr;
 }
 
-TEST_F(NullArguments, AreAnsweredAtEveryLevel) {
+TEST_F(NullArguments, AreAnsweredWithTheTraceFullAndOff) {
     insert({ecc("sm2", true, true), rsa("rsa", 1024, true, false)});
     script().memory.devices.front().applications.front().files["1"].content = Bytes(10);
     const SPI_KEYPAIR_HANDLE key = pair("sm2", 2);
-    const SPI_PUBLICKEY_HANDLE publicKey = DeviceGetPublicKeyFromKeypair(key);
     const SPI_HASH_HANDLE hash = DeviceNewHash(device, ORVEL_PKI_ALGORITHM_SM3);
     Bytes bytes(128);
     unsigned char *b = bytes.data();
@@ -27,7 +27,7 @@ TEST_F(NullArguments, AreAnsweredAtEveryLevel) {
     const TembraEccParam ecc = {7, 0};
     SPI_KEYPAIR_HANDLE out = nullptr;
     const SPI_DEVICE_HANDLE d = device;
-    Bytes scaenckp = bytesOf("SCAENCKP????????????"), keypair = bytesOf("_KEYPAIR????????????");
+    Bytes keypair = bytesOf("_KEYPAIR????????????");
 
     struct Case {
         const char *what;
@@ -44,12 +44,7 @@ TEST_F(NullArguments, AreAnsweredAtEveryLevel) {
         CASE(1, DeviceFreeDevices(nullptr)),
         CASE(1, DeviceFreeDevice(nullptr)),
         CASE(0, DeviceGetSerialNumber(nullptr, text, 64, &n)),
-        CASE(1, DeviceGetSerialNumber(d, nullptr, 64, &n)),
-        CASE(1, DeviceGetSerialNumber(d, text, 64, nullptr)),
-        CASE(1, DeviceGetSerialNumber(d, nullptr, 0, nullptr)),
         CASE(0, DeviceGetLabel(nullptr, text, 64, &n)),
-        CASE(1, DeviceGetLabel(d, nullptr, 64, &n)),
-        CASE(1, DeviceGetLabel(d, text, 64, nullptr)),
         CASE(1, DeviceLockDevice(nullptr)),
         CASE(1, DeviceUnlockDevice(nullptr)),
         CASE(-1, DeviceGetKeypairCount(nullptr)),
@@ -59,8 +54,6 @@ TEST_F(NullArguments, AreAnsweredAtEveryLevel) {
         CASE(0, DeviceFindKeypair(d, 2, "sm2", nullptr)),
         CASE(1, DeviceFreeKeypair(nullptr)),
         CASE(-2, DeviceGetKeypairLabel(nullptr, text, 64, &n)),
-        CASE(1, DeviceGetKeypairLabel(key, nullptr, 64, &n)),
-        CASE(1, DeviceGetKeypairLabel(key, text, 64, nullptr)),
         CASE(-1, DeviceGetKeypairType(nullptr)),
         CASE(-1, DeviceGetKeypairAlgorithm(nullptr)),
         CASE(-1, DeviceGetKeypairBits(nullptr)),
@@ -69,32 +62,22 @@ TEST_F(NullArguments, AreAnsweredAtEveryLevel) {
         CASE(-1, DeviceGenerateKeypair(d, 4, 256, &ecc, 2, "x", nullptr)),
         CASE(-1, DeviceGenerateKeypair(d, 4, 256, nullptr, 2, "x", &out)),
         CASE(-2, DeviceDeleteKeypair(nullptr)),
-        CASE(-2, DeviceImportKeypair(nullptr, b, 20, 1, "sm2", &out)),
-        CASE(-1, DeviceImportKeypair(d, nullptr, 20, 1, "sm2", &out)),
-        CASE(-1, DeviceImportKeypair(d, scaenckp.data(), 20, 1, nullptr, &out)),
-        CASE(-1, DeviceImportKeypair(d, scaenckp.data(), 20, 1, "sm2", nullptr)),
         CASE(-1, DeviceImportKeypair(d, keypair.data(), 20, 1, "sm2", nullptr)),
         CASE(0, taken(DeviceGetPublicKeyFromKeypair(nullptr))),
         CASE(-1, DeviceExportPublicKey(nullptr, b, 128, &n)),
-        CASE(1, DeviceExportPublicKey(publicKey, nullptr, 128, &n)),
-        CASE(1, DeviceExportPublicKey(publicKey, b, 128, nullptr)),
         CASE(-1, DeviceGetPublicKeyAlgorithm(nullptr)),
         CASE(-1, DeviceGetPublicKeyBits(nullptr)),
         CASE(1, DeviceFreePublicKey(nullptr)),
         CASE(-1, DeviceGetCertificateCount(nullptr)),
         CASE(-2, DeviceGetCertificate(nullptr, 0, b, 128, &n)),
-        CASE(1, DeviceGetCertificate(key, 0, nullptr, 128, &n)),
-        CASE(1, DeviceGetCertificate(key, 0, b, 128, nullptr)),
         CASE(-2, DeviceUpdateCertificate(nullptr, b, 3)),
         CASE(0, DeviceUpdateCertificate(key, nullptr, 3)),
         CASE(-2, DeviceSign(nullptr, 0x1000, nullptr, b, 32, b, 128, &n)),
         CASE(0, DeviceSign(key, 0x1000, nullptr, nullptr, 32, b, 128, &n)),
-        CASE(1, DeviceSign(key, 0x1000, nullptr, b, 32, nullptr, 128, &n)),
         CASE(-1, DeviceSign(key, 0x1000, nullptr, b, 32, b, 128, nullptr)),
         CASE(-2, DevicePrivateKeyDecrypt(nullptr, 0x40, &sm3, b, 100, b, 128, &n)),
         CASE(0, DevicePrivateKeyDecrypt(key, 0x40, nullptr, b, 100, b, 128, &n)),
         CASE(-1, DevicePrivateKeyDecrypt(key, 0x40, &sm3, nullptr, 100, b, 128, &n)),
-        CASE(1, DevicePrivateKeyDecrypt(key, 0x40, &sm3, b, 100, nullptr, 128, &n)),
         CASE(-1, DevicePrivateKeyDecrypt(key, 0x40, &sm3, b, 100, b, 128, nullptr)),
         CASE(-2, DeviceVerifyPwd(nullptr, 1, "x", &n)),
         CASE(-2, DeviceVerifyPwd(nullptr, 3, "x", &n)),
@@ -117,7 +100,6 @@ TEST_F(NullArguments, AreAnsweredAtEveryLevel) {
         CASE(-2, DeviceHashUpdate(nullptr, b, 8)),
         CASE(-1, DeviceHashUpdate(hash, nullptr, 8)),
         CASE(-2, DeviceHashFinal(nullptr, b, 32, &n)),
-        CASE(1, DeviceHashFinal(hash, nullptr, 32, &n)),
         CASE(-1, DeviceHashFinal(hash, b, 32, nullptr)),
         CASE(1, DeviceFreeHash(nullptr)),
         CASE(0, taken(DeviceNewCipher(nullptr, 1, 0x04800000, b, 16, nullptr))),
@@ -125,7 +107,6 @@ TEST_F(NullArguments, AreAnsweredAtEveryLevel) {
         CASE(0, taken(DeviceNewCipher(d, 1, 0x04C00000, b, 16, nullptr))),
         CASE(-2, DeviceCipherUpdate(nullptr, b, 16, b, 16, &n)),
         CASE(-1, DeviceCipherUpdate(cipher, nullptr, 16, b, 16, &n)),
-        CASE(1, DeviceCipherUpdate(cipher, b, 16, nullptr, 16, &n)),
         CASE(-1, DeviceCipherUpdate(cipher, b, 16, b, 16, nullptr)),
         CASE(1, DeviceFreeCipher(nullptr)),
         CASE(-2, DeviceCreateData(nullptr, 2, "\2\3", 1)),
@@ -141,21 +122,15 @@ TEST_F(NullArguments, AreAnsweredAtEveryLevel) {
         CASE(0, DeviceIsSupportedAlgorithm2(d, 0x40, 0, 2, nullptr)),
     };
 #undef CASE
-    const unsigned char certificate[] = {1, 2, 3};
-    ASSERT_EQ(DeviceUpdateCertificate(key, certificate, 3), 1);
-    for (const auto &level : {std::optional<std::string>(), std::optional<std::string>("0"),
-                              std::optional<std::string>("1"), std::optional<std::string>("2"),
-                              std::optional<std::string>("3"), std::optional<std::string>("4"),
-                              std::optional<std::string>("5")}) {
+    for (const char *level : {"5", "0"}) {
         trace().setLevel(level);
         for (const Case &at : cases) {
-            EXPECT_EQ(at.call(), at.expected) << at.what << " at level " << level.value_or("unset");
+            EXPECT_EQ(at.call(), at.expected) << at.what << " at level " << level;
         }
     }
     EXPECT_EQ(out, nullptr);
     DeviceFreeCipher(cipher);
     DeviceFreeHash(hash);
-    DeviceFreePublicKey(publicKey);
 }
 
 } // namespace
