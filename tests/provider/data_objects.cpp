@@ -28,20 +28,18 @@ TEST_F(DataObjects, RightsComeFromTheModeBlock) {
         std::vector<char> mode;
         int result;
         ULONG read, write;
-    } cases[] = {
-        {{3, 0, 1}, 1, 0x10, 0x00},
-        {{2, 3}, 1, 0xFF, 0xFF},
-        {{4, 0, 0, 3}, 1, 0x00, 0x00},
-        {{4, 0, 3, 0}, 1, 0x10, 0x10},
-        {{2, 1, 3, 3}, 1, 0xFF, 0x00},
-        {{3, 2, 1}, 1, 0x10, 0xFF},
-        {{2, 4}, 1, 0x00, 0x00},
-        {{5, 3, 3, 3, 3}, 0, 0, 0},
-        {{1, 3}, 0, 0, 0},
-        {{0, 3}, 0, 0, 0},
-        {{-1, 3}, 0, 0, 0},
-        {{-128, 3}, 0, 0, 0},
-    };
+    } cases[] = {{{3, 0, 1}, 1, 0x10, 0x00},
+                 {{2, 3}, 1, 0xFF, 0xFF},
+                 {{4, 0, 0, 3}, 1, 0x00, 0x00},
+                 {{4, 0, 3, 0}, 1, 0x10, 0x10},
+                 {{2, 1, 3, 3}, 1, 0xFF, 0x00},
+                 {{3, 2, 1}, 1, 0x10, 0xFF},
+                 {{2, 4}, 1, 0x00, 0x00},
+                 {{5, 3, 3, 3, 3}, 0, 0, 0},
+                 {{1, 3}, 0, 0, 0},
+                 {{0, 3}, 0, 0, 0},
+                 {{-1, 3}, 0, 0, 0},
+                 {{-128, 3}, 0, 0, 0}};
     int id = 0;
     for (const auto &at : cases) {
         mark();
@@ -71,23 +69,21 @@ TEST_F(DataObjects, ReadWhatThereIs) {
         bool query;
         int size, result, length;
         const char *message;
-    } cases[] = {
-        {7, 90, false, 100, 1, 10, nullptr},
-        {7, 0, false, 100, 1, 100, nullptr},
-        {7, 0, false, 5, 1, 5, nullptr},
-        {7, 100, false, 5, 1, 0, nullptr},
-        {7, 101, false, 5, -1, 77, beyond},
-        {7, 30, true, 0, 1, 70, nullptr},
-        {7, 100, true, -1, 1, 0, nullptr},
-        {7, 5, false, -1, -1, 77, "datalen < 0"},
-        {7, 5, false, 0, 1, 0, nullptr},
-        {-1, 0, false, 5, -1, 77, nullptr},
-        {7, -1, false, 5, -1, 77, nullptr},
-        {8, 0, false, 5, -7, 77, nullptr},
-        {70, 0, false, 5, -7, 77, nullptr},
-        {7, 0x7FFFFFFF, false, 0x7FFFFFFF, -1, 77, beyond},
-        {7, 99, false, 0x7FFFFFFF, 1, 1, nullptr},
-    };
+    } cases[] = {{7, 90, false, 100, 1, 10, nullptr},
+                 {7, 0, false, 100, 1, 100, nullptr},
+                 {7, 0, false, 5, 1, 5, nullptr},
+                 {7, 100, false, 5, 1, 0, nullptr},
+                 {7, 101, false, 5, -1, 77, beyond},
+                 {7, 30, true, 0, 1, 70, nullptr},
+                 {7, 100, true, -1, 1, 0, nullptr},
+                 {7, 5, false, -1, -1, 77, "datalen < 0"},
+                 {7, 5, false, 0, 1, 0, nullptr},
+                 {-1, 0, false, 5, -1, 77, nullptr},
+                 {7, -1, false, 5, -1, 77, nullptr},
+                 {8, 0, false, 5, -7, 77, nullptr},
+                 {70, 0, false, 5, -7, 77, nullptr},
+                 {7, 0x7FFFFFFF, false, 0x7FFFFFFF, -1, 77, beyond},
+                 {7, 99, false, 0x7FFFFFFF, 1, 1, nullptr}};
     for (const auto &at : cases) {
         SCOPED_TRACE(std::to_string(at.offset) + ", " + std::to_string(at.size));
         mark();

@@ -122,14 +122,6 @@ TEST_F(Generation, FullTablesAreRefused) {
     discover(); // the first container is typed but has no pair: 31 pairs in 32 containers
     EXPECT_EQ(generate("x"), 0);
     EXPECT_EQ(trace().failures(), errors("getEmptyContainerIndex", "pos >= CONTAINER_COUNT_MAX"));
-    for (ContainerModel &model : application.containers) {
-        model.hasSignKey = model.hasEncryptKey = true;
-    }
-    application.containers.back().type = CONTAINER_TYPE_ECC;
-    discover();
-    EXPECT_EQ(DeviceGetKeypairCount(device), 64);
-    EXPECT_EQ(generate("x"), 0);
-    EXPECT_EQ(trace().failures().size(), 1u);
     EXPECT_EQ(script().SKF_CreateContainer.calls(), 0);
 }
 

@@ -42,6 +42,8 @@ TEST_F(GoldenSession, EntryPointsNameTheirArguments) {
     DeviceGetSerialNumber(device, text, 17, &n);
     DeviceGetSerialNumber(device, text, 17, nullptr);
     DeviceGetLabel(device, text, 17, &n);
+    EXPECT_EQ(DeviceGetSerialNumber(nullptr, text, 17, &n), 0);
+    EXPECT_EQ(DeviceGetLabel(nullptr, text, 17, &n), 0);
     DeviceLockDevice(device);
     DeviceUnlockDevice(nullptr);
     const SPI_KEYPAIR_HANDLE taken = DeviceGetKeypair(device, 0);
@@ -56,6 +58,8 @@ TEST_F(GoldenSession, EntryPointsNameTheirArguments) {
     DeviceGetPublicKeyAlgorithm(publicKey);
     DeviceGetPublicKeyBits(publicKey);
     DeviceFreePublicKey(publicKey);
+    EXPECT_EQ(DeviceExportPublicKey(nullptr, bytes, 68, &n), -1);
+    EXPECT_EQ(DeviceGetPublicKeyFromKeypair(nullptr), nullptr);
     DeviceGetCertificateCount(key);
     DeviceGetCertificate(key, 0, nullptr, 9, &n);
     DeviceUpdateCertificate(key, bytes, 5);
@@ -102,6 +106,8 @@ TEST_F(GoldenSession, EntryPointsNameTheirArguments) {
 [INFO] [DeviceGetSerialNumber] hDevice = %p, sn = TEST-0123456789A, snlen = 17, pretsnlen = 17
 [INFO] [DeviceGetSerialNumber] hDevice = %p, sn = TEST-0123456789A, snlen = 17, pretsnlen = 0
 [INFO] [DeviceGetLabel] label : Test Token
+[ERROR] [DeviceGetSerialNumber] rv = hDevice == 0
+[ERROR] [DeviceGetLabel] hDevice == 0
 [INFO] [DeviceLockDevice] DeviceLockDevice success
 [INFO] [DeviceUnlockDevice] DeviceUnlockDevice success
 [DEBUG] [DeviceGetKeypair] hKeypair=%p
@@ -115,6 +121,8 @@ TEST_F(GoldenSession, EntryPointsNameTheirArguments) {
 [INFO] [DeviceGetPublicKeyAlgorithm] hPublicKey->m_algo = 4
 [INFO] [DeviceGetPublicKeyBits] SPI_PUBLICKEY_HANDLE hPublicKey->m_keybits = 256
 [DEBUG] [DeviceFreePublicKey] hPublicKey = NULL, line: 0
+[ERROR] [DeviceExportPublicKey] hPublicKey=0
+[ERROR] [DeviceGetPublicKeyFromKeypair] hKeypair == 0
 [INFO] [DeviceGetCertificateCount] hKeypair=%p, hKeypair->m_keytype = 2
 [INFO] [DeviceGetCertificate] SPI_KEYPAIR_HANDLE hKeypair = %p, int index = 0, unsigned char *certblob = (nil), int certbloblen = 9, int *pretcertbloblen = 68
 [ERROR] [DeviceGetCertificate] len <= 0

@@ -62,20 +62,6 @@ TEST_F(KeypairHandles, FindComparesLabelAndType) {
     EXPECT_EQ(trace().failures(), errors("DeviceFindKeypair", "hDevice==0, rv=0xFFFFFFFE"));
 }
 
-TEST_F(KeypairHandles, FindTakesTheFirstOfEqualPairs) {
-    addToken({ecc("one", true, false), ecc("two", true, false)});
-    script().SKF_EnumContainer.run([](HAPPLICATION, LPSTR list, ULONG *size) {
-        *size = 9;
-        std::copy_n("one\0one\0", 9, list);
-        return SAR_OK;
-    });
-    discover();
-    ASSERT_EQ(DeviceGetKeypairCount(device), 2);
-    SPI_KEYPAIR_HANDLE first = DeviceGetKeypair(device, 0);
-    EXPECT_EQ(pair("one", 2), first);
-    DeviceFreeKeypair(first);
-}
-
 // What every entry point answers for a pair that was deleted under its handle.
 void expectDetached(SPI_KEYPAIR_HANDLE handle, int type) {
     EXPECT_EQ(DeviceGetKeypairType(handle), type);

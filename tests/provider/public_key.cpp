@@ -58,14 +58,5 @@ TEST_F(PublicKeys, EncodingsUpTo1024BytesFit) {
     }
 }
 
-TEST_F(PublicKeys, NeedAHandle) {
-    unsigned char bytes[68];
-    EXPECT_EQ(DeviceExportPublicKey(nullptr, bytes, sizeof bytes, nullptr), -1);
-    EXPECT_EQ(DeviceGetPublicKeyFromKeypair(nullptr), nullptr);
-    EXPECT_THAT(trace().texts(),
-                ElementsAre(error("DeviceExportPublicKey", "hPublicKey=0"),
-                            error("DeviceGetPublicKeyFromKeypair", "hKeypair == 0")));
-}
-
 } // namespace
 } // namespace tembra::test

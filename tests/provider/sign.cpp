@@ -92,11 +92,8 @@ TEST_F(Sign, ChecksItsArgumentsInOrder) {
 
 TEST_F(Sign, ShortBuffers) {
     EXPECT_EQ(sign(sm2, sm2Sign, digest, 32, 66), -4);
-    EXPECT_EQ(length, 67);
-    EXPECT_EQ(out, Bytes(256, 0xEE));
     EXPECT_EQ(trace().failures(),
               errors("DeviceSign", "signlen < sm2SignValueLen, ORVEL_PKI_MOREDATA"));
-    EXPECT_EQ(sign(sm2, sm2Sign, digest, 32, 67), 1);
     EXPECT_EQ(sign(rsaPair, rsaSign, digest, 32, 255), 0) << "the token refuses";
 }
 
