@@ -1,4 +1,5 @@
 // Signing with a signature key pair of a token.
+#include "import/host_buffer.h"
 #include "log/trace.h"
 #include "platform/memory.h"
 #include "platform/orvel_crypto.h"
@@ -49,18 +50,16 @@ int signRSA(const Keypair *hKeypair, const unsigned char *tbs, int tbslen, unsig
 
 int encodeAndHandOut(const ECCSIGNATUREBLOB &blob, unsigned char *sign, int signlen,
                      int *pretsignlen, const char *function) {
-    unsigned char *out = nullptr;
-    int outlen = 0;
-    const int result =
-        OrvelPKICryptoEncodeECCSignature(&blob.r[SM2_INTEGER_AT], SM2_INTEGER_LEN,
-                                         &blob.s[SM2_INTEGER_AT], SM2_INTEGER_LEN, &out, &outlen);
-    if (result != 1) {
+    HostBuffer out;
+    const int result = OrvelPKICryptoEncodeECCSignature(&blob.r[SM2_INTEGER_AT], SM2_INTEGER_LEN,
+                                                        &blob.s[SM2_INTEGER_AT], SM2_INTEGER_LEN,
+                                                        out.data(), out.length());
+    if (result != 1 || out.size() == 0) {
         TEMBRA_TRACE(TraceLevel::error, function,
                      "OrvelPKICryptoEncodeECCSignature fail, error = %d", result);
         return ORVEL_PKI_FAILURE;
     }
-    const int rv = handOut(out, outlen, sign, signlen, pretsignlen);
-    OrvelPKICryptoFreeMemory(out);
+    const int rv = handOut(out.bytes(), *out.length(), sign, signlen, pretsignlen);
     if (rv != ORVEL_PKI_SUCCESS)
         return conclude({rv, "signlen < sm2SignValueLen, ORVEL_PKI_MOREDATA"}, function);
     TEMBRA_TRACE(TraceLevel::debug, function, "DeviceSign success");

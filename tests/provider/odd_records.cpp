@@ -82,6 +82,22 @@ TEST_F(OddRecords, ContainerGone) {
     }
 }
 
+// A host library that says success and gives nothing.
+TEST_F(OddRecords, SignatureOfNothing) {
+    for (const int size : {67, 0, -1}) {
+        script().OrvelPKICryptoEncodeECCSignature.run(
+            [size](auto, auto, auto, auto, unsigned char **out, int *outLen) {
+                *out = nullptr;
+                *outLen = size;
+                return 1;
+            });
+        EXPECT_EQ(sign(), 0);
+        EXPECT_THAT(
+            trace().failures(),
+            ElementsAre(error("DeviceSign", "OrvelPKICryptoEncodeECCSignature fail, error = 1")));
+    }
+}
+
 TEST_F(OddRecords, KeylessContainerWithAKey) {
     const TembraEccParam sm2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
     device->m_containers[0]->m_type = CONTAINER_TYPE_EMPTY;
