@@ -147,9 +147,10 @@ TEST_F(TokenKeys, EnvelopedSm2KeysComeInOnlyWhenAllOfThemIsRight) {
     };
     const auto pair = crypto::generateSm2KeyPair();
     const auto stranger = crypto::generateSm2KeyPair().publicKey;
-    Bytes record = {0, 1, 0, 0}; // d in the form that some centres give it
-    record.insert(record.end(), pair.d.begin(), pair.d.end());
-    record.resize(48, 0x0C);
+    Bytes record(48, 0x0C); // d in the form that some centres give it
+    std::fill_n(record.begin(), 4, BYTE{0});
+    record[1] = 1;
+    std::copy(pair.d.begin(), pair.d.end(), record.begin() + 4);
     Bytes badFilling = record;
     badFilling[47] = 0;
     const auto good = envelope(pair.publicKey, pair.d);
