@@ -1,4 +1,4 @@
-// The parts of the examination of one token.
+// The steps in which one token is examined.
 #pragma once
 
 #include <string>
