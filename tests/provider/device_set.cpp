@@ -53,17 +53,5 @@ TEST_F(DeviceSets, DevicesOutliveTheSetAndKeyPairsKeepThem) {
     EXPECT_EQ(script().memory.open(), 0);
 }
 
-TEST_F(DeviceSets, HashesAndCiphersDoNotKeepTheirDevice) {
-    insert({});
-    ASSERT_NE(DeviceNewHash(device, ORVEL_PKI_ALGORITHM_SM3), nullptr);
-    const unsigned char key[16] = {};
-    ASSERT_NE(DeviceNewCipher(device, 1, ORVEL_PKI_ALGORITHM_SMS4_ECB, key, 16, nullptr), nullptr);
-    EXPECT_EQ(referencesAfterRelease(), 4);
-    mark();
-    release();
-    EXPECT_THAT(callsSinceMark(), ElementsAre("SKF_CloseHandle", "SKF_CloseHandle",
-                                              "SKF_CloseApplication", "SKF_DisConnectDev"));
-}
-
 } // namespace
 } // namespace tembra::test
