@@ -151,6 +151,14 @@ TEST_F(ImportEnveloped, EveryImportAddsARecordUpTo64) {
                   errors("DeviceImportKeypair", "hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX"));
         EXPECT_THAT(callsSinceMark(), IsEmpty());
     }
+    mark();
+    const TembraEccParam sm2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
+    EXPECT_EQ(DeviceGenerateKeypair(device, ORVEL_PKI_ALGORITHM_ECC, 256, &sm2,
+                                    ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, "one more", &last),
+              0);
+    EXPECT_EQ(trace().failures(),
+              errors("DeviceGenerateKeypair", "hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX"));
+    EXPECT_THAT(callsSinceMark(), IsEmpty());
 }
 
 TEST_F(ImportEnveloped, DeletedContainersAreNotFound) {

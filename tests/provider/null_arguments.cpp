@@ -12,7 +12,7 @@ int taken(Handle handle) {
     return handle != nullptr;
 }
 
-TEST_F(NullArguments, AreAnsweredWithTheTraceFullAndOff) {
+TEST_F(NullArguments, AreAnsweredAtEveryLevel) {
     insert({ecc("sm2", true, true), rsa("rsa", 1024, true, false)});
     script().memory.devices.front().applications.front().files["1"].content = Bytes(10);
     const SPI_KEYPAIR_HANDLE key = pair("sm2", 2);
@@ -122,7 +122,7 @@ TEST_F(NullArguments, AreAnsweredWithTheTraceFullAndOff) {
         CASE(0, DeviceIsSupportedAlgorithm2(d, 0x40, 0, 2, nullptr)),
     };
 #undef CASE
-    for (const char *level : {"5", "0"}) {
+    for (const char *level : {"5", "4", "3", "2", "1", "0"}) {
         trace().setLevel(level);
         for (const Case &at : cases) {
             EXPECT_EQ(at.call(), at.expected) << at.what << " at level " << level;
