@@ -19,9 +19,10 @@ class CommandLine(CommandTest):
         return [command for name in names for command in self.commands(*path, name)]
 
     def test_every_command_explains_itself_with_examples_in_two_languages(self):
-        commands = self.commands()
-        self.assertGreater(len(commands), 25)
-        for command in commands[:3] if IS_WINDOWS else commands:
+        # Wine takes seconds for each.
+        commands = [("list",), ("key", "generate"), ("doctor",)] if IS_WINDOWS else self.commands()
+        self.assertGreater(len(commands), 2 if IS_WINDOWS else 25)
+        for command in commands:
             with self.subTest(command=command):
                 text = self.run_tool(*command, "--help").decode()
                 self.assertIn("Examples:", text)
