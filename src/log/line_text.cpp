@@ -1,5 +1,6 @@
 #include "log/line_text.h"
 
+#include "log/trace.h"
 #include "platform/memory.h"
 #include "platform/process.h"
 
@@ -71,7 +72,7 @@ void LineText::appendFormatted(const char *format, std::va_list arguments) {
         switch (percent[1]) {
         case 'd': appendNumber(va_arg(arguments, int)); break;
         case 'p': appendPointer(va_arg(arguments, void *)); break;
-        case 's': append(va_arg(arguments, const char *)); break;
+        case 's': append(shown(va_arg(arguments, const char *))); break;
         default: appendByLibrary(percent, arguments); return;
         }
         format = percent + 2;
