@@ -2,7 +2,6 @@
 
 #include "../../tests/support/provider_allocator.h"
 #include "provider/settings.h"
-#include "strict_token.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -38,7 +37,6 @@ ProviderRun::ProviderRun(Input &input) {
     test::resetScript();
     startOnce();
     ProviderAllocator::refuseAbove(std::size_t{1} << 24); // a token may announce gigabytes
-    beStrict();
     // Most of the time silent: a trace of every line costs half the speed.
     traceLevel[sizeof traceLevel - 2] = input.once(4) ? '5' : '0';
     g_supportGDKMSM2Import = input.byte() & 1u;

@@ -3,6 +3,7 @@
 #include "scripted_token.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace tembra::test::memory_token {
 namespace {
@@ -36,84 +37,76 @@ Bytes toyDecrypt(const Bytes &key, Bytes iv, const Bytes &cipher) {
 }
 
 ULONG startCipher(HANDLE key, const BLOCKCIPHERPARAM &parameter) {
-    HandleModel *handle = token().find(key, HandleKind::key);
-    if (handle == nullptr) {
-        return SAR_INVALIDHANDLEERR;
-    }
-    handle->cipher = parameter;
-    return SAR_OK;
+    return with(token().find(key, HandleKind::key),
+                [&](HandleModel &handle) { handle.cipher = parameter; });
 }
 
 template <typename Transform>
 ULONG transform(HANDLE key, Transform apply, const BYTE *in, ULONG length, BYTE *out,
                 ULONG *outLength) {
-    HandleModel *handle = token().find(key, HandleKind::key);
-    if (handle == nullptr || length % 16 != 0) {
-        return handle ? SAR_INDATALENERR : SAR_INVALIDHANDLEERR;
-    }
-    const BLOCKCIPHERPARAM &parameter = handle->cipher;
-    return giveBytes(apply(handle->key, Bytes(parameter.IV, parameter.IV + parameter.IVLen),
-                           Bytes(in, in + length)),
-                     out, outLength);
+    return with(token().find(key, HandleKind::key), [&](HandleModel &handle) {
+        const BLOCKCIPHERPARAM &parameter = handle.cipher;
+        return length % 16 != 0
+                   ? SAR_INDATALENERR
+                   : giveBytes(apply(handle.key,
+                                     Bytes(parameter.IV, parameter.IV + parameter.IVLen),
+                                     Bytes(in, in + length)),
+                               out, outLength);
+    });
 }
 
 } // namespace
 
 ULONG SKF_RSASignData(HCONTAINER container, BYTE *, ULONG, BYTE *signature, ULONG *length) {
-    HandleModel *handle = token().find(container, HandleKind::container);
-    return handle ? giveBytes(Bytes(handle->container->keyBits / 8, 0x33), signature, length)
-                  : SAR_INVALIDHANDLEERR;
+    return with(token().container(container), [&](ContainerModel &model) {
+        return giveBytes(Bytes(model.keyBits / 8, 0x33), signature, length);
+    });
 }
 
 ULONG SKF_ECCSignData(HCONTAINER container, BYTE *data, ULONG length, ECCSIGNATUREBLOB *signature) {
-    if (token().find(container, HandleKind::container) == nullptr ||
-        (data == nullptr && length != 0)) {
-        return SAR_INVALIDPARAMERR;
-    }
-    const Bytes r = coordinate(0x40);
-    const Bytes s = coordinate(0x80);
-    std::copy(r.begin(), r.end(), signature->r);
-    std::copy(s.begin(), s.end(), signature->s);
-    return SAR_OK;
+    return with(token().container(container), [&](ContainerModel &) {
+        if (data == nullptr && length != 0)
+            return SAR_INVALIDPARAMERR;
+        std::ranges::copy(coordinate(0x40), signature->r);
+        std::ranges::copy(coordinate(0x80), signature->s);
+        return SAR_OK;
+    });
 }
 
 // The plaintext is the first 20 bytes of the ciphertext under the mask.
 ULONG SKF_RSADecrypt(HCONTAINER container, BOOL, BYTE *in, ULONG inLength, BYTE *out,
                      ULONG *length) {
-    return token().find(container, HandleKind::container)
-               ? giveBytes(masked(in, std::min<ULONG>(inLength, 20)), out, length)
-               : SAR_INVALIDHANDLEERR;
+    return with(token().container(container), [&](ContainerModel &) {
+        return giveBytes(masked(in, std::min<ULONG>(inLength, 20)), out, length);
+    });
 }
 
 ULONG SKF_ECCDecrypt(HCONTAINER container, BOOL, ECCCIPHERBLOB *cipher, BYTE *out, ULONG *length) {
-    return token().find(container, HandleKind::container)
-               ? giveBytes(masked(cipher->Cipher, cipher->CipherLen), out, length)
-               : SAR_INVALIDHANDLEERR;
+    return with(token().container(container), [&](ContainerModel &) {
+        return giveBytes(masked(cipher->Cipher, cipher->CipherLen), out, length);
+    });
 }
 
 // 1, 2, 3 ... in every call.
 ULONG SKF_GenRandom(DEVHANDLE device, BYTE *out, ULONG length) {
-    if (token().find(device, HandleKind::device) == nullptr || out == nullptr) {
-        return SAR_INVALIDPARAMERR;
-    }
-    for (ULONG i = 0; i < length; ++i) {
-        out[i] = static_cast<BYTE>(i + 1);
-    }
-    return SAR_OK;
+    return with(token().device(device), [&](DeviceModel &) {
+        if (out == nullptr)
+            return SAR_INVALIDPARAMERR;
+        std::iota(out, out + length, BYTE{1});
+        return SAR_OK;
+    });
 }
 
 ULONG SKF_DevAuth(DEVHANDLE device, BYTE *, ULONG) {
-    return token().find(device, HandleKind::device) ? SAR_OK : SAR_INVALIDHANDLEERR;
+    return with(token().device(device), [](DeviceModel &) {});
 }
 
 ULONG SKF_SetSymmKey(DEVHANDLE device, BYTE *key, ULONG, HANDLE *handle) {
-    if (token().find(device, HandleKind::device) == nullptr) {
-        return SAR_INVALIDHANDLEERR;
-    }
-    HandleModel *opened = token().create(HandleKind::key, {HandleKind::key});
-    opened->key.assign(key, key + 16);
-    *handle = opened;
-    return SAR_OK;
+    return with(token().device(device), [&](DeviceModel &) {
+        HandleModel *opened = token().create(HandleKind::key, {HandleKind::key});
+        opened->key.assign(key, key + 16);
+        *handle = opened;
+    });
 }
 
 ULONG SKF_EncryptInit(HANDLE key, BLOCKCIPHERPARAM parameter) {
@@ -133,47 +126,33 @@ ULONG SKF_Decrypt(HANDLE key, BYTE *in, ULONG length, BYTE *out, ULONG *outLengt
 }
 
 ULONG SKF_DigestInit(DEVHANDLE device, ULONG, ECCPUBLICKEYBLOB *, BYTE *, ULONG, HANDLE *digest) {
-    if (token().find(device, HandleKind::device) == nullptr) {
-        return SAR_INVALIDHANDLEERR;
-    }
-    *digest = token().create(HandleKind::digest, {HandleKind::digest});
-    return SAR_OK;
+    return with(token().device(device), [digest](DeviceModel &) {
+        *digest = token().create(HandleKind::digest, {HandleKind::digest});
+    });
 }
 
 ULONG SKF_DigestUpdate(HANDLE digest, BYTE *data, ULONG length) {
-    HandleModel *handle = token().find(digest, HandleKind::digest);
-    if (handle == nullptr) {
-        return SAR_INVALIDHANDLEERR;
-    }
-    handle->digested.insert(handle->digested.end(), data, data + length);
-    return SAR_OK;
+    return with(token().find(digest, HandleKind::digest), [&](HandleModel &handle) {
+        handle.digested.insert(handle.digested.end(), data, data + length);
+    });
 }
 
 // The sum of the bytes fed, then counting.
 ULONG SKF_DigestFinal(HANDLE digest, BYTE *value, ULONG *length) {
-    HandleModel *handle = token().find(digest, HandleKind::digest);
-    if (handle == nullptr) {
-        return SAR_INVALIDHANDLEERR;
-    }
-    Bytes bytes(32);
-    unsigned sum = 0;
-    for (const unsigned char byte : handle->digested) {
-        sum += byte;
-    }
-    for (unsigned char &byte : bytes) {
-        byte = static_cast<unsigned char>(sum++);
-    }
-    return giveBytes(bytes, value, length);
+    return with(token().find(digest, HandleKind::digest), [&](HandleModel &handle) {
+        Bytes bytes(32);
+        std::iota(
+            bytes.begin(), bytes.end(),
+            std::accumulate(handle.digested.begin(), handle.digested.end(), BYTE{0},
+                            [](BYTE sum, BYTE byte) { return static_cast<BYTE>(sum + byte); }));
+        return giveBytes(bytes, value, length);
+    });
 }
 
 ULONG SKF_CloseHandle(HANDLE handle) {
-    for (const HandleKind kind : {HandleKind::key, HandleKind::digest}) {
-        if (HandleModel *model = token().find(handle, kind)) {
-            model->open = false;
-            return SAR_OK;
-        }
-    }
-    return SAR_INVALIDHANDLEERR;
+    HandleModel *key = token().find(handle, HandleKind::key);
+    return with(key != nullptr ? key : token().find(handle, HandleKind::digest),
+                [](HandleModel &model) { model.open = false; });
 }
 
 } // namespace tembra::test::memory_token

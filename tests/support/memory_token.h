@@ -64,8 +64,13 @@ struct MemoryToken {
     std::list<DeviceModel> devices;
     std::list<HandleModel> handles;
     int containersClosedTwice = 0;
+    int certificatesTaken = 0;
 
-    HandleModel *find(void *handle, HandleKind kind); // null unless it is open
+    // What an open handle stands for; null for any other.
+    HandleModel *find(void *handle, HandleKind kind);
+    DeviceModel *device(DEVHANDLE handle);
+    ApplicationModel *application(HAPPLICATION handle);
+    ContainerModel *container(HCONTAINER handle);
     HandleModel *create(HandleKind kind, const HandleModel &parent);
     int open(HandleKind kind) const;
     int open() const; // of any kind
@@ -100,6 +105,20 @@ Bytes toyEncrypt(const Bytes &key, Bytes iv, const Bytes &plain);
 
 // The usual answer to a length query, a short buffer and a good one.
 ULONG giveBytes(const Bytes &bytes, BYTE *out, ULONG *length);
+
+// What the action makes of a model, if the handle stood for one; an action without a result
+// succeeds.
+template <typename Model, typename Action>
+ULONG with(Model *model, Action action) {
+    if (model == nullptr)
+        return SAR_INVALIDHANDLEERR;
+    if constexpr (std::is_void_v<decltype(action(*model))>) {
+        action(*model);
+        return SAR_OK;
+    } else {
+        return action(*model);
+    }
+}
 
 // The usual behaviour of each function.
 namespace memory_token {

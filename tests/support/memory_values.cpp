@@ -90,33 +90,6 @@ ULONG giveBytes(const Bytes &bytes, BYTE *out, ULONG *length) {
     return SAR_OK;
 }
 
-HandleModel *MemoryToken::find(void *handle, HandleKind kind) {
-    for (HandleModel &model : handles) {
-        if (&model == handle && model.open && model.kind == kind) {
-            return &model;
-        }
-    }
-    return nullptr;
-}
-
-HandleModel *MemoryToken::create(HandleKind kind, const HandleModel &parent) {
-    HandleModel &handle = handles.emplace_back(parent);
-    handle.kind = kind;
-    return &handle;
-}
-
-int MemoryToken::open(HandleKind kind) const {
-    return static_cast<int>(
-        std::count_if(handles.begin(), handles.end(), [kind](const HandleModel &handle) {
-            return handle.open && handle.kind == kind;
-        }));
-}
-
-int MemoryToken::open() const {
-    return static_cast<int>(std::count_if(handles.begin(), handles.end(),
-                                          [](const HandleModel &handle) { return handle.open; }));
-}
-
 DeviceModel &MemoryToken::addDevice(const std::string &name) {
     DeviceModel &device = devices.emplace_back();
     device.name = name;

@@ -1,6 +1,8 @@
 // One function of the libraries below the provider, under a test's control.
 #pragma once
 
+#include "strict_arguments.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -86,6 +88,7 @@ public:
         const std::lock_guard guard(scriptMutex());
         journal_.push_back(name_);
         arguments_.emplace_back(arguments...);
+        reachArguments(name_, arguments...);
         if (const auto plan = planned_.find(calls()); plan != planned_.end()) {
             return plan->second;
         }
