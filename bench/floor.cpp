@@ -1,27 +1,7 @@
 #include "floor.h"
 
-#include <cstdlib>
-#include <sys/syscall.h>
-#include <unistd.h>
-
-namespace tembra::bench {
-
-std::recursive_mutex floorLock;
-
-void lookLevelUp(int statements) {
-    for (int i = 0; i < statements; ++i) {
-        const char *value = std::getenv("TEMBRA_KEY_PROV_LOG_LEVEL");
-        [[maybe_unused]] const volatile int level = value ? std::atoi(value) : 0;
-    }
+// By itself, so that it is called as often as the provider calls its own.
+int tembra::bench::lookLevelUp() {
+    const char *value = std::getenv(LEVEL_VARIABLE);
+    return value ? std::atoi(value) : 0;
 }
-
-LineHead lineHead() {
-    LineHead head = {syscall(SYS_gettid), {}};
-    const std::time_t now = std::time(nullptr);
-    std::tm local = {};
-    localtime_r(&now, &local);
-    std::strftime(head.time, sizeof(head.time), "%Y-%m-%d %H:%M:%S", &local);
-    return head;
-}
-
-} // namespace tembra::bench

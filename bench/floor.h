@@ -4,24 +4,27 @@
 
 #include "trace_file.h"
 
-#include <cstddef>
-#include <cstdio>
 #include <ctime>
 #include <mutex>
+#include <sys/syscall.h>
 
 namespace tembra::bench {
 
-// The level variable, looked up once for each trace statement.
-void lookLevelUp(int statements);
+inline std::recursive_mutex floorLock; // as recursive as the provider's own
 
-// As recursive as the provider's own.
-extern std::recursive_mutex floorLock;
+// A trace statement: nothing but the look-up of the level.
+int lookLevelUp();
 
-struct LineHead {
-    long thread;
-    char time[200];
-};
-LineHead lineHead();
+// The trace statements, the lock where the entry point takes it, the raw call.
+template <typename EntryPoint>
+void callFloor(EntryPoint &entryPoint) {
+    for (int i = 0; i < entryPoint.statements; ++i)
+        lookLevelUp();
+    std::unique_lock lock(floorLock, std::defer_lock);
+    if (entryPoint.locks)
+        lock.lock();
+    entryPoint.raw();
+}
 
 // One line at information with one write: the trace's line, with the arguments of the call. format
 // begins with FLOOR_HEAD and ends in " \n".
@@ -29,10 +32,15 @@ LineHead lineHead();
 
 template <typename... Values> // numbers, pointers and, for %s, const char *
 void writeFloorLine(const char *format, Values... values) {
-    const LineHead head = lineHead();
+    const std::time_t now = std::time(nullptr);
+    std::tm local = {};
+    localtime_r(&now, &local);
+    char time[200];
+    std::strftime(time, sizeof(time), "%Y-%m-%d %H:%M:%S", &local);
     char line[1024];
-    const int length = std::snprintf(line, sizeof(line), format, head.thread, head.time, values...);
-    TraceFiles::instance().write(line, static_cast<std::size_t>(length));
+    const int length =
+        std::snprintf(line, sizeof(line), format, syscall(SYS_gettid), time, values...);
+    TraceFile::instance().write({line, static_cast<std::size_t>(length)});
 }
 
 } // namespace tembra::bench

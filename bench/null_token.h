@@ -10,7 +10,7 @@ struct NullToken {
     int containers = 1; // each with a signature and an encryption key pair
     std::chrono::nanoseconds signature{0};
     std::chrono::nanoseconds digestPiece{0};
-    double cipherNanosecondsPerByte = 0;
+    std::chrono::nanoseconds cipherByte{0};
 };
 
 // Changed between measurements only.

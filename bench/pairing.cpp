@@ -1,15 +1,33 @@
 #include "pairing.h"
 
-#include "table.h"
-
 #include <algorithm>
-#include <utility>
+#include <cstdio>
 
 namespace tembra::bench {
 
 namespace {
 
 constexpr long MOST_CALLS = 20'000; // of a batch, so that what the calls leave behind stays small
+
+int missed = 0;
+
+void printRow(const std::string &value, const std::string &mark, const std::string &result,
+              const std::string &taken, const std::string &against, const std::string &what) {
+    std::printf("%10s  %-9s %-6s %10s %10s  %s\n", value.c_str(), mark.c_str(), result.c_str(),
+                taken.c_str(), against.c_str(), what.c_str());
+}
+
+std::string judge(bool met) {
+    missed += met ? 0 : 1;
+    return met ? "met" : "MISSED";
+}
+
+template <typename... Values>
+std::string text(const char *format, Values... values) {
+    char buffer[256];
+    std::snprintf(buffer, sizeof(buffer), format, values...);
+    return buffer;
+}
 
 std::string timeText(double nanoseconds) {
     if (nanoseconds < 1e3)
@@ -19,81 +37,85 @@ std::string timeText(double nanoseconds) {
     return text("%.2f ms", nanoseconds / 1e6);
 }
 
-} // namespace
-
 double median(std::vector<double> values) {
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
     std::nth_element(values.begin(), middle, values.end());
     return *middle;
 }
 
-Pairing::Pairing(benchmark::State &ofState, std::string withTitle, std::chrono::microseconds time)
-    : state(ofState), title(std::move(withTitle)), batch(time) {}
+} // namespace
+
+void printHead() {
+    printRow("ratio", "mark", "", "a call", "against", "what / against what");
+}
+
+int marksMissed() {
+    return missed;
+}
+
+Pairing::Pairing(benchmark::State &ofState, const std::string &title,
+                 std::chrono::microseconds time)
+    : state(ofState), batch(time) {
+    std::printf("\n%s\n", title.c_str());
+}
 
 std::size_t Pairing::add(Contender contender) {
     all.push_back({std::move(contender)});
     return all.size() - 1;
 }
 
-void Pairing::compare(std::size_t subject, std::size_t reference, double mark) {
-    comparisons.push_back({subject, reference, mark});
-}
-
-double Pairing::timeBatch(Series &series) {
+double Pairing::Series::timeBatch() const {
     using Clock = std::chrono::steady_clock;
-    const Contender &contender = series.contender;
-    if (contender.before)
-        contender.before();
+    if (before)
+        before();
     const Clock::time_point start = Clock::now();
-    contender.run(series.calls);
+    run(calls);
     const double taken = std::chrono::duration<double, std::nano>(Clock::now() - start).count();
-    if (contender.after)
-        contender.after();
+    if (after)
+        after();
     return taken;
 }
 
-void Pairing::chooseBatch(Series &series) const {
-    const double wanted = static_cast<double>(batch.count());
-    while (timeBatch(series) < wanted && series.calls < MOST_CALLS)
-        series.calls *= 2;
-}
-
 void Pairing::measure() {
-    for (Series &series : all)
-        chooseBatch(series);
-    bool backwards = false; // every other round, against a drift within the round
+    std::vector<Series *> turns;
+    for (Series &series : all) {
+        turns.push_back(&series);
+        while (series.timeBatch() < static_cast<double>(batch.count()) && series.calls < MOST_CALLS)
+            series.calls *= 2;
+    }
     for (auto _ : state) {
         double round = 0;
-        for (std::size_t i = 0; i < all.size(); ++i) {
-            Series &series = all[backwards ? all.size() - 1 - i : i];
-            const double taken = timeBatch(series);
-            series.nanoseconds.push_back(taken / static_cast<double>(series.calls));
+        for (Series *series : turns) {
+            const double taken = series->timeBatch();
+            series->nanoseconds.push_back(taken / static_cast<double>(series->calls));
             round += taken;
         }
         state.SetIterationTime(round / 1e9);
-        backwards = !backwards;
+        std::reverse(turns.begin(), turns.end()); // against a drift within the round
     }
-    for (const Comparison &comparison : comparisons)
-        report(comparison);
 }
 
-void Pairing::report(const Comparison &comparison) {
-    const Series &subject = all[comparison.subject];
-    const Series &reference = all[comparison.reference];
+void Pairing::compare(std::size_t subject, std::size_t reference, double mark) {
     std::vector<double> ratios;
-    for (std::size_t i = 0; i < subject.nanoseconds.size(); ++i)
-        ratios.push_back(subject.nanoseconds[i] / reference.nanoseconds[i]);
+    std::transform(all[subject].nanoseconds.begin(), all[subject].nanoseconds.end(),
+                   all[reference].nanoseconds.begin(), std::back_inserter(ratios), std::divides());
     const double ratio = median(ratios);
-    const std::string what = subject.contender.name + " / " + reference.contender.name;
+    const std::string what = all[subject].name + " / " + all[reference].name;
     state.counters[what] = ratio;
-    Table::instance().add(
-        {.section = title,
-         .what = what,
-         .value = text(ratio < 10 ? "%.3f" : "%.0f", ratio),
-         .mark = comparison.mark == NO_MARK ? "" : text("<= %.2f", comparison.mark),
-         .met = comparison.mark == NO_MARK || ratio <= comparison.mark,
-         .taken = timeText(median(subject.nanoseconds)),
-         .against = timeText(median(reference.nanoseconds))});
+    const bool hasMark = mark != NO_MARK;
+    printRow(text(ratio < 10 ? "%.3f" : "%.0f", ratio), hasMark ? text("<= %.2f", mark) : "",
+             hasMark ? judge(ratio <= mark) : "", timeText(nanoseconds(subject)),
+             timeText(nanoseconds(reference)), what);
+}
+
+void Pairing::show(std::size_t subject, double figure, const char *unit, const char *mark,
+                   bool met) const {
+    printRow(text("%.3g %s", figure, unit), mark, judge(met), timeText(nanoseconds(subject)), "",
+             all[subject].name);
+}
+
+double Pairing::nanoseconds(std::size_t subject) const {
+    return median(all[subject].nanoseconds);
 }
 
 } // namespace tembra::bench

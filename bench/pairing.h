@@ -1,5 +1,6 @@
-// Paired measurement: what is to be compared runs in turns, a short batch each, and the ratio is
-// the median over the rounds, so that whatever else the machine does meets all of them alike.
+// Paired measurement: what is to be compared runs in turns, a short batch each, and a ratio is the
+// median over the rounds, so that whatever else the machine does meets all of them alike. Each
+// measurement prints its rows of the table.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -10,6 +11,12 @@
 #include <vector>
 
 namespace tembra::bench {
+
+// A benchmark that is measured so often.
+template <typename Measure>
+void add(const std::string &name, int rounds, Measure measure) {
+    benchmark::RegisterBenchmark(name.c_str(), measure)->Iterations(rounds)->UseManualTime();
+}
 
 struct Contender {
     std::string name;
@@ -27,51 +34,41 @@ std::function<void(long)> repeat(Call call) {
     };
 }
 
-// A benchmark that is measured so often.
-template <typename Rows>
-void add(const std::string &name, int rounds, Rows rows) {
-    benchmark::RegisterBenchmark(name.c_str(), rows)->Iterations(rounds)->UseManualTime();
-}
-
 inline constexpr double NO_MARK = 0;
+
+void printHead();
+int marksMissed(); // so far
 
 class Pairing {
 public:
     // batch is how long one contender runs before it is the next one's turn.
-    Pairing(benchmark::State &state, std::string title,
+    Pairing(benchmark::State &state, const std::string &title,
             std::chrono::microseconds batch = std::chrono::microseconds(400));
 
-    // What compare() names it by.
+    // Returns the contender's number.
     std::size_t add(Contender contender);
-    // A row of the table: how much longer a call of subject takes than one of reference, and what
-    // that must not exceed.
-    void compare(std::size_t subject, std::size_t reference, double mark = NO_MARK);
-    // Runs the rounds and hands the rows to the table.
+    // Runs the rounds.
     void measure();
 
+    // A row: how much longer a call of subject takes than one of reference, and what that must not
+    // exceed.
+    void compare(std::size_t subject, std::size_t reference, double mark = NO_MARK);
+    // A row with a figure that was made of the time a call of subject takes.
+    void show(std::size_t subject, double figure, const char *unit, const char *mark,
+              bool met) const;
+    double nanoseconds(std::size_t subject) const;
+
 private:
-    struct Comparison {
-        std::size_t subject;
-        std::size_t reference;
-        double mark;
-    };
-    struct Series {
-        Contender contender;
+    struct Series : Contender {
         long calls = 1;                    // of a batch
         std::vector<double> nanoseconds{}; // a call, round by round
+
+        double timeBatch() const;
     };
 
-    static double timeBatch(Series &series);
-    void chooseBatch(Series &series) const;
-    void report(const Comparison &comparison);
-
     benchmark::State &state;
-    std::string title;
-    std::chrono::nanoseconds batch;
+    const std::chrono::nanoseconds batch;
     std::vector<Series> all;
-    std::vector<Comparison> comparisons;
 };
-
-double median(std::vector<double> values);
 
 } // namespace tembra::bench

@@ -1,37 +1,69 @@
-// The provider's trace, and a file beside it for what is compared with it.
+// The provider's trace, whose file takes the lines of what it is compared with as well. It lies in
+// the temporary directory, as a trace does by default, and goes with the process.
 #pragma once
 
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace tembra::bench {
 
-// What TEMBRA_KEY_PROV_LOG_LEVEL says from the next trace statement on; null unsets it.
-void setLevel(const char *level);
+inline constexpr char LEVEL_VARIABLE[] = "TEMBRA_KEY_PROV_LOG_LEVEL";
 
-// Both files lie in the temporary directory, where a trace lies by default, and go with the
-// process.
-class TraceFiles {
+class TraceFile {
 public:
-    // The first use points the provider's trace at its file; no line may have been written before.
-    static TraceFiles &instance();
-    ~TraceFiles();
+    // Before the provider writes any line.
+    static const TraceFile &instance() {
+        static const TraceFile file;
+        return file;
+    }
+    ~TraceFile() { std::filesystem::remove(path); }
 
-    // Sets the level for a batch and empties both, so that no batch pays for a large file.
-    void begin(const char *level) const;
-    // One write to the other file.
-    void write(const char *text, std::size_t size) const;
-    std::size_t written() const; // to the other file since the files were emptied
-    // The provider's lines since the files were emptied, each with its end.
-    std::vector<std::string> lines() const;
+    // Sets the level and empties the file, so that no batch pays for a large one.
+    void begin(const char *level) const {
+        setLevel(level);
+        require(ftruncate(descriptor, 0) == 0);
+    }
+    // One write.
+    void write(const std::string_view &text) const {
+        require(::write(descriptor, text.data(), text.size()) == static_cast<ssize_t>(text.size()));
+    }
+    // The lines since the file was emptied, each with its end.
+    std::vector<std::string> lines() const {
+        std::ifstream file(path, std::ios::binary);
+        std::vector<std::string> found;
+        for (std::string line; std::getline(file, line);)
+            found.push_back(line + (file.eof() ? "" : "\n"));
+        return found;
+    }
+
+    // What the variable says from the next trace statement on; null unsets it.
+    static void setLevel(const char *level) {
+        if (level)
+            setenv(LEVEL_VARIABLE, level, 1);
+        else
+            unsetenv(LEVEL_VARIABLE);
+    }
 
 private:
-    TraceFiles();
+    TraceFile() {
+        require(descriptor >= 0);
+        setenv("TEMBRA_KEY_PROV_LOG_PATH", path.c_str(), 1);
+    }
+    void require(bool done) const {
+        if (!done) {
+            std::perror(path.c_str());
+            std::exit(1);
+        }
+    }
 
-    std::string directory;
-    std::string tracePath;
-    std::string otherPath;
-    int other;
+    std::string path = std::filesystem::temp_directory_path() / "tembra_bench_XXXXXX";
+    int descriptor = mkostemp(path.data(), O_APPEND | O_CLOEXEC);
 };
 
 } // namespace tembra::bench
