@@ -31,9 +31,8 @@ void insertTokens(Input &in) {
         insertToken({test::ecc("c0", true, true), test::rsa("c1", 1024, true, in.once(2)), {"c2"}});
     application.containers.front().signCertificate = Bytes(in.byte(), 0x30);
     application.files["1"] = {Bytes(64, 0x31), SECURE_ANYONE_ACCOUNT, SECURE_USER_ACCOUNT};
-    if (in.once(4)) {
+    if (in.once(4))
         test::script().memory.addDevice("blank");
-    }
 }
 
 void planFaults(Input &in, ProviderRun &run) {
@@ -41,9 +40,8 @@ void planFaults(Input &in, ProviderRun &run) {
         const std::string &function = in.pick(test::scriptedFunctions());
         const int nth = 1 + in.byte() % 8;
         const ULONG code = in.pick(codes);
-        if (function.find("Free") != std::string::npos) {
+        if (function.find("Free") != std::string::npos)
             run.forgiveHostBlocks();
-        }
         // A host library that says 1 says success, and then it has given something.
         test::planAnswer(function, nth, code == 1 && function[0] == 'O' ? 0 : code);
         run.forgiveOpenHandles();
@@ -65,8 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     Session session(input);
     operations()[0](session);
     session.keep(session.devices, DeviceGetDevice(session.any(session.sets), 0));
-    for (int steps = 0; steps < 100 && !input.done(); ++steps) {
+    for (int steps = 0; steps < 100 && !input.done(); ++steps)
         session.step();
-    }
     return 0;
 }

@@ -59,9 +59,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     insertToken({input.pick(containers)});
     const OneDevice device;
     const char *import = input.byte() & 1u ? "SKF_ImportRSAKeyPair" : "SKF_ImportECCKeyPair";
-    if (const ULONG answer = input.pick(answers)) {
+    if (const ULONG answer = input.pick(answers))
         test::planAnswer(import, 1, answer);
-    }
     const ExactBlock blob(input.rest());
     checkShare(blob);
 

@@ -26,9 +26,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     test::allowPlainRsa(input.byte() & 1u ? 2048 : 1024);
     const Bytes answers = input.bytes(input.byte());
     Input lies(answers.data(), answers.size());
-    if (!lies.done()) {
+    if (!lies.done())
         tellLies(lies);
-    }
     const ExactBlock blob(input.rest());
 
     SPI_KEYPAIR_HANDLE pair = nullptr;

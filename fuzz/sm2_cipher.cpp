@@ -30,9 +30,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     }
     const Bytes untrue = input.bytes(input.byte() % 16);
     Input lies(untrue.data(), untrue.size());
-    if (!lies.done()) {
+    if (!lies.done())
         tellLies(lies);
-    }
     const ExactBlock clear(Bytes(input.byte() * 2u, 0xEE));
     const ExactBlock cipher(input.rest());
 
@@ -44,9 +43,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
             "a result that there is not");
     require(rv != 1 || (length >= 0 && length <= clear.size()), "a length beyond the buffer");
     require(rv != ORVEL_PKI_MOREDATA || length > clear.size(), "a buffer refused that is enough");
-    for (int i = rv == 1 ? length : 0; i < clear.size(); ++i) {
+    for (int i = rv == 1 ? length : 0; i < clear.size(); ++i)
         require(clear.data()[i] == 0xEE, "the buffer is written where nothing is delivered");
-    }
     DeviceFreeKeypair(pair);
     return 0;
 }

@@ -18,8 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     Session session(input);
     operations()[0](session);
     session.keep(session.devices, DeviceGetDevice(session.any(session.sets), 0));
-    for (int steps = 0; steps < 60 && !input.done(); ++steps) {
+    for (int steps = 0; steps < 60 && !input.done(); ++steps)
         session.step();
-    }
     return 0;
 }

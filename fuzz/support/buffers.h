@@ -13,9 +13,8 @@ public:
         const unsigned kind = in.byte();
         const int size = kind % 4 == 0 ? static_cast<int>(in.number() % 1400) : in.byte() % 100;
         capacity_ = kind % 16 == 1 ? -size : size;
-        if (kind % 8 != 2) {
+        if (kind % 8 != 2)
             block_ = std::make_unique<ExactBlock>(Bytes(static_cast<std::size_t>(size), untouched));
-        }
         needed_ = kind % 32 == 3 ? nullptr : &length_;
     }
 
@@ -28,9 +27,8 @@ public:
     // A buffer that is refused for its size stays as it was.
     void check(int result) const {
         require(result >= -19 && result <= 1, "a result that there is not");
-        for (int i = 0; result == ORVEL_PKI_MOREDATA && i < size(); ++i) {
+        for (int i = 0; result == ORVEL_PKI_MOREDATA && i < size(); ++i)
             require(data()[i] == untouched, "a refused buffer is written to");
-        }
     }
 
 private:

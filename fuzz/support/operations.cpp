@@ -23,16 +23,14 @@ const TembraEccParam curves[] = {{7, 0}, {7, 0}, {7, 0}, {7, 1}, {6, 0}};
 
 // Not too many, for an input to be done soon.
 void discover(Session &s) {
-    if (s.discoveries++ < 8) {
+    if (s.discoveries++ < 8)
         s.keep(s.sets, DeviceGetAllDevices());
-    }
 }
 
 // The algorithm that belongs to the pair, or any.
 int algorithmOf(Session &s, SPI_KEYPAIR_HANDLE pair, int rsa, int ecc) {
-    if (pair == nullptr || s.in.once(8)) {
+    if (pair == nullptr || s.in.once(8))
         return s.in.pick(algorithms);
-    }
     return DeviceGetKeypairAlgorithm(pair) == ORVEL_PKI_ALGORITHM_RSA ? rsa : ecc;
 }
 
@@ -75,9 +73,8 @@ void decrypt(Session &s) {
     const int algorithm =
         algorithmOf(s, pair, ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC, ORVEL_PKI_ALGORITHM_SM2_ENC);
     Bytes cipher = s.in.bytes(s.in.once(4) ? s.in.byte() : 97 + s.in.byte());
-    if (!cipher.empty()) {
+    if (!cipher.empty())
         cipher[0] = s.in.once(8) ? 2 : 4;
-    }
     const ExactBlock block(cipher);
     const Output out(s.in);
     out.check(DevicePrivateKeyDecrypt(pair, algorithm, anyParam(s),
@@ -88,9 +85,8 @@ void decrypt(Session &s) {
 void newHashes(Session &s) {
     SPI_DEVICE_HANDLE device = s.any(s.devices);
     const int algorithm = s.in.once(8) ? 1 : ORVEL_PKI_ALGORITHM_SM3;
-    for (int count = s.in.once(8) ? 66 : 1; count > 0; --count) {
+    for (int count = s.in.once(8) ? 66 : 1; count > 0; --count)
         s.keep(s.hashes, DeviceNewHash(device, algorithm));
-    }
 }
 
 void newCiphers(Session &s) {

@@ -12,9 +12,8 @@ namespace tembra::fuzz {
 // Ends the process with a text that says what is wrong: a finding.
 [[noreturn]] void report(const char *what);
 inline void require(bool holds, const char *what) {
-    if (!holds) {
+    if (!holds)
         report(what);
-    }
 }
 
 class ProviderRun {

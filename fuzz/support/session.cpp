@@ -33,9 +33,8 @@ test::Bytes anyBlob(Input &in) {
     case 3: blob = test::RsaEnvelope(in.once(2) ? 2048 : 1024).blob(); break;
     default: blob = test::Sm2Envelope().blob(); break;
     }
-    for (unsigned changes = in.byte() % 4; changes > 0 && !blob.empty(); --changes) {
+    for (unsigned changes = in.byte() % 4; changes > 0 && !blob.empty(); --changes)
         blob[in.number() % blob.size()] = in.byte();
-    }
     return blob;
 }
 
@@ -46,35 +45,27 @@ void Session::step() {
 }
 
 Session::~Session() {
-    for (SPI_HASH_HANDLE hash : hashes) {
+    for (SPI_HASH_HANDLE hash : hashes)
         DeviceFreeHash(hash);
-    }
-    for (SPI_CIPHER_HANDLE cipher : ciphers) {
+    for (SPI_CIPHER_HANDLE cipher : ciphers)
         DeviceFreeCipher(cipher);
-    }
     hashes.clear();
     ciphers.clear();
-    for (SPI_PUBLICKEY_HANDLE key : publicKeys) {
+    for (SPI_PUBLICKEY_HANDLE key : publicKeys)
         DeviceFreePublicKey(key);
-    }
-    for (SPI_KEYPAIR_HANDLE pair : pairs) {
+    for (SPI_KEYPAIR_HANDLE pair : pairs)
         freePair(pair);
-    }
-    for (SPI_DEVICE_HANDLE device : devices) {
+    for (SPI_DEVICE_HANDLE device : devices)
         freeDevice(device);
-    }
-    for (SPI_DEVICESET_HANDLE set : sets) {
+    for (SPI_DEVICESET_HANDLE set : sets)
         freeSet(set);
-    }
     // A deletion leaves the container record in memory, one reference too many on the device, and
     // slots beyond the count.
-    for (TembraContainer *container : keptContainers_) {
+    for (TembraContainer *container : keptContainers_)
         freeContainer(container);
-    }
     for (TembraDevice *device : keptDevices_) {
-        for (int i = device->m_containerCount; i < CONTAINER_COUNT_MAX; ++i) {
+        for (int i = device->m_containerCount; i < CONTAINER_COUNT_MAX; ++i)
             freeContainer(device->m_containers[i]);
-        }
         tembra::freeDevice(device);
     }
 }
@@ -87,9 +78,8 @@ void Session::releaseDependents(SPI_DEVICE_HANDLE device) {
 }
 
 void Session::freeSet(SPI_DEVICESET_HANDLE set) {
-    for (int i = 0; set != nullptr && i < set->m_count; ++i) {
+    for (int i = 0; set != nullptr && i < set->m_count; ++i)
         releaseDependents(set->m_handles[i]);
-    }
     DeviceFreeDevices(set);
 }
 
@@ -99,9 +89,8 @@ void Session::freeDevice(SPI_DEVICE_HANDLE device) {
 }
 
 void Session::freePair(SPI_KEYPAIR_HANDLE pair) {
-    if (pair != nullptr) {
+    if (pair != nullptr)
         releaseDependents(pair->m_device);
-    }
     DeviceFreeKeypair(pair);
 }
 
@@ -113,9 +102,8 @@ void Session::deletePair() {
     const int result = DeviceDeleteKeypair(pair);
     if (result == 1) {
         keptDevices_.insert(device);
-        if (device->m_containers[index] == nullptr) {
+        if (device->m_containers[index] == nullptr)
             keptContainers_.push_back(container);
-        }
     }
 }
 

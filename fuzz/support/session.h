@@ -39,17 +39,15 @@ public:
     }
     template <typename Handle>
     void keep(std::vector<Handle> &handles, Handle handle) {
-        if (handle != nullptr) {
+        if (handle != nullptr)
             handles.push_back(handle);
-        }
     }
     template <typename Handle>
     Handle take(std::vector<Handle> &handles) {
         const Handle handle = any(handles);
         const auto found = std::find(handles.begin(), handles.end(), handle);
-        if (found != handles.end()) {
+        if (found != handles.end())
             handles.erase(found);
-        }
         return handle;
     }
 

@@ -112,15 +112,13 @@ bool fits(const Row &row, const std::string &entry, const std::string &call, std
 } // namespace
 
 Expectation expected(const std::string &entry, const std::string &call, std::uint32_t code) {
-    if (givesBack(call)) {
+    if (givesBack(call))
         return {1, ""};
-    }
     for (const Row &row : rows) {
         if (fits(row, entry, call, code)) {
             char line[200] = "";
-            if (row.line != nullptr) {
+            if (row.line != nullptr)
                 std::snprintf(line, sizeof line, row.line, code);
-            }
             return {row.result, line};
         }
     }

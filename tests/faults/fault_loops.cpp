@@ -77,25 +77,21 @@ std::set<void *> blocksOf(const Session::Kept &kept) {
     containers.insert(kept.container);
     containers.erase(nullptr);
     std::set<void *> blocks = {kept.device, kept.device->m_serialNumber};
-    for (int i = 0; i < kept.device->m_keypairCount; ++i) {
+    for (int i = 0; i < kept.device->m_keypairCount; ++i)
         blocks.insert({kept.device->m_keypairs[i], kept.device->m_keypairs[i]->m_label});
-    }
     for (TembraContainer *container : containers) {
         blocks.insert({container, container->m_label, container->m_signCert, container->m_encCert});
-        for (void *key : {container->m_signPubKey, container->m_encPubKey}) {
-            if (key != nullptr) {
+        for (void *key : {container->m_signPubKey, container->m_encPubKey})
+            if (key != nullptr)
                 OrvelPKICryptoFreeMemory(key);
-            }
-        }
     }
     blocks.erase(nullptr);
     return blocks;
 }
 
 void freeKept() {
-    for (void *block : blocksOf(Session::kept())) {
+    for (void *block : blocksOf(Session::kept()))
         ProviderAllocator::discard(block);
-    }
     for (HandleModel &handle : script().memory.handles) {
         handle.open =
             handle.open && (handle.kind == HandleKind::key || handle.kind == HandleKind::digest);
@@ -107,21 +103,18 @@ void freeKept() {
 int openByContract(const Outcome &outcome, std::size_t devices) {
     int open = 2 * static_cast<int>(devices - std::min(devices, outcome.devices));
     if (outcome.failed != nullptr && outcome.failed->entry == "DeviceVerifyPwd" &&
-        !outcome.hits.empty() && script().journal[outcome.hits[0]] == "SKF_EncryptInit") {
+        !outcome.hits.empty() && script().journal[outcome.hits[0]] == "SKF_EncryptInit")
         ++open;
-    }
     return open;
 }
 
 // Failed generations are debug lines.
 Lines failureLines() {
     Lines texts;
-    for (const TraceLine &line : trace().lines()) {
+    for (const TraceLine &line : trace().lines())
         if (line.level == "ERROR" || line.level == "WARN" ||
-            line.message.find("KeyPair fail") != line.message.npos) {
+            line.message.find("KeyPair fail") != line.message.npos)
             texts.push_back(line.text());
-        }
-    }
     return texts;
 }
 
@@ -160,9 +153,8 @@ protected:
     void watchHostLibrary() {
         script().OrvelPKICryptoFreeMemory.run([this](void *block) {
             const auto &blocks = script().host.blocks;
-            if (const auto found = blocks.find(block); found != blocks.end()) {
+            if (const auto found = blocks.find(block); found != blocks.end())
                 watch_.look(block, found->second);
-            }
             return script().OrvelPKICryptoFreeMemory.usual(block);
         });
     }
@@ -178,11 +170,9 @@ protected:
     // The step in which the call with this place in the journal was made; null for those that give
     // handles back.
     const Step *stepOf(std::size_t call) const {
-        for (const Step &step : outcome_.steps) {
-            if (call >= step.callsBegin && call < step.callsEnd) {
+        for (const Step &step : outcome_.steps)
+            if (call >= step.callsBegin && call < step.callsEnd)
                 return &step;
-            }
-        }
         return nullptr;
     }
 
@@ -205,9 +195,8 @@ private:
         outcome_.steps = session.steps();
         outcome_.devices =
             session.set == nullptr ? 0 : static_cast<std::size_t>(session.set->m_count);
-        if (outcome_.steps.back().result != 1) {
+        if (outcome_.steps.back().result != 1)
             outcome_.failed = &outcome_.steps.back();
-        }
         // Memory was short for the copy of a certificate that the token has taken.
         outcome_.holdsLock = outcome_.failed != nullptr && ProviderAllocator::refused() > 0 &&
                              outcome_.failed->entry == "DeviceUpdateCertificate" &&
@@ -215,9 +204,8 @@ private:
     }
 
     void wantNothingLost() {
-        if (Session::kept().device != nullptr) {
+        if (Session::kept().device != nullptr)
             freeKept();
-        }
         EXPECT_EQ(ProviderAllocator::live(), 0u) << "blocks of the provider lost";
         EXPECT_LE(script().memory.open(), openByContract(outcome_, devices_)) << "handles lost";
         EXPECT_EQ(script().host.blocks.size(), 0u) << "memory of the host library lost";
@@ -237,9 +225,8 @@ private:
 
 std::string kindOf(const Step &step, std::size_t call) {
     const std::string name = step.entry.substr(0, step.entry.find(' '));
-    if (name == step.entry) {
+    if (name == step.entry)
         return name;
-    }
     // A plain key pair is enveloped first; the import proper begins with the container's key.
     const auto &journal = script().journal;
     const auto begin = journal.begin() + static_cast<std::ptrdiff_t>(step.callsBegin);
@@ -281,9 +268,8 @@ void FaultLoops::expectAnswer(std::uint32_t code) const {
 }
 
 void FaultLoops::expectMemoryFailure(bool once) const {
-    if (outcome_.failed == nullptr) {
+    if (outcome_.failed == nullptr)
         return; // nothing but a line of the trace, or a key pair, was left out
-    }
     EXPECT_EQ(outcome_.failed->result, 0) << outcome_.failed->entry;
     // Key pairs without memory for their record are left out silently.
     const std::set<std::string> silent = {"DeviceNewHash", "DeviceNewCipher",
@@ -300,9 +286,8 @@ void FaultLoops::loopOverCalls(char library, const std::vector<Answer> &answers)
             for (unsigned n = 1; !HasFailure(); ++n) {
                 SCOPED_TRACE(std::string(scenario.name) + ", " + library + std::to_string(n) +
                              ", code " + std::to_string(code) + (forGood ? " for good" : ""));
-                if (run(scenario, {library, n, code, forGood}, 0, false).hits.empty()) {
+                if (run(scenario, {library, n, code, forGood}, 0, false).hits.empty())
                     break;
-                }
                 figures.faults += static_cast<unsigned>(outcome_.hits.size());
                 expectAnswer(code);
                 runClean(scenario);
@@ -320,9 +305,8 @@ TEST_F(FaultLoops, ScenariosPassAllEntryPoints) {
         runClean(scenario);
         ++figures.scenarios;
     }
-    for (const std::string &entry : entries_) {
+    for (const std::string &entry : entries_)
         all.erase(entry.substr(0, entry.find(' ')));
-    }
     // The end of every session.
     EXPECT_THAT(all, ::testing::UnorderedElementsAre("DeviceFreeCipher", "DeviceFreeDevice",
                                                      "DeviceFreeDevices", "DeviceFreeHash",
@@ -336,9 +320,8 @@ TEST_F(FaultLoops, AllocationsFail) {
             for (unsigned n = 1; !HasFailure(); ++n) {
                 SCOPED_TRACE(std::string(scenario.name) + ", allocation " + std::to_string(n) +
                              (forGood ? " for good" : ""));
-                if (run(scenario, {}, n, forGood).refused == 0) {
+                if (run(scenario, {}, n, forGood).refused == 0)
                     break;
-                }
                 figures.faults += outcome_.refused;
                 expectMemoryFailure(!forGood);
                 runClean(scenario);
@@ -361,9 +344,8 @@ TEST_F(FaultLoops, OnlyALostCopyOfACertificateLeavesTheLockHeld) {
         *std::find_if(scenarios().begin(), scenarios().end(), [](const Scenario &at) {
             return at.name == std::string("update certificates");
         });
-    for (unsigned n = 1; !outcome_.holdsLock; ++n) {
+    for (unsigned n = 1; !outcome_.holdsLock; ++n)
         ASSERT_NE(run(scenario, {}, n, false).refused, 0u) << "the path was not met";
-    }
 }
 
 class PrintFigures : public ::testing::Environment {

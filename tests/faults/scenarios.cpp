@@ -35,9 +35,8 @@ void insertToken() {
     ApplicationModel &application = token.applications.emplace_back();
     application.name = "app";
     application.containers = {ecc("c", true, true), rsa("r", 1024, true, true), {"empty"}};
-    for (ContainerModel &container : application.containers) {
+    for (ContainerModel &container : application.containers)
         container.signCertificate = container.encryptCertificate = certificate;
-    }
 }
 
 void insertTokens() {
@@ -114,9 +113,8 @@ void signAndDecrypt(Session &s) {
     s.discover();
     const Bytes data(32, 0x17);
     Bytes cipher(65 + plaintext.size() + 32, 4);
-    for (std::size_t i = 0; i < plaintext.size(); ++i) { // the token in memory masks it
+    for (std::size_t i = 0; i < plaintext.size(); ++i) // the token in memory masks it
         cipher[65 + i] = plaintext[i] ^ 0x5A;
-    }
     for (const bool isSm2 : {true, false}) {
         const char *label = isSm2 ? "c" : "r";
         SPI_KEYPAIR_HANDLE pair = s.find(label, sign);
@@ -203,6 +201,7 @@ void hashAndEncipher(Session &s) {
     Bytes data(2080), out(2080);
     int length = 0;
     s.did("DeviceGenerateRandom", DeviceGenerateRandom(s.device, 2080, data.data()));
+    s.did("DeviceGenerateRandom", data.back() == static_cast<unsigned char>(2080)); // in one call
     SPI_HASH_HANDLE hash = DeviceNewHash(s.device, sm3);
     s.keepHash(hash);
     s.did("DeviceHashUpdate", DeviceHashUpdate(hash, data.data(), 2080));

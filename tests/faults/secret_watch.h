@@ -41,11 +41,9 @@ public:
 
 private:
     bool holdsSecret(const unsigned char *block, std::size_t size) const {
-        for (std::size_t at = 0; at + 8 <= size; ++at) {
-            if (begins_[pair(block + at)] && windows_.count(window(block + at)) > 0) {
+        for (std::size_t at = 0; at + 8 <= size; ++at)
+            if (begins_[pair(block + at)] && windows_.count(window(block + at)) > 0)
                 return true;
-            }
-        }
         return false;
     }
     static std::size_t pair(const unsigned char *at) { return std::size_t{at[0]} << 8 | at[1]; }

@@ -12,9 +12,8 @@ void Session::did(const std::string &entry, int result) {
     steps_.push_back({entry, result, callsBegin_, callsEnd});
     callsBegin_ = callsEnd;
     entries.insert(entry);
-    if (result != 1) {
+    if (result != 1)
         throw Ended();
-    }
 }
 
 const Step *Session::failed() const {
@@ -54,18 +53,16 @@ void Session::keepCipher(SPI_CIPHER_HANDLE cipher) {
 void Session::deletePair(SPI_KEYPAIR_HANDLE pair) {
     const Kept left = {device, device->m_containers[pair->m_index]};
     const int result = DeviceDeleteKeypair(pair);
-    if (result == 1) {
+    if (result == 1)
         kept() = left;
-    }
     did("DeviceDeleteKeypair", result);
 }
 
 Session::~Session() {
     DeviceFreeHash(hash_);
     DeviceFreeCipher(cipher_);
-    for (SPI_KEYPAIR_HANDLE pair : pairs_) {
+    for (SPI_KEYPAIR_HANDLE pair : pairs_)
         DeviceFreeKeypair(pair);
-    }
     DeviceFreeDevice(device);
     DeviceFreeDevices(set);
 }

@@ -30,9 +30,8 @@ protected:
         for (const int capacity : {size - 1, 0, size, size + 40}) {
             Bytes buffer(static_cast<std::size_t>(size) + 40, 0xEE);
             length = -99;
-            if (capacity == 0 && std::string(entry.name) == "DeviceSign") {
+            if (capacity == 0 && std::string(entry.name) == "DeviceSign")
                 continue; // refuses an empty buffer as an argument
-            }
             EXPECT_EQ(entry.call(buffer.data(), capacity, &length), capacity < size ? -4 : 1)
                 << capacity;
             EXPECT_EQ(length, size);
@@ -65,9 +64,8 @@ TEST_F(BufferProtocol, HoldsForEveryEntryPoint) {
     const int sm3 = ORVEL_PKI_ALGORITHM_SM3;
     const auto chars = [](unsigned char *bytes) { return reinterpret_cast<char *>(bytes); };
     Bytes counted(32);
-    for (std::size_t i = 0; i < 32; ++i) {
+    for (std::size_t i = 0; i < 32; ++i)
         counted[i] = static_cast<unsigned char>(i);
-    }
 
 #define CALL(name, ...) #name, [&](auto *out, int size, int *length) { return name(__VA_ARGS__); }
     const Entry entries[] = {

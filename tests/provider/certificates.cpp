@@ -25,10 +25,8 @@ TEST_F(Certificates, BelongToTheKindOfTheirPair) {
     EXPECT_EQ(DeviceGetCertificateCount(sign), 1);
     EXPECT_EQ(certificateOf(sign), (Bytes{1, 2, 3}));
     EXPECT_EQ(certificateOf(pair("both", 1)), (Bytes{4, 5}));
-    for (const int index :
-         {2, 1, 0, -1, -0x7FFFFFFF}) { // bounded by the containers, selects nothing
+    for (const int index : {2, 1, 0, -1, -0x7FFFFFFF}) // bounded by the containers, selects nothing
         EXPECT_EQ(certificateOf(sign, index), (Bytes{1, 2, 3})) << index;
-    }
     int length = 77;
     mark();
     EXPECT_EQ(DeviceGetCertificate(sign, 3, nullptr, 9, &length), -1);

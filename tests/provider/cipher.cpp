@@ -11,9 +11,8 @@ constexpr int sm4Ecb = ORVEL_PKI_ALGORITHM_SMS4_ECB;
 
 Bytes counting(std::size_t size) {
     Bytes bytes(size);
-    for (std::size_t i = 0; i < size; ++i) {
+    for (std::size_t i = 0; i < size; ++i)
         bytes[i] = static_cast<unsigned char>(i * 31 + 7);
-    }
     return bytes;
 }
 
@@ -112,9 +111,8 @@ TEST_F(Ciphers, AlgorithmsAndKeys) {
         }
     }
     EXPECT_THAT(trace().failures(), IsEmpty());
-    for (const int size : {0, 8, 15, 17, 32, -16}) {
+    for (const int size : {0, 8, 15, 17, 32, -16})
         EXPECT_EQ(DeviceNewCipher(device, 1, sm4Ecb, key.data(), size, nullptr), nullptr);
-    }
 }
 
 TEST_F(Ciphers, UpdateChecksItsArguments) {

@@ -14,9 +14,8 @@ protected:
     }
     void store(const char *name, std::size_t size) {
         FileModel &file = application->files[name];
-        for (std::size_t i = 0; i < size; ++i) {
+        for (std::size_t i = 0; i < size; ++i)
             file.content.push_back(static_cast<unsigned char>(i));
-        }
     }
     ApplicationModel *application = nullptr;
     unsigned char buffer[256] = {};

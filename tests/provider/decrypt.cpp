@@ -18,9 +18,8 @@ protected:
         sm2 = pair("sm2", 1);
         rsaPair = pair("rsa", 1);
         cipher = {4};
-        for (int i = 1; i < 97 + 5; ++i) {
+        for (int i = 1; i < 97 + 5; ++i)
             cipher.push_back(static_cast<unsigned char>(i));
-        }
     }
     int decrypt(SPI_KEYPAIR_HANDLE handle, int algo, const void *param, int cipherLength,
                 int capacity) {
@@ -36,9 +35,8 @@ protected:
     }
     Bytes masked(std::size_t from, std::size_t count) const {
         Bytes bytes = piece(from, count);
-        for (unsigned char &byte : bytes) {
+        for (unsigned char &byte : bytes)
             byte = static_cast<unsigned char>(byte ^ 0x5A);
-        }
         return bytes;
     }
     Bytes cleared() const { return Bytes(clear.begin(), clear.begin() + length); }
@@ -63,9 +61,8 @@ TEST_F(Decrypt, TakesTheFlatCiphertextApart) {
     EXPECT_EQ(script().SKF_ECCDecrypt.argument<1>(), 0);
     Bytes expected;
     for (const Bytes &field : {Bytes(32), piece(1, 32), Bytes(32), piece(33, 32), piece(70, 32),
-                               Bytes{5, 0, 0, 0}, piece(65, 5)}) {
+                               Bytes{5, 0, 0, 0}, piece(65, 5)})
         expected.insert(expected.end(), field.begin(), field.end());
-    }
     EXPECT_EQ(blob, expected);
     EXPECT_EQ(decrypt(pair("sm2", 2), sm2Algo, &sm3, 102, 5), 1);
     EXPECT_EQ(script().SKF_ECCDecrypt.argument<1>(), 1) << "the signature key";

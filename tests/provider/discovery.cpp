@@ -176,13 +176,6 @@ TEST_F(Discovery, ReadersLeaveOutWhatTheyCannotRead) {
     }
 }
 
-TEST_F(Discovery, CertificatesAreReadOnlyForReadableKeys) {
-    addToken({rsa("rsa", 1024, false, false), ecc("ecc", false, false)});
-    find();
-    EXPECT_EQ(script().SKF_ExportPublicKey.calls(), 4);
-    EXPECT_EQ(script().SKF_ExportCertificate.calls(), 0);
-}
-
 TEST_F(Discovery, RsaBitsComeFromTheSignatureKeyElseTheEncryptionKey) {
     insert({rsa("both", 2048, true, true), rsa("encryption", 1024, false, true)});
     EXPECT_EQ(DeviceGetKeypairBits(pair("both", 2)), 2048);
@@ -192,9 +185,8 @@ TEST_F(Discovery, RsaBitsComeFromTheSignatureKeyElseTheEncryptionKey) {
 
 TEST_F(Discovery, StopsAtThirtyTwoContainers) {
     ApplicationModel &application = addToken({});
-    for (int i = 0; i < 40; ++i) {
+    for (int i = 0; i < 40; ++i)
         application.containers.push_back(ecc("c" + std::to_string(i), true, true));
-    }
     discover();
     EXPECT_EQ(script().SKF_OpenContainer.calls(), 32);
     EXPECT_EQ(DeviceGetKeypairCount(device), 64);
@@ -210,9 +202,8 @@ TEST_F(Discovery, StopsAtSixteenDevices) {
         resetDevices();
         for (int i = 0; i < at.tokens; ++i) {
             DeviceModel &model = script().memory.addDevice("key" + std::to_string(i));
-            for (int j = 0; j < at.applications; ++j) {
+            for (int j = 0; j < at.applications; ++j)
                 model.applications.emplace_back().name = "app" + std::to_string(j);
-            }
         }
         find();
         EXPECT_EQ(count(), std::min(16, at.tokens * std::max(at.applications, 1)));
@@ -287,16 +278,6 @@ TEST_F(Discovery, FullTextsOfTheTokenNeedNoNul) {
     EXPECT_EQ(text, std::string(32, 'L'));
     EXPECT_EQ(DeviceGetSerialNumber(device, text, sizeof text, nullptr), 1);
     EXPECT_EQ(text, std::string(32, 'S'));
-}
-
-TEST_F(Discovery, EarlierSetsStayValid) {
-    insert({ecc("sm2", true, false)});
-    SPI_DEVICESET_HANDLE second = DeviceGetAllDevices();
-    EXPECT_EQ(script().memory.open(HandleKind::device), 2);
-    EXPECT_EQ(DeviceFreeDevices(second), 1);
-    EXPECT_EQ(DeviceGetKeypairCount(device), 1);
-    unsigned char byte = 0;
-    EXPECT_EQ(DeviceGenerateRandom(device, 1, &byte), 1);
 }
 
 } // namespace

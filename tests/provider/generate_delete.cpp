@@ -116,9 +116,8 @@ TEST_F(Generation, OddModulusOfTheTokenIsAFailure) {
 
 TEST_F(Generation, FullTablesAreRefused) {
     ApplicationModel &application = addToken({});
-    for (int i = 0; i < 32; ++i) {
+    for (int i = 0; i < 32; ++i)
         application.containers.push_back(ecc("c" + std::to_string(i), i > 0, false));
-    }
     discover(); // the first container is typed but has no pair: 31 pairs in 32 containers
     EXPECT_EQ(generate("x"), 0);
     EXPECT_EQ(trace().failures(), errors("getEmptyContainerIndex", "pos >= CONTAINER_COUNT_MAX"));

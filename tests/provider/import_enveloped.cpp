@@ -12,9 +12,8 @@ protected:
     // The export that DeviceGetPublicKeyFromKeypair gives of the encryption pair, if there is one.
     Bytes cachedKey() {
         SPI_KEYPAIR_HANDLE handle = nullptr;
-        if (DeviceFindKeypair(device, ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, "c", &handle) != 1) {
+        if (DeviceFindKeypair(device, ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, "c", &handle) != 1)
             return {};
-        }
         SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(handle);
         Bytes bytes(1024);
         int length = 0;
@@ -68,9 +67,8 @@ TEST_F(ImportEnveloped, Sm2FillsTheEnvelopeWhateverTheSizes) {
             EXPECT_EQ(Bytes(cipher.begin() + 164, cipher.end()), envelope.c2);
             for (const std::string &dump :
                  {"sm2Cipher[length:" + std::to_string(cipherSize > 16 ? 372 + cipherSize : 388),
-                  "keyblob[length:" + std::to_string(243 + cipherSize + keySize)}) {
+                  "keyblob[length:" + std::to_string(243 + cipherSize + keySize)})
                 EXPECT_TRUE(hasLineBeginning(verbose("importSM2KeyPair", dump + "]: ")));
-            }
         }
     }
 }

@@ -19,11 +19,10 @@ struct Change {
 };
 
 Bytes changed(Bytes blob, const Change &change) {
-    if (change.size == 4) {
+    if (change.size == 4)
         putNumber(blob, change.at, change.value);
-    } else {
+    else
         blob.at(change.at) = static_cast<unsigned char>(change.value);
-    }
     return blob;
 }
 

@@ -20,9 +20,8 @@ protected:
         const int result = DeviceImportKeypair(device, exact.get(), static_cast<int>(blob.size()),
                                                ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, label, &handle);
         EXPECT_EQ(handle != untouched, result == 1);
-        if (result == 1) {
+        if (result == 1)
             imported_.push_back(handle);
-        }
         return result;
     }
 
@@ -31,9 +30,8 @@ protected:
         ScriptedTest::TearDown();
     }
     void freeImported() {
-        for (SPI_KEYPAIR_HANDLE handle : imported_) {
+        for (SPI_KEYPAIR_HANDLE handle : imported_)
             DeviceFreeKeypair(handle);
-        }
         imported_.clear();
     }
 

@@ -6,34 +6,11 @@ namespace {
 
 class KeypairHandles : public ScriptedTest {};
 
-TEST_F(KeypairHandles, StandInContainerOrderSignatureFirst) {
-    insert({{"empty"},
-            ecc("sm2", true, true),
-            rsa("rsa", 1024, false, true),
-            ecc("sm2b", true, false)});
-    const struct {
-        const char *label;
-        int type, algorithm, bits;
-    } expected[] = {{"sm2", 2, ORVEL_PKI_ALGORITHM_ECC, 256},
-                    {"sm2", 1, ORVEL_PKI_ALGORITHM_ECC, 256},
-                    {"rsa", 1, ORVEL_PKI_ALGORITHM_RSA, 1024},
-                    {"sm2b", 2, ORVEL_PKI_ALGORITHM_ECC, 256}};
-    ASSERT_EQ(DeviceGetKeypairCount(device), 4);
-    EXPECT_EQ(DeviceGetKeypairCount(nullptr), -1);
-    for (int i = 0; i < 4; ++i) {
-        SPI_KEYPAIR_HANDLE handle = DeviceGetKeypair(device, i);
-        char label[8];
-        EXPECT_EQ(DeviceGetKeypairLabel(handle, label, sizeof label, nullptr), 1);
-        EXPECT_STREQ(label, expected[i].label);
-        EXPECT_EQ(DeviceGetKeypairType(handle), expected[i].type);
-        EXPECT_EQ(DeviceGetKeypairAlgorithm(handle), expected[i].algorithm);
-        EXPECT_EQ(DeviceGetKeypairBits(handle), expected[i].bits);
-        DeviceFreeKeypair(handle);
-    }
-    for (const int index : {-1, 4, 0x7FFFFFFF}) {
+TEST_F(KeypairHandles, StandWithinTheirCount) {
+    insert({{"empty"}, ecc("sm2", true, true)});
+    for (const int index : {-1, 2, 0x7FFFFFFF})
         EXPECT_EQ(DeviceGetKeypair(device, index), nullptr);
-    }
-    EXPECT_EQ(referencesAfterRelease(), 6) << "the set, the device handle, four pairs";
+    EXPECT_EQ(referencesAfterRelease(), 4) << "the set, the device handle, two pairs";
 }
 
 TEST_F(KeypairHandles, FindComparesLabelAndType) {
@@ -106,9 +83,8 @@ TEST_F(KeypairHandles, OutliveTheDeletionOfTheirPair) {
     insert({ecc("sm2", true, true), ecc("other", true, false)});
     SPI_KEYPAIR_HANDLE sign[3] = {};
     SPI_KEYPAIR_HANDLE encrypt = DeviceGetKeypair(device, 1);
-    for (SPI_KEYPAIR_HANDLE &handle : sign) {
+    for (SPI_KEYPAIR_HANDLE &handle : sign)
         handle = DeviceGetKeypair(device, 0);
-    }
     EXPECT_EQ(DeviceDeleteKeypair(sign[1]), 1);
     EXPECT_EQ(DeviceGetKeypairCount(device), 1);
     mark();

@@ -32,9 +32,8 @@ const Form forms[] = {{"sm2", true, false},     {"sm2", true, true},      {"sm2"
                       {"rsa2048", true, false}, {"rsa2048", false, false}};
 
 crypto::PrivateKey newKey(const std::string &label) {
-    if (label == "sm2") {
+    if (label == "sm2")
         return crypto::generateSm2KeyPair();
-    }
     return crypto::generateRsaKey(label == "rsa1024" ? 1024 : 2048).value();
 }
 

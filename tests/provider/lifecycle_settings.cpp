@@ -12,9 +12,8 @@ Lines traceOfInit(const std::string &sm3Error, const std::string &sm3, const std
                   const std::string &importError, const std::string &import) {
     Lines lines;
     const auto add = [&lines](const char *reader, const std::string &message) {
-        if (!message.empty()) {
+        if (!message.empty())
             lines.push_back(error(reader, message));
-        }
     };
     add("hasSM3", sm3Error);
     lines.push_back(info("DeviceInit", "hasSM3 : " + sm3));
@@ -174,9 +173,8 @@ TEST_F(Settings, SurviveDamagedFiles) {
           section + "\"HasSM3\"=hexadecimal", section + "\"HasSM3\" 1",
           section + "\"HasSM3\"=\"\\\"\"", section + "HasSM3=dword:1", std::string("\xFF\xFE"),
           std::string("\xFF\xFE["), section + std::string(100000, 'x'),
-          section + '\0' + "\"HasSM4\"=dword:1", utf16(section).substr(0, 101)}) {
+          section + '\0' + "\"HasSM4\"=dword:1", utf16(section).substr(0, 101)})
         EXPECT_EQ(init(file).back(), info("DeviceInit", "isSupportGDKMSM2Import : 0")) << file;
-    }
     EXPECT_EQ(DeviceEnd(), 1);
     setVariable("TEMBRA_KEY_PROV_REGISTRY", std::nullopt); // the file of the system, if any
     EXPECT_EQ(DeviceInit(), 1);

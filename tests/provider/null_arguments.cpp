@@ -124,9 +124,8 @@ TEST_F(NullArguments, AreAnsweredAtEveryLevel) {
 #undef CASE
     for (const char *level : {"5", "4", "3", "2", "1", "0"}) {
         trace().setLevel(level);
-        for (const Case &at : cases) {
+        for (const Case &at : cases)
             EXPECT_EQ(at.call(), at.expected) << at.what << " at level " << level;
-        }
     }
     EXPECT_EQ(out, nullptr);
     DeviceFreeCipher(cipher);

@@ -1,34 +1,10 @@
 // Public keys in the host library's encoding.
 #include "scripted_test.h"
 
-#include <cstring>
-
 namespace tembra::test {
 namespace {
 
-class PublicKeys : public ScriptedTest {
-protected:
-    Bytes exported(SPI_KEYPAIR_HANDLE handle) {
-        SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(handle);
-        EXPECT_EQ(DeviceGetPublicKeyAlgorithm(key), DeviceGetKeypairAlgorithm(handle));
-        EXPECT_EQ(DeviceGetPublicKeyBits(key), DeviceGetKeypairBits(handle));
-        Bytes bytes(1024);
-        int length = 0;
-        EXPECT_EQ(DeviceExportPublicKey(key, bytes.data(), 1024, &length), 1);
-        bytes.resize(static_cast<std::size_t>(length));
-        EXPECT_EQ(DeviceFreePublicKey(key), 1);
-        return bytes;
-    }
-};
-
-TEST_F(PublicKeys, AreEncodedFromTheRightEndOfTheirFields) {
-    insert({ecc("sm2", true, true), rsa("rsa1", 1024, true, false), rsa("rsa2", 2048, true, true)});
-    EXPECT_EQ(exported(pair("sm2", 2)), encodedEccKey(true));
-    EXPECT_EQ(exported(pair("sm2", 1)), encodedEccKey(false));
-    EXPECT_EQ(exported(pair("rsa1", 2)), encodedRsaKey(true, 1024));
-    EXPECT_EQ(exported(pair("rsa2", 2)), encodedRsaKey(true, 2048));
-    EXPECT_EQ(exported(pair("rsa2", 1)), encodedRsaKey(false, 2048));
-}
+class PublicKeys : public ScriptedTest {};
 
 TEST_F(PublicKeys, AreSnapshots) {
     insert({ecc("sm2", true, false)});

@@ -10,20 +10,11 @@ class RandomAndHash : public ScriptedTest {
 protected:
     std::vector<ULONG> pieces(int from) {
         std::vector<ULONG> sizes;
-        for (int i = from; i < script().SKF_DigestUpdate.calls(); ++i) {
+        for (int i = from; i < script().SKF_DigestUpdate.calls(); ++i)
             sizes.push_back(script().SKF_DigestUpdate.argument<2>(i));
-        }
         return sizes;
     }
 };
-
-TEST_F(RandomAndHash, RandomIsOneCallWhateverItsLength) {
-    insert({});
-    Bytes bytes(3000);
-    EXPECT_EQ(DeviceGenerateRandom(device, 3000, bytes.data()), 1);
-    EXPECT_EQ(script().SKF_GenRandom.calls(), 1);
-    EXPECT_EQ(bytes[2999], static_cast<unsigned char>(3000));
-}
 
 TEST_F(RandomAndHash, HashesInPiecesOfTheOperationLength) {
     const struct {
@@ -35,9 +26,8 @@ TEST_F(RandomAndHash, HashesInPiecesOfTheOperationLength) {
                  {"\"MaxOperationLen\"=dword:7fffffff\r\n", 2500, {1024, 1024, 452}},
                  {"\"MaxOperationLen\"=dword:7ffffff0\r\n", 2500, {2500}}};
     Bytes data(2500);
-    for (std::size_t i = 0; i < data.size(); ++i) {
+    for (std::size_t i = 0; i < data.size(); ++i)
         data[i] = static_cast<unsigned char>(i * 7);
-    }
     for (const auto &at : cases) {
         restart(at.setting);
         resetDevices();
@@ -47,11 +37,9 @@ TEST_F(RandomAndHash, HashesInPiecesOfTheOperationLength) {
         EXPECT_EQ(DeviceHashUpdate(hash, data.data(), at.size), 1);
         EXPECT_EQ(pieces(from), at.pieces);
         Bytes fed;
-        for (HandleModel &handle : script().memory.handles) {
-            if (handle.kind == HandleKind::digest && handle.open) {
+        for (HandleModel &handle : script().memory.handles)
+            if (handle.kind == HandleKind::digest && handle.open)
                 fed = handle.digested;
-            }
-        }
         EXPECT_EQ(fed, Bytes(data.begin(), data.begin() + at.size));
         EXPECT_EQ(DeviceFreeHash(hash), 1);
     }

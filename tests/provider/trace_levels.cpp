@@ -16,9 +16,8 @@ protected:
         const unsigned char in[] = {0x00, 0xAB, 0x7F};
         DeviceCipherUpdate(nullptr, in, sizeof in, nullptr, 0, nullptr);
         std::set<std::string> levels;
-        for (const TraceLine &line : trace().lines()) {
+        for (const TraceLine &line : trace().lines())
             levels.insert(line.level);
-        }
         return levels;
     }
 };

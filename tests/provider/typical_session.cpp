@@ -11,11 +11,10 @@ Lines goldenLines(const std::string &text) {
     Lines lines;
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line);) {
-        if (line.starts_with(">>>>> ")) {
+        if (line.starts_with(">>>>> "))
             line = "[DEBUG] [call_stack_tracer::call_stack_tracer] " + line;
-        } else if (line.starts_with("<<<<< ")) {
+        else if (line.starts_with("<<<<< "))
             line = "[DEBUG] [call_stack_tracer::~call_stack_tracer] " + line;
-        }
         lines.push_back(line);
     }
     return lines;
@@ -122,9 +121,8 @@ Lines goldenSession() {
 
 Lines maskedTrace() {
     Lines lines;
-    for (const std::string &text : trace().texts()) {
+    for (const std::string &text : trace().texts())
         lines.push_back(maskHexDump(text));
-    }
     return lines;
 }
 

@@ -5,11 +5,10 @@ namespace {
 
 template <typename Result, typename... Arguments>
 void plan(Scripted<Result(Arguments...)> &function, int nth, ULONG code) {
-    if constexpr (std::is_pointer_v<Result>) {
+    if constexpr (std::is_pointer_v<Result>)
         function.answerAt(nth, nullptr);
-    } else {
+    else
         function.answerAt(nth, static_cast<Result>(code));
-    }
 }
 
 } // namespace
@@ -24,9 +23,8 @@ const std::vector<std::string> &scriptedFunctions() {
 
 void planAnswer(const std::string &function, int nth, ULONG code) {
 #define TEMBRA_FUNCTION(name, arity)                                                               \
-    if (function == #name) {                                                                       \
-        return plan(script().name, nth, code);                                                     \
-    }
+    if (function == #name)                                                                         \
+        return plan(script().name, nth, code);
 #include "scripted_functions.inc"
 }
 

@@ -86,9 +86,8 @@ Bytes plainRsa(int bits, const Bytes &der) {
 }
 
 void putNumber(Bytes &blob, std::size_t at, std::uint32_t value) {
-    for (int shift = 24; shift >= 0; shift -= 8) {
+    for (int shift = 24; shift >= 0; shift -= 8)
         blob.at(at++) = static_cast<unsigned char>(value >> shift);
-    }
 }
 
 void appendNumber(Bytes &blob, std::uint32_t value) {
@@ -103,9 +102,8 @@ void fixLength(Bytes &blob) {
 void allowPlainRsa(int bits) {
     script().SKF_Encrypt.run([](HANDLE key, BYTE *in, ULONG length, BYTE *out, ULONG *outLength) {
         const HandleModel *handle = script().memory.find(key, HandleKind::key);
-        if (handle == nullptr || handle->cipher.PaddingType != 1) {
+        if (handle == nullptr || handle->cipher.PaddingType != 1)
             return script().SKF_Encrypt.usual(key, in, length, out, outLength);
-        }
         const ULONG padding = 16 - length % 16;
         Bytes padded(in, in + length);
         padded.insert(padded.end(), padding, static_cast<unsigned char>(padding));

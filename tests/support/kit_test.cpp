@@ -9,6 +9,8 @@
 namespace tembra::test {
 
 void KitTest::SetUp() {
+    handlesBefore = TembraSoftTokenOpenHandles(nullptr);
+    blocksBefore = TembraHostKitLiveBlocks();
     setVariable("TEMBRA_SOFT_TOKEN_DIR", directory.path().string());
     setVariable("TEMBRA_SOFT_TOKEN_PIN_ITERATIONS", "10");
     TembraSoftTokenOptions options = {};
@@ -30,18 +32,16 @@ void KitTest::SetUp() {
 }
 
 void KitTest::TearDown() {
-    if (HasFailure()) {
-        for (const std::string &text : trace().texts()) {
+    if (HasFailure())
+        for (const std::string &text : trace().texts())
             std::printf("  %s\n", text.c_str());
-        }
-    }
     release();
     if (started) {
         EXPECT_EQ(DeviceEnd(), 1);
     }
     if (!keepsDevice) {
-        EXPECT_EQ(TembraSoftTokenOpenHandles(nullptr), 0u);
-        EXPECT_EQ(TembraHostKitLiveBlocks(), 0u);
+        EXPECT_EQ(TembraSoftTokenOpenHandles(nullptr), handlesBefore);
+        EXPECT_EQ(TembraHostKitLiveBlocks(), blocksBefore);
     }
     TembraSoftTokenRemove(token.c_str());
 }

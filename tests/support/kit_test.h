@@ -35,6 +35,7 @@ protected:
     std::string token;
     bool started = false;
     bool keepsDevice = false; // by contract, after a deletion
+    unsigned long long handlesBefore = 0, blocksBefore = 0;
 };
 
 } // namespace tembra::test

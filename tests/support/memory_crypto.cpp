@@ -16,9 +16,8 @@ MemoryToken &token() {
 
 Bytes masked(const BYTE *in, std::size_t length) {
     Bytes bytes(in, in + length);
-    for (unsigned char &byte : bytes) {
+    for (unsigned char &byte : bytes)
         byte = static_cast<unsigned char>(byte ^ plaintextMask);
-    }
     return bytes;
 }
 
@@ -29,9 +28,8 @@ Bytes toyDecrypt(const Bytes &key, Bytes iv, const Bytes &cipher) {
             const int chained = cipher[at + 15 - i] ^ key[i];
             out[at + i] = static_cast<unsigned char>(chained ^ (iv.empty() ? 0 : iv[i]));
         }
-        if (!iv.empty()) {
+        if (!iv.empty())
             std::copy_n(cipher.begin() + static_cast<std::ptrdiff_t>(at), 16, iv.begin());
-        }
     }
     return out;
 }

@@ -4,9 +4,8 @@
 #include <algorithm>
 
 tembra::test::MemoryHost::~MemoryHost() {
-    for (const auto &[block, size] : blocks) {
+    for (const auto &[block, size] : blocks)
         delete[] static_cast<unsigned char *>(block);
-    }
 }
 
 namespace tembra::test::memory_token {
@@ -26,9 +25,8 @@ int handOut(const Bytes &bytes, unsigned char **out, int *length) {
 }
 
 Bytes join(Bytes head, std::initializer_list<std::pair<const unsigned char *, int>> tails) {
-    for (const auto &[bytes, length] : tails) {
+    for (const auto &[bytes, length] : tails)
         head.insert(head.end(), bytes, bytes + length);
-    }
     return head;
 }
 
@@ -86,9 +84,8 @@ int OrvelPKICryptoDecodeRSAPubKey(const unsigned char *key, int keyLen, unsigned
 
 int OrvelPKICryptoDecodeECCPubKey(const unsigned char *key, int keyLen, int *curve,
                                   unsigned char **x, int *xLen, unsigned char **y, int *yLen) {
-    if (keyLen != 68) {
+    if (keyLen != 68)
         return 0;
-    }
     *curve = key[3];
     return handOut(Bytes(key + 4, key + 36), x, xLen) &&
            handOut(Bytes(key + 36, key + 68), y, yLen);
@@ -103,9 +100,8 @@ int OrvelPKICryptoEncodeECCSignature(const unsigned char *r, int rLen, const uns
 int OrvelPKICryptoDecodeECCKeyPair(const unsigned char *blob, int blobLen, int *curve,
                                    unsigned char **x, int *xLen, unsigned char **y, int *yLen,
                                    unsigned char **d, int *dLen) {
-    if (blobLen != 116) {
+    if (blobLen != 116)
         return 0;
-    }
     *curve = 7;
     return handOut(Bytes(blob + 20, blob + 52), x, xLen) &&
            handOut(Bytes(blob + 52, blob + 84), y, yLen) &&
@@ -128,9 +124,8 @@ int OrvelPKICryptoImportPublicKey(void *, const unsigned char *key, int keyLen, 
 // For SM2 the flat form 04, 64 bytes, the data, 32 bytes; else the data behind an 'E'.
 int OrvelPKICryptoPublicKeyEncrypt(void *, int algo, const void *, const unsigned char *data,
                                    int dataLen, unsigned char **out, int *outLen) {
-    if (algo != 0x40) {
+    if (algo != 0x40)
         return handOut(join({'E'}, {{data, dataLen}}), out, outLen);
-    }
     const Bytes point = coordinate(9);
     return handOut(join({0x04}, {{point.data(), 64}, {data, dataLen}, {point.data(), 32}}), out,
                    outLen);

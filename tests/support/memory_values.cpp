@@ -8,9 +8,8 @@ namespace {
 
 Bytes counting(unsigned char seed, std::size_t size) {
     Bytes bytes(size);
-    for (unsigned char &byte : bytes) {
+    for (unsigned char &byte : bytes)
         byte = seed++;
-    }
     return bytes;
 }
 
@@ -70,9 +69,8 @@ Bytes toyEncrypt(const Bytes &key, Bytes iv, const Bytes &plain) {
             const int chained = plain[at + i] ^ (iv.empty() ? 0 : iv[i]);
             out[at + 15 - i] = static_cast<unsigned char>(chained ^ key[i]);
         }
-        if (!iv.empty()) {
+        if (!iv.empty())
             std::copy_n(out.begin() + static_cast<std::ptrdiff_t>(at), 16, iv.begin());
-        }
     }
     return out;
 }
@@ -80,12 +78,10 @@ Bytes toyEncrypt(const Bytes &key, Bytes iv, const Bytes &plain) {
 ULONG giveBytes(const Bytes &bytes, BYTE *out, ULONG *length) {
     const ULONG capacity = *length;
     *length = static_cast<ULONG>(bytes.size());
-    if (out == nullptr) {
+    if (out == nullptr)
         return SAR_OK;
-    }
-    if (capacity < bytes.size()) {
+    if (capacity < bytes.size())
         return SAR_BUFFER_TOO_SMALL;
-    }
     std::copy(bytes.begin(), bytes.end(), out);
     return SAR_OK;
 }

@@ -5,11 +5,10 @@
 namespace tembra::test {
 
 void setVariable(const char *name, const std::optional<std::string> &value) {
-    if (value) {
+    if (value)
         setenv(name, value->c_str(), 1);
-    } else {
+    else
         unsetenv(name);
-    }
 }
 
 } // namespace tembra::test

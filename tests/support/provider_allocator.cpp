@@ -37,20 +37,17 @@ void *allocate(std::size_t size) {
         ++at.refused;
         return nullptr;
     }
-    if (at.largest != 0 && size > at.largest) {
+    if (at.largest != 0 && size > at.largest)
         return nullptr;
-    }
     void *block = ::operator new(size, std::nothrow);
-    if (block != nullptr) {
+    if (block != nullptr)
         at.blocks.emplace(block, size);
-    }
     return block;
 }
 
 void release(void *block) {
-    if (block == nullptr) {
+    if (block == nullptr)
         return;
-    }
     State &at = state();
     const std::lock_guard guard(at.mutex);
     const auto found = at.blocks.find(block);
@@ -58,9 +55,8 @@ void release(void *block) {
         std::fprintf(stderr, "the provider frees %p, which it does not hold\n", block);
         std::abort();
     }
-    if (at.observer) {
+    if (at.observer)
         at.observer(static_cast<const unsigned char *>(block), found->second);
-    }
     at.blocks.erase(found);
     ::operator delete(block);
 }
@@ -108,9 +104,8 @@ void ProviderAllocator::observeFrees(Observer observer) {
 
 void ProviderAllocator::forEachLive(const Observer &observer) {
     const std::lock_guard guard(state().mutex);
-    for (const auto &[block, size] : state().blocks) {
+    for (const auto &[block, size] : state().blocks)
         observer(static_cast<const unsigned char *>(block), size);
-    }
 }
 
 void ProviderAllocator::discard(void *block) {

@@ -33,9 +33,8 @@ struct CallFault {
     std::vector<std::size_t> hits{}; // where the failed calls stand in the journal
 
     bool failsNow(const char *name, std::size_t journalIndex) {
-        if (name[0] != library || ++calls < nth || (calls > nth && !everAfter)) {
+        if (name[0] != library || ++calls < nth || (calls > nth && !everAfter))
             return false;
-        }
         hits.push_back(journalIndex);
         return true;
     }
@@ -89,13 +88,11 @@ public:
         journal_.push_back(name_);
         arguments_.emplace_back(arguments...);
         reachArguments(name_, arguments...);
-        if (const auto plan = planned_.find(calls()); plan != planned_.end()) {
+        if (const auto plan = planned_.find(calls()); plan != planned_.end())
             return plan->second;
-        }
         if (callFault().failsNow(name_, journal_.size() - 1)) {
-            if (givesBack(name_)) {
+            if (givesBack(name_))
                 usual_(arguments...);
-            }
             return failure();
         }
         return behaviour_ ? behaviour_(arguments...) : usual_(arguments...);
@@ -103,11 +100,10 @@ public:
 
 private:
     static Result failure() {
-        if constexpr (std::is_pointer_v<Result>) {
+        if constexpr (std::is_pointer_v<Result>)
             return nullptr;
-        } else {
+        else
             return static_cast<Result>(callFault().code);
-        }
     }
 
     const char *name_;

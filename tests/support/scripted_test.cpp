@@ -17,9 +17,8 @@ std::string line(const char *level, const std::string &function, const std::stri
 
 void printTrace() {
     std::printf("trace since the mark:\n");
-    for (const std::string &text : trace().texts()) {
+    for (const std::string &text : trace().texts())
         std::printf("  %s\n", text.c_str());
-    }
 }
 
 } // namespace
@@ -56,9 +55,8 @@ void ScriptedTest::SetUp() {
 }
 
 void ScriptedTest::TearDown() {
-    if (HasFailure()) {
+    if (HasFailure())
         printTrace();
-    }
     if (!lockIsFree()) {
         printTrace();
         std::fprintf(stderr, "the provider's lock is still held at the end of the test\n");
@@ -83,9 +81,8 @@ void ScriptedTest::TearDown() {
 
 // Asked from another thread, since the lock is recursive on Windows and may be here.
 bool ScriptedTest::lockIsFree() const {
-    if (device == nullptr) {
+    if (device == nullptr)
         return true;
-    }
     auto asked = std::make_shared<std::promise<void>>();
     std::thread([asked, handle = device] {
         DeviceFindKeypair(handle, 0, "", nullptr);
@@ -148,9 +145,8 @@ int ScriptedTest::referencesAfterRelease() {
     TraceCapture &capture = trace();
     DeviceFreeDevice(DeviceGetDevice(set, 0));
     int references = -1;
-    for (const TraceLine &at : capture.lines()) {
+    for (const TraceLine &at : capture.lines())
         std::sscanf(at.message.c_str(), "hDevice->m_refCount=%d", &references);
-    }
     return references;
 }
 

@@ -34,15 +34,13 @@ bool parseLine(std::string_view text, TraceLine &line) {
     const std::size_t id = std::min(text.find(' '), text.size());
     if (id == 0 ||
         !std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(id), isDigit) ||
-        !hasTimeForm(text.substr(id)) || text.back() != ' ') {
+        !hasTimeForm(text.substr(id)) || text.back() != ' ')
         return false;
-    }
     text = text.substr(id + timeForm.size(), text.size() - 1 - id - timeForm.size());
     const std::size_t level = text.find("] [");
     const std::size_t function = level == text.npos ? level : text.find("] ", level + 3);
-    if (function == text.npos) {
+    if (function == text.npos)
         return false;
-    }
     line.level = text.substr(0, level);
     line.function = text.substr(level + 3, function - level - 3);
     line.message = text.substr(function + 2);
@@ -51,9 +49,8 @@ bool parseLine(std::string_view text, TraceLine &line) {
 
 std::size_t runOf(const std::string &text, std::size_t at, bool (*belongs)(char)) {
     std::size_t length = 0;
-    while (at + length < text.size() && belongs(text[at + length])) {
+    while (at + length < text.size() && belongs(text[at + length]))
         ++length;
-    }
     return length;
 }
 
@@ -67,11 +64,10 @@ std::string maskPointers(const std::string &text) {
         const std::string run = text.substr(at, length);
         const bool isValue =
             masked.ends_with("=") || masked.ends_with("= ") || masked.ends_with(": ");
-        if (isValue && (prefixed ? digits != 8 : digits == 16)) {
+        if (isValue && (prefixed ? digits != 8 : digits == 16))
             masked += run == std::string(16, '0') ? "(nil)" : "%p";
-        } else {
+        else
             masked += run;
-        }
         at += length;
     }
     return masked;
@@ -80,9 +76,8 @@ std::string maskPointers(const std::string &text) {
 } // namespace
 
 std::string TraceLine::text() const {
-    if (level.empty()) {
+    if (level.empty())
         return "not a trace line: " + message;
-    }
     return "[" + level + "] [" + function + "] " + maskPointers(message);
 }
 
@@ -90,13 +85,11 @@ std::vector<TraceLine> parseTrace(const std::string &content) {
     std::vector<TraceLine> lines;
     std::istringstream stream(content);
     for (std::string line; std::getline(stream, line);) {
-        if (!line.empty() && line.back() == '\r') {
+        if (!line.empty() && line.back() == '\r')
             line.pop_back();
-        }
         TraceLine parsed;
-        if (!parseLine(line, parsed)) {
+        if (!parseLine(line, parsed))
             parsed = {"", "", line};
-        }
         lines.push_back(parsed);
     }
     return lines;
@@ -105,9 +98,8 @@ std::vector<TraceLine> parseTrace(const std::string &content) {
 std::string maskHexDump(const std::string &text) {
     const auto colon = text.rfind("]: ");
     if (text.find("[length:") == std::string::npos || colon == std::string::npos ||
-        !std::all_of(text.begin() + static_cast<std::ptrdiff_t>(colon) + 3, text.end(), isHex)) {
+        !std::all_of(text.begin() + static_cast<std::ptrdiff_t>(colon) + 3, text.end(), isHex))
         return text;
-    }
     return text.substr(0, text.rfind("[length:")) + "[length:%d]: <hex>";
 }
 
@@ -138,19 +130,16 @@ std::vector<TraceLine> TraceCapture::lines() const {
 
 Lines TraceCapture::texts() const {
     Lines texts;
-    for (const TraceLine &line : lines()) {
+    for (const TraceLine &line : lines())
         texts.push_back(line.text());
-    }
     return texts;
 }
 
 Lines TraceCapture::failures() const {
     Lines texts;
-    for (const TraceLine &line : lines()) {
-        if (line.level == "ERROR" || line.level == "WARN" || line.level.empty()) {
+    for (const TraceLine &line : lines())
+        if (line.level == "ERROR" || line.level == "WARN" || line.level.empty())
             texts.push_back(line.text());
-        }
-    }
     return texts;
 }
 
