@@ -10,7 +10,7 @@ namespace tembra::trace::test {
 
 namespace {
 
-std::string info(std::string_view function, std::string_view message) {
+std::string info(const std::string &function, const std::string &message) {
     return line(7, 1, "INFO", function, message);
 }
 
