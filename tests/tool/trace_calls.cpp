@@ -85,7 +85,7 @@ const Case cases[] = {
      "                      hDevice = 0x3\n"},
     {"ACrashLeavesACallOpenAndTheNextRunIsNotInsideIt",
      enter(1, 0, "DeviceSign") + enter(1, 5, "DeviceInit") + leave(1, 5, "DeviceInit"),
-     "  12:30:00       1  DeviceSign                    did not returnline 1\n"
+     "  12:30:00       1  DeviceSign                    did not return line 1\n"
      "  12:30:05       1  DeviceInit                    under 1 s     line 2\n"},
     {"AnImportCallsItself",
      enter(1, 0, "DeviceImportKeypair") + enter(1, 0, "DeviceImportKeypair") +
@@ -94,9 +94,9 @@ const Case cases[] = {
      "  12:30:00       1    DeviceImportKeypair         about 1 s     line 2\n"},
     {"TheLogBeginsInsideACall",
      line(1, 2, "DEBUG", "GetECCPublicKey", "type : 1") + leave(1, 3, "DeviceGetAllDevices"),
-     "  12:30:02       1  (inside a call that began before the log)              line 1\n"
+     "  12:30:02       1  (inside a call that began before the log)               line 1\n"
      "                      [DEBUG] GetECCPublicKey: type : 1\n"
-     "  12:30:03       1  DeviceGetAllDevices           began before the logline 2\n"},
+     "  12:30:03       1  DeviceGetAllDevices           began before the log line 2\n"},
     {"ForeignTornAndSteeringLines",
      "hello\r\n\n" + threadOne.substr(0, 30) + "\n" + threadOne.substr(0, threadOne.size() - 2) +
          "\r\n\x1b[2J\xff\n" + "12 no date\n",

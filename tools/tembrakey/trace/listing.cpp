@@ -19,8 +19,9 @@ std::string columns(const std::string &time, const std::string &thread, const st
     return text + rest;
 }
 
+// With a space behind it at least.
 std::string padded(std::string text, std::size_t width) {
-    text.resize(std::max(text.size(), width), ' ');
+    text.resize(std::max(text.size() + 1, width), ' ');
     return text;
 }
 
