@@ -45,37 +45,24 @@ class Ciphers(CommandTest):
                 reference = openssl("dgst", "-sm3", "-r", "file").split()[0].decode()
                 self.assertIn(reference, self.run_tool("hash", "file").decode().lower())
 
-    def test_the_length_of_a_token_call_changes_nothing(self):
-        write("file", content(100_000))
-        write("key", KEY.encode() + b"\n")
-        encrypt = ("encrypt", "file", "--key-file", "key", "--iv", IV, "--pad", "--out", "cipher")
-        results = set()
-        for most in (1, 16, 1000, 0x7fffffff, 0x80000000):
-            self.settings(HasSM3=1, HasSM4=1, MaxOperationLen=most)
-            self.run_tool(*encrypt)
-            results.add((self.run_tool("hash", "file"), read("cipher")))
-        self.assertEqual(len(results), 1)
-
     def test_what_cannot_be_enciphered_is_refused_and_leaves_no_file(self):
         write("file", content(17))
-        for code, *options in ((2, "--iv", IV),  # 17 bytes without --pad
-                               (2, "--pad"), (2, "--pad", "--iv", "00"),
-                               (1, "--pad", "--iv", IV, "--algo", "sm1-cbc"),
-                               (2, "--pad", "--iv", IV, "--key-hex", "0011")):
-            key = [] if "--key-hex" in options else ["--key-hex", KEY]
-            with self.subTest(options=options):
-                self.run_tool("encrypt", "file", *key, *options, "--out", "out", code=code)
+        write("torn", bytes(32))
+        with_key, with_iv = ("--key-hex", KEY), ("--iv", IV)
+        for code, *arguments in ((2, "encrypt", "file", *with_key, *with_iv),  # 17 bytes without --pad
+                                 (2, "encrypt", "file", *with_key, "--pad"),
+                                 (2, "encrypt", "file", *with_key, "--pad", "--iv", "00"),
+                                 (1, "encrypt", "file", *with_key, "--pad", *with_iv, "--algo", "sm1-cbc"),
+                                 (2, "encrypt", "file", "--key-hex", "0011", "--pad", *with_iv),
+                                 (2, "decrypt", "torn", *with_key, "--pad", *with_iv)):
+            with self.subTest(arguments=arguments):
+                self.run_tool(*arguments, "--out", "out", code=code)
                 self.assertRaises(FileNotFoundError, read, "out")
-        write("torn", b"\0" * 32)
-        self.run_tool("decrypt", "torn", "--key-hex", KEY, "--iv", IV, "--pad", "--out", "out", code=2)
-        self.assertRaises(FileNotFoundError, read, "out")
 
     def test_random_numbers_have_their_length_and_differ(self):
-        for length in (1, 16, 5000):
-            self.run_tool("random", str(length), "--out", "random")
-            self.assertEqual(len(read("random")), length)
-        drawn = {self.run_tool("random", "16") for _ in range(3)}
-        self.assertEqual(len(drawn), 3)
+        drawn = {self.run_tool("random", "16").strip() for _ in range(3)}
+        self.run_tool("random", "5000", "--out", "random")
+        self.assertEqual((len(drawn), {len(one) for one in drawn}, len(read("random"))), (3, {32}, 5000))
 
     def test_capabilities_follow_the_settings(self):
         for have in (0, 1):

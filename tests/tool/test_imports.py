@@ -6,23 +6,24 @@ from command_line import IS_WINDOWS, CommandTest, openssl, read, write
 KINDS = {"sm2": ("-algorithm", "EC", "-pkeyopt", "ec_paramgen_curve:SM2"),
          "rsa1024": ("-algorithm", "RSA", "-pkeyopt", "rsa_keygen_bits:1024"),
          "rsa2048": ("-algorithm", "RSA", "-pkeyopt", "rsa_keygen_bits:2048")}
-FORMS = {"plain": (), "enveloped": (), "enveloped --gdk": ("--gdk",)}
+PEMS = {"PRIVATE KEY": ("pkey",), "SM2 PRIVATE KEY": ("ec",),  # what OpenSSL 3 makes of EC PRIVATE KEY
+        "EC PRIVATE KEY": ("ec",), "RSA PRIVATE KEY": ("rsa", "-traditional")}
 
 
 class Imports(CommandTest):
     def container(self, kind, label="alice"):
-        algorithm, bits = kind[:3], kind[3:] or "256"
-        return self.make_key(label, algorithm, bits)
+        return self.make_key(label, kind[:3], kind[3:] or 256)
 
-    def import_key(self, kind, form):
-        """Makes a key pair and a container, and brings the one into the other."""
-        container = self.container(kind)
-        openssl("genpkey", *KINDS[kind], "-out", "key.pem")
-        given = "key.pem"
-        if form != "plain":
-            given = "blob"
-            self.run_tool("key", "envelope", "key.pem", "--to", container, *FORMS[form], "--out", given)
-        self.run_tool("key", "import", given, "--label", "alice", "--pin-env", "PIN")
+    def make_given(self, form, container):
+        """Puts key.pem, in a form that the tool imports, into the file `given`."""
+        if form in PEMS:
+            pem = openssl(*PEMS[form], "-in", "key.pem")
+            pem = pem.replace(b"SM2 PRIVATE", form.split()[0].encode() + b" PRIVATE")
+            self.assertIn(f"BEGIN {form}".encode(), pem)
+            write("given", pem)
+        else:
+            _, *options = form.split()
+            self.run_tool("key", "envelope", "key.pem", "--to", container, *options, "--out", "given")
 
     def expect_decryption(self):
         exported = self.run_tool("key", "export", "--label", "alice", "--type", "encrypt")
@@ -35,30 +36,17 @@ class Imports(CommandTest):
             self.assertEqual(clear, secret)
 
     def test_every_form_under_every_setting(self):
-        kinds = ("sm2", "rsa1024") if IS_WINDOWS else KINDS
-        for setting in (0, 1):
-            self.settings(HasSM4=1, SupportGDKMSM2Import=setting)
-            for kind in kinds:
-                for form in FORMS:
-                    if "--gdk" not in form or kind == "sm2":
-                        with self.subTest(kind=kind, form=form, setting=setting):
-                            self.import_key(kind, form)
-                            self.expect_decryption()
-                            self.run_tool("key", "delete", "--label", "alice", "--pin-env", "PIN")
-
-    def test_every_pem_of_a_private_key(self):
-        openssl("genpkey", *KINDS["sm2"], "-out", "sm2.pem")
-        openssl("genpkey", *KINDS["rsa1024"], "-out", "rsa.pem")
-        sec1 = openssl("ec", "-in", "sm2.pem")
-        pkcs1 = openssl("rsa", "-in", "rsa.pem", "-traditional")
-        self.assertIn(b"BEGIN SM2 PRIVATE KEY", sec1)  # what OpenSSL 3 makes of EC PRIVATE KEY
-        self.assertIn(b"BEGIN RSA PRIVATE KEY", pkcs1)
-        for kind, pem in (("sm2", sec1), ("sm2", sec1.replace(b"SM2 PRIVATE", b"EC PRIVATE")),
-                          ("rsa1024", pkcs1)):
-            with self.subTest(pem=pem[:30]):
-                self.container(kind)
-                write("key.pem", pem)
-                self.run_tool("key", "import", "key.pem", "--label", "alice", "--pin-env", "PIN")
+        rows = [(kind, form, setting) for setting in (0, 1)
+                for kind in (("sm2", "rsa1024") if IS_WINDOWS else KINDS)
+                for form in ("PRIVATE KEY", "enveloped", "enveloped --gdk")
+                if "--gdk" not in form or kind == "sm2"]
+        rows += [("sm2", "SM2 PRIVATE KEY", 0), ("sm2", "EC PRIVATE KEY", 0), ("rsa1024", "RSA PRIVATE KEY", 0)]
+        for kind, form, setting in rows:
+            with self.subTest(kind=kind, form=form, setting=setting):
+                self.settings(HasSM4=1, SupportGDKMSM2Import=setting)
+                openssl("genpkey", *KINDS[kind], "-out", "key.pem")
+                self.make_given(form, self.container(kind))
+                self.run_tool("key", "import", "given", "--label", "alice", "--pin-env", "PIN")
                 self.expect_decryption()
                 self.run_tool("key", "delete", "--label", "alice", "--pin-env", "PIN")
 
@@ -67,21 +55,18 @@ class Imports(CommandTest):
         openssl("genpkey", *KINDS["sm2"], "-out", "key.pem")
         openssl("genpkey", *KINDS["rsa1024"], "-out", "rsa.pem")
         openssl("pkey", "-in", "key.pem", "-aes128", "-passout", "pass:x", "-out", "locked.pem")
-        envelope = ("key", "envelope", "key.pem", "--out", "blob", "--to")
-        bring = ("key", "import", "--label", "alice")
-        self.run_tool(*envelope, other)
-        self.run_tool(*bring, "blob", "--pin-env", "PIN", code=1)  # for another container
-        self.run_tool(*bring, "rsa.pem", "--pin-env", "PIN", code=1)
-        self.run_tool(*bring, "locked.pem", "--pin-env", "PIN", code=2)
-        self.run_tool("key", "import", "key.pem", "--label", "carol", "--pin-env", "PIN", code=3)
-        self.run_tool(*envelope, mine)
-        blob = read("blob")
+        self.make_given("enveloped", other)
+        bring = ("key", "import", "--pin-env", "PIN", "--label")
+        for code, file, label in ((1, "given", "alice"), (1, "rsa.pem", "alice"), (2, "locked.pem", "alice"),
+                                  (3, "key.pem", "carol")):
+            self.run_tool(*bring, label, file, code=code)
+        self.make_given("enveloped", mine)
+        blob = read("given")
         for at in (0, 9, 20, len(blob) // 2, len(blob) - 1):
             for broken in (blob[:at], blob[:at] + bytes([blob[at] ^ 0x5A]) + blob[at + 1:]):
-                write("broken", broken)
-                self.run_tool(*bring, "broken", "--pin-env", "PIN", code=2 if at == 0 else 1)
-        self.run_tool(*bring, "blob", code=4)
-        self.run_tool(*bring, "blob", "--pin-env", "PIN")
+                self.run_tool(*bring, "alice", write("broken", broken), code=2 if at == 0 else 1)
+        self.run_tool("key", "import", "--label", "alice", "given", code=4)
+        self.run_tool(*bring, "alice", "given")
         self.expect_decryption()
 
 

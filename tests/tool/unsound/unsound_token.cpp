@@ -1,10 +1,12 @@
 // A token library whose answers are unsound in the way that TEMBRA_TEST_UNSOUND names. The
-// functions that are not here are refused by refusals.c.
+// functions that are not here refuse.
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
 
 #include "platform/skf.h"
+
+using namespace std::literals;
 
 namespace {
 
@@ -13,28 +15,44 @@ bool is(std::string_view fault) {
     return wanted != nullptr && fault == wanted;
 }
 
-ULONG give(std::string_view list, char *buffer, ULONG *length) {
+ULONG give(const void *answer, std::size_t size, void *buffer, ULONG *length) {
     if (buffer != nullptr)
-        std::memcpy(buffer, list.data(), list.size());
-    *length = static_cast<ULONG>(list.size());
+        std::memcpy(buffer, answer, size);
+    *length = static_cast<ULONG>(size);
     return SAR_OK;
 }
 
-int anything;
+ULONG giveList(std::string_view list, char *buffer, ULONG *length) {
+    return give(list.data(), list.size(), buffer, length);
+}
 
 } // namespace
 
+// A function that opens something.
+#define OPENS(name, parameters)                                                                    \
+    ULONG name parameters {                                                                        \
+        static int anything;                                                                       \
+        *handle = &anything;                                                                       \
+        return SAR_OK;                                                                             \
+    }
+
 extern "C" {
 
+OPENS(SKF_ConnectDev, (LPSTR, DEVHANDLE *handle))
+OPENS(SKF_OpenApplication, (DEVHANDLE, LPSTR, HAPPLICATION *handle))
+OPENS(SKF_OpenContainer, (HAPPLICATION, LPSTR, HCONTAINER *handle))
+
+ULONG SKF_LockDev(DEVHANDLE, ULONG) {
+    return SAR_OK;
+}
+
 ULONG SKF_EnumDev(BOOL, LPSTR szNameList, ULONG *pulSize) {
-    if (is("list that is not closed"))
-        return give({"One\0", 4}, szNameList, pulSize);
-    if (is("name without end"))
-        return give("One", szNameList, pulSize);
-    if (is("name twice"))
-        return give({"One\0One\0\0", 9}, szNameList, pulSize);
     const ULONG capacity = *pulSize;
-    give({"One\0\0", 5}, szNameList, pulSize);
+    giveList(is("list that is not closed") ? "One\0"sv
+             : is("name without end")      ? "One"sv
+             : is("name twice")            ? "One\0One\0\0"sv
+                                           : "One\0\0"sv,
+             szNameList, pulSize);
     if (is("length beyond the buffer") && szNameList != nullptr)
         *pulSize = capacity + 7;
     if (is("bytes beyond the buffer") && szNameList != nullptr)
@@ -42,72 +60,31 @@ ULONG SKF_EnumDev(BOOL, LPSTR szNameList, ULONG *pulSize) {
     return SAR_OK;
 }
 
-ULONG SKF_ConnectDev(LPSTR, DEVHANDLE *phDev) {
-    *phDev = &anything;
-    return SAR_OK;
-}
-
-ULONG SKF_DisConnectDev(DEVHANDLE) {
-    return SAR_OK;
-}
-
-ULONG SKF_LockDev(DEVHANDLE, ULONG) {
-    return SAR_OK;
-}
-
-ULONG SKF_UnlockDev(DEVHANDLE) {
-    return SAR_OK;
-}
-
 ULONG SKF_GetDevInfo(DEVHANDLE, DEVINFO *pDevInfo) {
     *pDevInfo = {};
-    std::memcpy(pDevInfo->SerialNumber, "S1", 3);
-    pDevInfo->TotalSpace = pDevInfo->FreeSpace = 1000;
-    pDevInfo->AlgAsymCap = SGD_SM2_1;
-    if (is("no serial number"))
-        pDevInfo->SerialNumber[0] = '\0';
+    std::strcpy(pDevInfo->SerialNumber, is("no serial number") ? "" : "S1");
+    pDevInfo->TotalSpace = 1000;
+    pDevInfo->FreeSpace = is("more free than there is") ? 1001 : 1000;
+    pDevInfo->AlgAsymCap = is("no algorithm") ? 0 : SGD_SM2_1;
+    pDevInfo->AlgHashCap = is("SM3 that is not there") ? SGD_SM3 : 0;
     if (is("label without NUL"))
         std::memset(pDevInfo->Label, 'x', sizeof pDevInfo->Label);
-    if (is("more free than there is"))
-        pDevInfo->FreeSpace = 1001;
-    if (is("no algorithm"))
-        pDevInfo->AlgAsymCap = 0;
-    if (is("SM3 that is not there"))
-        pDevInfo->AlgHashCap = SGD_SM3;
     return SAR_OK;
 }
 
 ULONG SKF_EnumApplication(DEVHANDLE, LPSTR szAppName, ULONG *pulSize) {
-    return give({"App\0\0", 5}, szAppName, pulSize);
-}
-
-ULONG SKF_OpenApplication(DEVHANDLE, LPSTR, HAPPLICATION *phApplication) {
-    *phApplication = &anything;
-    return SAR_OK;
-}
-
-ULONG SKF_CloseApplication(HAPPLICATION) {
-    return SAR_OK;
+    return giveList("App\0\0"sv, szAppName, pulSize);
 }
 
 ULONG SKF_GetPINInfo(HAPPLICATION, ULONG, ULONG *most, ULONG *left, BOOL *isDefault) {
     *most = 6;
-    *left = is("more tries than tries") ? 7 : (is("locked PIN") ? 0 : 6);
+    *left = is("more tries than tries") ? 7 : is("locked PIN") ? 0 : 6;
     *isDefault = 0;
     return SAR_OK;
 }
 
 ULONG SKF_EnumContainer(HAPPLICATION, LPSTR szContainerName, ULONG *pulSize) {
-    return give({"C\0\0", 3}, szContainerName, pulSize);
-}
-
-ULONG SKF_OpenContainer(HAPPLICATION, LPSTR, HCONTAINER *phContainer) {
-    *phContainer = &anything;
-    return SAR_OK;
-}
-
-ULONG SKF_CloseContainer(HCONTAINER) {
-    return SAR_OK;
+    return giveList("C\0\0"sv, szContainerName, pulSize);
 }
 
 ULONG SKF_GetContainerType(HCONTAINER, ULONG *pulContainerType) {
@@ -118,21 +95,16 @@ ULONG SKF_GetContainerType(HCONTAINER, ULONG *pulContainerType) {
 }
 
 ULONG SKF_ExportPublicKey(HCONTAINER, BOOL bSignFlag, BYTE *pbBlob, ULONG *pulBlobLen) {
-    if (!bSignFlag)
-        return SAR_KEYNOTFOUNTERR;
-    if (is("odd RSA key")) {
-        RSAPUBLICKEYBLOB rsa = {};
-        rsa.BitLen = 2048;
-        std::memcpy(pbBlob, &rsa, sizeof rsa);
-        *pulBlobLen = sizeof rsa;
-        return SAR_OK;
-    }
+    RSAPUBLICKEYBLOB rsa = {};
+    rsa.BitLen = 2048;
     ECCPUBLICKEYBLOB ecc = {};
     ecc.BitLen = 256;
     ecc.XCoordinate[is("key at the left") ? 0 : 63] = 1;
-    std::memcpy(pbBlob, &ecc, sizeof ecc);
-    *pulBlobLen = sizeof ecc;
-    return is("key off the curve") || is("key at the left") ? SAR_OK : SAR_KEYNOTFOUNTERR;
+    if (bSignFlag && is("odd RSA key"))
+        return give(&rsa, sizeof rsa, pbBlob, pulBlobLen);
+    if (bSignFlag && (is("key off the curve") || is("key at the left")))
+        return give(&ecc, sizeof ecc, pbBlob, pulBlobLen);
+    return SAR_KEYNOTFOUNTERR;
 }
 
 ULONG SKF_GenRandom(DEVHANDLE, BYTE *pbRandom, ULONG ulRandomLen) {
