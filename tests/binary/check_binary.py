@@ -62,20 +62,14 @@ def expect(condition, complaint):
     return [] if condition else [complaint]
 
 
-def read_table(options):
-    path = os.path.join(options.source_dir, "include/tembra_key_prov_entry_points.h")
-    with open(path, encoding="utf-8") as file:
-        return set(re.findall(r"^TEMBRA_ENTRY_POINT\(\w+, (\w+),", file.read(), re.M))
-
-
-def read_import_list(options, library):
-    path = os.path.join(options.source_dir, f"src/platform/imports/{library}.def")
-    with open(path, encoding="utf-8") as file:
-        return set(re.findall(r"^  (\w+)$", file.read(), re.M))
+def names_in(options, path, pattern):
+    with open(os.path.join(options.source_dir, path), encoding="utf-8") as file:
+        return set(re.findall(pattern, file.read(), re.M))
 
 
 def check_exports(binary):
-    table = read_table(binary.options)
+    table = names_in(binary.options, "include/tembra_key_prov_entry_points.h",
+                     r"^TEMBRA_ENTRY_POINT\(\w+, (\w+),")
     return expect(len(table) == 49, f"the table holds {len(table)} entry points, not 49") + \
         expect_equal("exports", binary.exports(), table)
 
@@ -85,7 +79,8 @@ def check_imports(binary):
     ours = {suffix.format(library) for library in IMPORT_LISTS}
     libraries = binary.libraries()
     names = {name for name in binary.imports() if name.startswith(("SKF_", "OrvelPKICrypto"))}
-    wanted = set().union(*(read_import_list(binary.options, name) for name in IMPORT_LISTS))
+    wanted = set().union(*(names_in(binary.options, f"src/platform/imports/{name}.def", r"^  (\w+)$")
+                           for name in IMPORT_LISTS))
     return expect_equal("libraries", libraries - SYSTEM_LIBRARIES[binary.format], ours) + \
         expect_equal("imports", names, wanted)
 
@@ -131,18 +126,15 @@ def check_version(binary):
             if text.encode("utf-16-le") not in binary.bytes]
 
 
-CHECKS = {name[6:]: function for name, function in globals().items() if name.startswith("check_")}
-
-
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("check", choices=CHECKS)
     parser.add_argument("binary")
     for option in ("--source-dir", "--version", "--objdump", "--nm"):
         parser.add_argument(option, required=True)
     options = parser.parse_args()
-    complaints = CHECKS[options.check](Binary(options))
-    print("\n".join(complaints) or f"{options.check}: as it should be")
+    checks = (check_exports, check_imports, check_runtime, check_hardening, check_debug, check_version)
+    complaints = [complaint for check in checks for complaint in check(Binary(options))]
+    print("\n".join(complaints) or "as it should be")
     return 1 if complaints else 0
 
 

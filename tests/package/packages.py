@@ -1,5 +1,6 @@
 """What the tests of the packages share: where things are, and how to run what was installed."""
 
+import hashlib
 import os
 import re
 import shutil
@@ -20,6 +21,11 @@ DEFAULTS = {"HasSM3": 0, "HasSM4": 0, "MaxOperationLen": 1024, "SupportGDKMSM2Im
 def files(folder):
     """Paths of all the files below a folder, relative to it."""
     return {path.relative_to(folder).as_posix() for path in folder.rglob("*") if not path.is_dir()}
+
+
+def digests(folder):
+    """Of the files below a folder, by their paths relative to it."""
+    return {path: hashlib.sha256((folder / path).read_bytes()).hexdigest() for path in files(folder)}
 
 
 class PackageTest(unittest.TestCase):
@@ -52,10 +58,14 @@ class PackageTest(unittest.TestCase):
         self.assertEqual(done.returncode == 0, expect == 0, f"{command}:\n{done.stdout}")
         return done.stdout
 
-    def check_host(self, tembrakey, host):
-        """Makes a token, has a host sign with it, and has OpenSSL judge the signature."""
+    def check_tool(self, tembrakey):
+        """Makes a token and finds it."""
         self.run_command(*tembrakey, "token", "create", "--label", "Test", "--so-pin-env", "SO", "--pin-env", "PIN")
         self.assertIn("Test", self.run_command(*tembrakey, "list"))
+
+    def check_host(self, tembrakey, host):
+        """Has a host sign with a token, and OpenSSL judge the signature."""
+        self.check_tool(tembrakey)
         signature = self.run_command(*host, "alice", DIGEST.hex())
         (self.folder / "signature").write_bytes(bytes.fromhex(signature.strip()))
         (self.folder / "digest").write_bytes(DIGEST)
@@ -64,12 +74,15 @@ class PackageTest(unittest.TestCase):
                                    "-sigfile", "signature", "-in", "digest")
         self.assertIn("Verified Successfully", verdict)
 
-    def check_first_signature(self, *folders):
-        """The README's commands for a newcomer, word for word."""
-        readme = (ROOT / "README.md").read_text("utf-8")
-        block = re.search(r"The first signature:\n\n```\n(.*?)```", readme, re.DOTALL)
-        self.environment["PATH"] = ":".join([*(str(folder) for folder in folders), self.environment["PATH"]])
-        self.assertIn("Verified OK", self.run_command("bash", "-euc", block[1]))
+    def build_host(self, *options):
+        """Builds the example against what find_package finds."""
+        self.run_command("cmake", "-S", CONSUMER, "-B", "build", f"-DSOURCE={EXAMPLE}", *options)
+        self.run_command("cmake", "--build", "build")
+
+    def check_settings_found(self):
+        """The provider, which a command ran, reports every setting that it does not find."""
+        trace = self.folder / "trace.log"
+        self.assertNotIn("hasSM", trace.read_text() if trace.exists() else "")
 
     def check_links(self, folder):
         """Every link of an installed document leads to something that is installed."""

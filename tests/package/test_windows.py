@@ -3,7 +3,7 @@
 import re
 import subprocess
 
-from packages import CONSUMER, DEFAULTS, EXAMPLE, PACKAGES, ROOT, VERSION, PackageTest, files
+from packages import DEFAULTS, PACKAGES, ROOT, VERSION, PackageTest, digests, files
 
 ARCHIVE = PACKAGES / f"TembraKeyProv-{VERSION}-windows-x64.zip"
 KIT_ARCHIVE = PACKAGES / f"tembra-devkit-{VERSION}-windows-x64.zip"
@@ -60,17 +60,11 @@ class Msi(WindowsTest):
         self.assertEqual(self.registry(), {})
         self.msiexec("/i")
         self.addCleanup(lambda: PROGRAM.exists() and self.msiexec("/x"))
-        self.assertEqual(files(PROGRAM), files(self.provider))
-        for path in files(PROGRAM):
-            self.assertEqual((PROGRAM / path).read_bytes(), (self.provider / path).read_bytes(), path)
+        self.assertEqual(digests(PROGRAM), digests(self.provider))
         self.assertEqual(self.registry(), DEFAULTS)
 
-        tool = self.with_kit(PROGRAM / "bin/tembrakey.exe")
-        self.run_command(*tool, "token", "create", "--label", "Test", "--so-pin-env", "SO", "--pin-env", "PIN")
-        self.assertIn("Test", self.run_command(*tool, "list"))
-        # The provider reports every setting that it does not find.
-        trace = self.folder / "trace.log"
-        self.assertNotIn("hasSM", trace.read_text() if trace.exists() else "")
+        self.check_tool(self.with_kit(PROGRAM / "bin/tembrakey.exe"))
+        self.check_settings_found()
 
         self.msiexec("/x")
         self.assertFalse(PROGRAM.exists())
@@ -97,13 +91,9 @@ class Archive(WindowsTest):
         self.wine("reg", "delete", REGISTRY_KEY, "/f")
 
     def test_host_by_find_package(self):
-        self.run_command("cmake", "-S", CONSUMER, "-B", "build", f"-DSOURCE={EXAMPLE}",
-                         f"-DCMAKE_TOOLCHAIN_FILE={ROOT}/cmake/mingw-w64.cmake",
-                         f"-DTembraKeyProv_DIR={self.provider}/lib/cmake/TembraKeyProv")
-        self.run_command("cmake", "--build", "build")
+        self.build_host(f"-DCMAKE_TOOLCHAIN_FILE={ROOT}/cmake/mingw-w64.cmake",
+                        f"-DTembraKeyProv_DIR={self.provider}/lib/cmake/TembraKeyProv")
         # Windows finds DLLs beside the program, or on the path.
         self.environment["WINEPATH"] = windows_path(self.provider / "bin")
         self.check_host(self.with_kit(self.provider / "bin/tembrakey.exe"),
                         self.with_kit(self.folder / "build/host.exe"))
-
-
