@@ -15,8 +15,9 @@ PROVIDER_FILES = {
     "lib/cmake/TembraKeyProv/TembraKeyProvConfig.cmake",
     "lib/cmake/TembraKeyProv/TembraKeyProvConfigVersion.cmake",
     "share/man/man1/tembrakey.1", "share/man/zh_CN/man1/tembrakey.1",
-    "share/bash-completion/completions/tembrakey", "share/tembra-key-prov/tembra_key_prov.reg", "share/doc/tembra-key-prov/README.md",
-    "share/doc/tembra-key-prov/docs/host-guide.md",
+    "share/bash-completion/completions/tembrakey", "share/zsh/site-functions/_tembrakey",
+    "share/fish/vendor_completions.d/tembrakey.fish", "share/tembra-key-prov/tembra_key_prov.reg",
+    "share/doc/tembra-key-prov/README.md", "share/doc/tembra-key-prov/docs/host-guide.md",
 }
 KIT_FILES = {
     "bin/tembra-devkit", "lib/tembra-devkit/libQXSKFAPI.so", "lib/tembra-devkit/libORVEL_CRYPTO.so",
@@ -125,8 +126,9 @@ class Archive(PackageTest):
         for folder, text in (("man", "SYNOPSIS"), ("man/zh_CN", "证书")):
             self.assertIn(text, (self.provider / "share" / folder / "man1/tembrakey.1").read_text("utf-8"))
         self.environment["PATH"] = f"{self.provider}/bin:{self.environment['PATH']}"
-        completion = self.provider / "share/bash-completion/completions/tembrakey"
-        self.assertIn("tembrakey", self.run_command("bash", "-euc", f"source {completion}; complete -p tembrakey"))
+        for shell, path in (("bash", "bash-completion/completions/tembrakey"), ("zsh", "zsh/site-functions/_tembrakey"),
+                            ("fish", "fish/vendor_completions.d/tembrakey.fish")):
+            self.assertEqual((self.provider / "share" / path).read_text(), self.run_command("tembrakey", "completion", shell))
 
     def test_documents_lead_to_each_other(self):
         self.check_links(self.provider / "share/doc")

@@ -2,11 +2,43 @@
 import os
 import pathlib
 import re
+import shlex
 import shutil
 import subprocess
 import unittest
 
-from command_line import IS_WINDOWS, CommandTest, write
+from command_line import IS_WINDOWS, CommandTest, read, write
+
+# How each shell prints what it offers for $LINE, once it has read the script `completion`.
+SHELLS = {
+    "bash": ("bash", "-c", """
+        source ./completion
+        read -ra COMP_WORDS <<<"$LINE"
+        [[ $LINE != *' ' ]] || COMP_WORDS+=('')
+        COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+        _tembrakey
+        printf '%s\\n' "${COMPREPLY[@]}" >offered"""),
+    "zsh": ("script", "-qec", "zsh -i", "/dev/null"),  # completes at a terminal only
+    "fish": ("fish", "--no-config", "-c", "source ./completion; complete -C $LINE >offered"),
+}
+ZSHRC = b"""
+    autoload -Uz compinit && compinit -D -u
+    source ./completion
+    compadd() {
+        local -a new
+        [[ ${@[1,(i)(-|--)]} == *-[ADO]\\ * ]] || builtin compadd -O new "$@"
+        offered+=($new)
+        builtin compadd "$@"
+    }
+    capture() { _main_complete }
+    zle -C capture complete-word capture
+    zle-line-init() {
+        BUFFER=$LINE CURSOR=$#LINE
+        zle capture
+        print -rl -- $offered >offered
+        exit
+    }
+    zle -N zle-line-init"""
 
 
 class CommandLine(CommandTest):
@@ -41,27 +73,28 @@ class CommandLine(CommandTest):
                               check=True)
         self.assertEqual(done.stderr, b"")
 
-    @unittest.skipIf(IS_WINDOWS, "bash's")
-    def test_bash_completes_commands_options_and_values(self):
-        write("completion", self.run_tool("completion", "bash"))
+    def complete(self, shell, line):
+        """What the shell offers for the line, at whose end the cursor stands; of files the last name."""
+        done = subprocess.run(SHELLS[shell], capture_output=True, check=True, timeout=60,
+                              env={**self.environment, "LINE": line, "ZDOTDIR": self.folder, "HOME": self.folder})
+        self.assertEqual(done.stderr, b"")
+        return {os.path.basename(row.split("\t")[0]) for row in read("offered").decode().splitlines()} - {""}
+
+    @unittest.skipIf(IS_WINDOWS, "of shells of Linux")
+    def test_shells_complete_commands_options_and_values(self):
         os.mkdir("d")
         write("d/letter.txt", b"")
-        for line, expected in (("tembrakey ke", "key"), ("tembrakey key g", "generate"),
-                               ("tembrakey key generate --al", "--algo"),
-                               ("tembrakey key generate --algo ", "sm2 rsa"),
-                               ("tembrakey --json key generate --algo r", "rsa"),
-                               ("tembrakey key generate --pr", "--provider"),
-                               ("tembrakey sign d/l", "d/letter.txt"),
-                               ("tembrakey sign -o d/", "d/letter.txt"),
-                               ("tembrakey sign d/letter.txt --pin-env TEMBRA_SOFT_TOKEN_D",
-                                "TEMBRA_SOFT_TOKEN_DIR"), ("tembrakey list x", "")):
-            with self.subTest(line=line):
-                words = line + "''" if line.endswith(" ") else line
-                script = (f"source ./completion; COMP_WORDS=({words}); COMP_CWORD=$((${{#COMP_WORDS[@]}} - 1)); "
-                          '_tembrakey; echo "${COMPREPLY[*]}"')
-                done = subprocess.run(["bash", "-c", script], capture_output=True, check=True,
-                                      env=self.environment)
-                self.assertEqual((done.stdout.decode().strip(), done.stderr), (expected, b""))
+        write(".zshrc", ZSHRC)
+        for shell in filter(shutil.which, SHELLS):
+            write("completion", self.run_tool("completion", shell))
+            for line, expected in (("ke", "key"), ("key g", "generate"), ("key generate --al", "--algo"),
+                                   ("key generate --algo ", "sm2 rsa"), ("--json key generate --algo r", "rsa"),
+                                   ("--device 0 key g", "generate"), ("key generate --pr", "--provider"),
+                                   ("sign d/l", "letter.txt"), ("sign -o d/", "letter.txt"),
+                                   ("sign d/letter.txt --pin-env TEMBRA_SOFT_TOKEN_D", "TEMBRA_SOFT_TOKEN_DIR"),
+                                   ("completion ", "bash zsh fish"), ("list x", "")):
+                with self.subTest(shell=shell, line=line):
+                    self.assertEqual(self.complete(shell, f"tembrakey {line}"), set(expected.split()))
 
     def test_refusals_say_why_and_in_json_too(self):
         write("empty", b"")

@@ -16,9 +16,14 @@ void print(const std::string &text) {
 class Completion final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.choice("SHELL", shell_, {"bash"}, "The shell (bash)").required();
+        arguments.choice("SHELL", shell_, {"bash", "zsh", "fish"}, "The shell").required();
     }
-    void run(Context &context) override { print(bashCompletion(*context.app)); }
+    void run(Context &context) override {
+        const auto write = shell_ == "bash"  ? &bashCompletion
+                           : shell_ == "zsh" ? &zshCompletion
+                                             : &fishCompletion;
+        print(write(*context.app));
+    }
 
 private:
     std::string shell_;
@@ -35,7 +40,10 @@ public:
 const CommandEntry completionCommand = {
     "completion", "Print a script that lets the shell complete commands and options", "",
     "  source <(tembrakey completion bash)\n"
-    "  tembrakey completion bash > ~/.local/share/bash-completion/completions/tembrakey",
+    "  source <(tembrakey completion zsh)\n"
+    "  tembrakey completion fish | source\n"
+    "  tembrakey completion bash > ~/.local/share/bash-completion/completions/tembrakey\n"
+    "  tembrakey completion fish > ~/.config/fish/completions/tembrakey.fish",
     make<Completion>};
 
 const CommandEntry manCommand = {"man", "Print the manual page", "",

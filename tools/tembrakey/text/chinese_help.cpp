@@ -22,7 +22,7 @@ const Translation texts[] = {
     {"COMMANDS", "命令"},
     {"Print a script that lets the shell complete commands and options",
      "输出让 shell 补全命令和选项的脚本"},
-    {"The shell (bash)", "shell（bash）"},
+    {"The shell", "shell 的名称"},
     {"Print the manual page", "输出手册页"},
     {"Subcommands", "子命令"},
     {"OPTIONS", "选项"},
