@@ -1,12 +1,17 @@
 // Everything that hosts may do at once, done at once: threads that discover, look up, sign,
-// decrypt, hash, generate, delete and free over shared devices, the whole of it traced to one file.
+// decrypt, hash, encipher, generate, delete and free over shared devices, the whole of it traced to
+// one file, and what the token is asked to another.
 #include "kit_test.h"
 #include "leaks.h"
 #include "tembra_devkit_faults.h"
 #include "tembra_soft_token.h"
-#include "watchdog.h"
 
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <future>
 #include <map>
+#include <random>
 #include <sstream>
 
 namespace tembra::test {
@@ -46,6 +51,9 @@ public:
         logIn();
         SPI_KEYPAIR_HANDLE pair = generate(label, ORVEL_PKI_ALGORITHM_ECC, 256);
         cipher = encrypted(pair, ORVEL_PKI_ALGORITHM_SM2_ENC, &sm3, plain);
+        SPI_HASH_HANDLE hash = DeviceNewHash(device, sm3);
+        digest = hashed(hash);
+        EXPECT_EQ(DeviceFreeHash(hash), 1);
         const char mode[] = {3, 0, 3};
         ASSERT_EQ(DeviceCreateData(device, 7, mode, 64), 1);
     }
@@ -61,8 +69,15 @@ public:
         return result;
     }
 
+    Bytes hashed(SPI_HASH_HANDLE hash) const {
+        Bytes value(32);
+        int length = 0;
+        EXPECT_EQ(DeviceHashUpdate(hash, plain.data(), static_cast<int>(plain.size())), 1);
+        EXPECT_EQ(DeviceHashFinal(hash, value.data(), 32, &length), 1);
+        return value;
+    }
+
     void sign(SPI_DEVICE_HANDLE on, SPI_KEYPAIR_HANDLE pair) {
-        const Bytes digest(32, 0x17);
         const int result = loggedIn(on, [&] {
             ++counts.signatures;
             Bytes signature(80);
@@ -103,18 +118,40 @@ public:
 
     void serveOnce() {
         Bytes buffer(64);
-        int length = 64;
         EXPECT_EQ(DeviceGenerateRandom(device, 64, buffer.data()), 1);
-        SPI_HASH_HANDLE hash = DeviceNewHash(device, ORVEL_PKI_ALGORITHM_SM3);
-        EXPECT_EQ(DeviceHashUpdate(hash, buffer.data(), 64), 1);
-        EXPECT_EQ(DeviceHashFinal(hash, buffer.data(), 32, &length), 1);
-        EXPECT_EQ(DeviceFreeHash(hash), 1);
         const int written =
             loggedIn(device, [&] { return DeviceWriteDataEx(device, 7, 0, buffer.data(), 64); });
         EXPECT_EQ(written, 1);
         EXPECT_EQ(DeviceIsSupportedAlgorithm2(device, ORVEL_PKI_ALGORITHM_SM2_SIGN, 0,
                                               ORVEL_PKI_USAGE_SIGN, nullptr),
                   1);
+    }
+
+    // Each handle belongs to one thread; the device's lists of them, which grow, belong to all.
+    void holdOnce() {
+        static std::atomic<unsigned> serial = 0;
+        std::mt19937 random(++serial);
+        const std::size_t held = 2 + random() % 60;
+        std::vector<SPI_HASH_HANDLE> hashes(held);
+        std::vector<SPI_CIPHER_HANDLE> ciphers(held);
+        const Bytes block(16, 0x5A);
+        for (std::size_t i = 0; i < held; ++i) {
+            hashes[i] = DeviceNewHash(device, sm3);
+            ciphers[i] = DeviceNewCipher(device, i % 2, ORVEL_PKI_ALGORITHM_SMS4_ECB, block.data(),
+                                         16, nullptr);
+        }
+        int length = 0;
+        Bytes value = block;
+        for (SPI_CIPHER_HANDLE either : {ciphers[1], ciphers[0]})
+            EXPECT_EQ(DeviceCipherUpdate(either, value.data(), 16, value.data(), 16, &length), 1);
+        EXPECT_EQ(value, block);
+        std::shuffle(hashes.begin(), hashes.end(), random);
+        std::shuffle(ciphers.begin(), ciphers.end(), random);
+        for (std::size_t i = 0; i < held; ++i) {
+            EXPECT_EQ(hashed(hashes[i]), digest);
+            EXPECT_EQ(DeviceFreeHash(hashes[i]), 1);
+            EXPECT_EQ(DeviceFreeCipher(ciphers[i]), 1);
+        }
     }
 
     void discoverOnce() {
@@ -155,29 +192,36 @@ public:
         EXPECT_EQ(DeviceFreeDevice(one), 1);
     }
 
-    void run(const std::vector<std::pair<const char *, Work>> &works, int rounds);
+    using NamedWork = std::pair<const char *, Work>;
+    void run(const std::vector<NamedWork> &works, int rounds);
     void expectWholeTrace() const;
+    void expectWholeJournal(const std::filesystem::path &path) const;
 
     const Bytes plain = {'s', 'o', 'a', 'k'};
-    Bytes cipher;
+    Bytes cipher, digest;
     Counts counts;
     std::uintmax_t traceStart = 0;
 };
 
-void Soak::run(const std::vector<std::pair<const char *, Work>> &works, int rounds) {
-    Watchdog watchdog(std::chrono::seconds(240));
-    std::vector<std::thread> threads;
-    for (std::size_t number = 0; number < works.size(); ++number) {
-        threads.emplace_back([&, number] {
-            const auto &[name, work] = works[number];
-            watchdog.note(number, name);
+// A thread for each work; aborts when one hangs, and says which.
+void Soak::run(const std::vector<NamedWork> &works, int rounds) {
+    const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(240);
+    std::vector<std::future<void>> threads;
+    for (const auto &named : works) {
+        threads.push_back(std::async(std::launch::async, [&] {
             for (int i = 0; i < rounds && !HasFatalFailure(); ++i)
-                (this->*work)();
-            watchdog.note(number, "done");
-        });
+                (this->*named.second)();
+        }));
     }
-    for (std::thread &thread : threads)
-        thread.join();
+    bool hangs = false;
+    for (std::size_t i = 0; i < works.size(); ++i) {
+        if (threads[i].wait_until(patience) == std::future_status::timeout) {
+            std::fprintf(stderr, "hangs: %s\n", works[i].first);
+            hangs = true;
+        }
+    }
+    if (hangs)
+        std::abort();
 }
 
 // Every line is whole, and every call's entry and exit lines stand properly nested in its thread.
@@ -212,12 +256,24 @@ void Soak::expectWholeTrace() const {
     EXPECT_EQ(entered["DeviceGenerateKeypair"], counts.generations);
 }
 
+// A whole line for every call of the token.
+void Soak::expectWholeJournal(const std::filesystem::path &path) const {
+    std::istringstream file(readFile(path));
+    unsigned long long lines = 0;
+    for (std::string text; std::getline(file, text); ++lines)
+        EXPECT_TRUE(text.starts_with("{\"seq\":") && text.ends_with("}")) << text;
+    EXPECT_EQ(lines, TembraSoftTokenCallCount(nullptr));
+}
+
 TEST_F(Soak, SharedDevicesSurviveEverythingAtOnce) {
     traceStart = std::filesystem::file_size(trace().path());
     // What one deletion keeps, by contract; of the rest nothing may stay.
     const Holdings before = holdings();
     generateOnce();
     const Holdings kept = holdings() - before;
+    const auto journal = directory.path() / "journal";
+    ASSERT_EQ(TembraSoftTokenSetFaults(nullptr), 1); // counts anew
+    ASSERT_EQ(TembraSoftTokenSetJournal(journal.string().c_str()), 1);
     constexpr int rounds = 20; // of each thread
     run({{"sign", &Soak::signOnce},
          {"sign too", &Soak::signOnce},
@@ -225,14 +281,26 @@ TEST_F(Soak, SharedDevicesSurviveEverythingAtOnce) {
          {"serve", &Soak::serveOnce},
          {"discover", &Soak::discoverOnce},
          {"discover too", &Soak::discoverOnce},
-         {"generate and delete", &Soak::generateOnce}},
+         {"generate and delete", &Soak::generateOnce},
+         {"hold", &Soak::holdOnce}},
         rounds);
+    expectWholeJournal(journal);
+    TembraSoftTokenSetJournal(nullptr);
     expectWholeTrace();
     EXPECT_EQ(DeviceGetKeypairCount(device), 1);
     const Holdings after = holdings() - before;
     EXPECT_EQ(after.handles, (rounds + 1) * kept.handles);
     EXPECT_EQ(after.blocks, (rounds + 1) * kept.blocks);
     keepsDevice = true;
+}
+
+TEST_F(Soak, HandlesOfOneDeviceComeAndGo) {
+    trace().setLevel("1");
+    const std::vector<NamedWork> works(4, {"hold", &Soak::holdOnce});
+    for (int i = 0; i < 20; ++i) {
+        discover(); // a device whose lists are still to grow
+        run(works, 2);
+    }
 }
 
 } // namespace
