@@ -1,7 +1,5 @@
 #include "token_fixture.h"
 
-#include <algorithm>
-
 namespace tembra::test {
 
 TokenTest::TokenTest() {
@@ -11,7 +9,7 @@ TokenTest::TokenTest() {
     std::uint32_t size = sizeof made;
     EXPECT_EQ(SAR_OK, TembraSoftTokenCreate(nullptr, made, &size));
     name = made;
-    addApplication("APP", 3);
+    addApplication("APP");
     open();
 }
 
@@ -22,22 +20,21 @@ TokenTest::~TokenTest() {
 
 void TokenTest::open() {
     EXPECT_EQ(SAR_OK, SKF_ConnectDev(name.data(), &device));
-    EXPECT_EQ(SAR_OK, SKF_OpenApplication(device, text("APP"), &application));
+    EXPECT_EQ(SAR_OK, SKF_OpenApplication(device, text(applicationName_), &application));
 }
 
 // No handle is ever used again, so one that the test has closed is none by now.
 void TokenTest::close() {
-    for (const HCONTAINER container : containers_) {
+    for (const HCONTAINER container : containers_)
         SKF_CloseContainer(container);
-    }
     containers_.clear();
     SKF_CloseApplication(application);
     SKF_DisConnectDev(device);
 }
 
-void TokenTest::addApplication(const char *added, ULONG userTries) {
-    const TembraSoftTokenApplication options = {sizeof options, 0,        userTries, 0,
-                                                added,          adminPin, userPin};
+void TokenTest::addApplication(const char *added) {
+    applicationName_ = added;
+    const TembraSoftTokenApplication options = {sizeof options, 0, 3, 0, added, adminPin, userPin};
     EXPECT_EQ(SAR_OK, TembraSoftTokenAddApplication(name.c_str(), &options));
 }
 
@@ -52,23 +49,16 @@ HCONTAINER TokenTest::openContainer(const std::string &container) {
     return containers_.back();
 }
 
-HCONTAINER TokenTest::createSm2(const char *container, ECCPUBLICKEYBLOB *blob) {
+HCONTAINER TokenTest::createSm2(const char *container) {
     ECCPUBLICKEYBLOB unused = {};
     const HCONTAINER handle = create(container);
-    EXPECT_EQ(SAR_OK, SKF_GenECCKeyPair(handle, SGD_SM2_1, blob != nullptr ? blob : &unused));
+    EXPECT_EQ(SAR_OK, SKF_GenECCKeyPair(handle, SGD_SM2_1, &unused));
     return handle;
 }
 
 Names TokenTest::containers() {
     return listed(
         [&](char *list, ULONG *size) { return SKF_EnumContainer(application, list, size); });
-}
-
-crypto::Sm2PublicKey publicKey(const ECCPUBLICKEYBLOB &blob) {
-    crypto::Sm2PublicKey key;
-    std::copy_n(blob.XCoordinate + 32, 32, key.x.begin());
-    std::copy_n(blob.YCoordinate + 32, 32, key.y.begin());
-    return key;
 }
 
 } // namespace tembra::test

@@ -4,7 +4,6 @@
 #include "platform/skf.h"
 #include "tembra_soft_token.h"
 
-#include "crypto/sm2_key.h"
 #include "process_environment.h"
 #include "temporary_directory.h"
 
@@ -16,6 +15,7 @@
 namespace tembra::test {
 
 using Names = std::vector<std::string>;
+using Bytes = std::vector<BYTE>;
 
 // The interface takes texts it doesn't change as char *.
 inline LPSTR text(const char *name) {
@@ -35,7 +35,7 @@ protected:
 
     void open();
     void close(); // these two, and the containers that came from the functions below
-    void addApplication(const char *name, ULONG userTries);
+    void addApplication(const char *name); // which is the one to open from now on
     ULONG showPin(ULONG type, const char *pin, ULONG *triesLeft = nullptr) {
         return SKF_VerifyPIN(application, type, text(pin), triesLeft);
     }
@@ -44,8 +44,7 @@ protected:
 
     HCONTAINER create(const std::string &name);
     HCONTAINER openContainer(const std::string &name);
-    // A container with a signature key; the public key goes to blob.
-    HCONTAINER createSm2(const char *name, ECCPUBLICKEYBLOB *blob = nullptr);
+    HCONTAINER createSm2(const char *name); // with a signature key
     Names containers();
 
     TemporaryDirectory directory;
@@ -54,10 +53,9 @@ protected:
     HAPPLICATION application = nullptr;
 
 private:
+    const char *applicationName_ = nullptr;
     std::vector<HCONTAINER> containers_;
 };
-
-crypto::Sm2PublicKey publicKey(const ECCPUBLICKEYBLOB &blob);
 
 // The names of a list, after the whole protocol: asking for the size, one byte short, exact.
 Names listed(auto function) {
@@ -70,9 +68,8 @@ Names listed(auto function) {
     EXPECT_EQ(std::string(size, '?'), list) << "a buffer that is too short stays untouched";
     EXPECT_EQ(SAR_OK, function(list.data(), &size));
     Names names;
-    for (const char *at = list.data(); *at != '\0'; at += names.back().size() + 1) {
+    for (const char *at = list.data(); *at != '\0'; at += names.back().size() + 1)
         names.emplace_back(at);
-    }
     return names;
 }
 

@@ -1,6 +1,8 @@
 // PINs and what they open.
 #include "token_fixture.h"
 
+#include "tembra_devkit_faults.h"
+
 #include "crypto/sm4.h"
 
 #include <array>
@@ -10,56 +12,55 @@ namespace {
 
 constexpr ULONG untouched = 99;
 
-class TokenPins : public TokenTest {
-protected:
-    ULONG triesLeft(ULONG type) {
-        ULONG left = untouched;
-        EXPECT_EQ(SAR_OK, SKF_GetPINInfo(application, type, nullptr, &left, nullptr));
-        return left;
-    }
-    BOOL isDefault() {
-        BOOL is = 0;
-        EXPECT_EQ(SAR_OK, SKF_GetPINInfo(application, USER_TYPE, nullptr, nullptr, &is));
-        return is;
-    }
-};
+using TokenPins = TokenTest;
 
 TEST_F(TokenPins, TriesRunOutLastAndAreGivenBackByTheAdministrator) {
     const struct {
         const char *pin;
         ULONG result;
-        ULONG reported;
+        ULONG left;
     } steps[] = {
         {"12345", SAR_PIN_LEN_RANGE, 3},    {"12345678901234567", SAR_PIN_LEN_RANGE, 3},
         {"222222", SAR_PIN_INCORRECT, 2},   {userPin, SAR_OK, untouched},
         {"222222", SAR_PIN_INCORRECT, 2},   {"1111111", SAR_PIN_INCORRECT, 1},
         {"11111122", SAR_PIN_INCORRECT, 0}, {userPin, SAR_PIN_LOCKED, 0},
     };
+    const auto journal = directory.path() / "journal";
+    ASSERT_EQ(1, TembraSoftTokenSetJournal(journal.string().c_str()));
     for (const auto &step : steps) {
         SCOPED_TRACE(step.pin);
         ULONG left = untouched;
         EXPECT_EQ(step.result, showPin(USER_TYPE, step.pin, &left));
         if (step.result != SAR_OK) {
-            EXPECT_EQ(step.reported, left);
+            EXPECT_EQ(step.left, left);
         }
         close(); // and read the file anew
         open();
     }
-    ULONG left = untouched;
+    const auto unblock = [&](const char *pin, const char *newPin, ULONG *left = nullptr) {
+        return SKF_UnblockPIN(application, text(pin), text(newPin), left);
+    };
+    ULONG most = untouched, left = untouched;
+    BOOL isDefault = 0;
     EXPECT_EQ(SAR_PIN_LOCKED,
               SKF_ChangePIN(application, USER_TYPE, text(userPin), text("333333"), &left));
-    EXPECT_EQ(SAR_PIN_LEN_RANGE, SKF_UnblockPIN(application, text(adminPin), text("1"), nullptr));
-    EXPECT_EQ(SAR_PIN_INCORRECT,
-              SKF_UnblockPIN(application, text("87654321"), text("333333"), &left));
+    EXPECT_EQ(SAR_PIN_LEN_RANGE, unblock(adminPin, "1"));
+    EXPECT_EQ(SAR_PIN_INCORRECT, unblock("87654321", "333333", &left));
     EXPECT_EQ(9U, left);
-    EXPECT_EQ(1, isDefault());
-    EXPECT_EQ(SAR_OK, SKF_UnblockPIN(application, text(adminPin), text("333333"), nullptr));
-    EXPECT_EQ(0, isDefault());
-    EXPECT_EQ(3U, triesLeft(USER_TYPE));
-    EXPECT_EQ(10U, triesLeft(ADMIN_TYPE));
+    EXPECT_EQ(SAR_OK, SKF_GetPINInfo(application, USER_TYPE, nullptr, nullptr, &isDefault));
+    EXPECT_EQ(1, isDefault);
+    EXPECT_EQ(SAR_OK, unblock(adminPin, "333333"));
+    EXPECT_EQ(SAR_OK, SKF_GetPINInfo(application, USER_TYPE, &most, &left, &isDefault));
+    EXPECT_TRUE(most == 3 && left == 3 && isDefault == 0);
     EXPECT_EQ(SAR_PIN_INCORRECT, showPin(USER_TYPE, userPin));
     EXPECT_EQ(SAR_OK, showPin(USER_TYPE, "333333"));
     EXPECT_NE(SAR_OK, showPin(2, "333333")) << "neither user nor administrator";
+
+    TembraSoftTokenSetJournal(nullptr);
+    const std::string lines = readFile(journal);
+    EXPECT_NE(std::string::npos, lines.find("\"SKF_UnblockPIN\""));
+    for (const std::string pin : {userPin, adminPin, "333333"})
+        EXPECT_EQ(std::string::npos, lines.find('"' + pin + '"')) << lines;
 }
 
 TEST_F(TokenPins, ALoginIsSharedByTheApplicationsHandlesAndEndsWithTheLast) {
@@ -93,18 +94,12 @@ TEST_F(TokenPins, DeviceAuthenticationAnswersTheLastChallengeOnce) {
     std::array<BYTE, 16> block{};
     const std::array<BYTE, 16> key = {0x12, 0x34, 0x56, 0x78, 0x12, 0x34, 0x56, 0x78,
                                       0x12, 0x34, 0x56, 0x78, 0x12, 0x34, 0x56, 0x78};
-    const auto proof = [&] {
-        EXPECT_EQ(SAR_OK, SKF_GenRandom(device, block.data(), 8));
-        return *crypto::sm4EncryptBlock(key, block);
-    };
     EXPECT_NE(SAR_OK, SKF_DevAuth(device, block.data(), 16)) << "no challenge yet";
-    auto right = proof();
-    EXPECT_EQ(SAR_INDATALENERR, SKF_DevAuth(device, right.data(), 15));
-    EXPECT_EQ(SAR_OK, SKF_DevAuth(device, right.data(), 16));
-    EXPECT_NE(SAR_OK, SKF_DevAuth(device, right.data(), 16)) << "replayed";
-    auto wrong = proof();
-    wrong[15] ^= 1;
-    EXPECT_EQ(SAR_FAIL, SKF_DevAuth(device, wrong.data(), 16));
+    EXPECT_EQ(SAR_OK, SKF_GenRandom(device, block.data(), 8));
+    auto proof = *crypto::sm4EncryptBlock(key, block);
+    EXPECT_EQ(SAR_INDATALENERR, SKF_DevAuth(device, proof.data(), 15));
+    EXPECT_EQ(SAR_OK, SKF_DevAuth(device, proof.data(), 16));
+    EXPECT_NE(SAR_OK, SKF_DevAuth(device, proof.data(), 16)) << "replayed";
 }
 
 } // namespace

@@ -85,55 +85,48 @@ TEST_F(TokenProcesses, AKillAtAnyMomentLeavesATokenThatOpens) {
     }
 }
 
-TEST_F(TokenProcesses, TwoThatGenerateKeysAtOnceLoseNothing) {
-    constexpr int each = 15;
-    const auto generate = [&](const std::string &prefix) {
+TEST_F(TokenProcesses, ThatGenerateKeysInThreadsAtOnceLoseNothing) {
+    constexpr int each = 8;
+    const auto makeKeys = [&](const std::string &prefix) {
+        bool done = true;
+        for (int i = 0; i < each; ++i)
+            done &= makeKey(prefix + std::to_string(i));
+        return done;
+    };
+    const auto process = [&](const std::string &prefix) {
         return start([&, prefix] {
-            bool done = logIn();
-            for (int i = 0; i < each; ++i) {
-                done &= makeKey(prefix + std::to_string(i));
-            }
-            return done;
+            bool inThread = false;
+            const bool isLoggedIn = logIn();
+            std::thread thread([&] { inThread = makeKeys(prefix + "1."); });
+            const bool here = makeKeys(prefix + "2.");
+            thread.join();
+            return isLoggedIn && inThread && here;
         });
     };
-    const pid_t first = generate("a");
-    const pid_t second = generate("b");
+    const pid_t first = process("a"), second = process("b");
     EXPECT_EQ(0, statusOf(first));
     EXPECT_EQ(0, statusOf(second));
     open();
     EXPECT_TRUE(logIn());
-    EXPECT_EQ(2U * each, containers().size());
-    EXPECT_EQ(2U * each, soundKeys());
+    EXPECT_EQ(4U * each, containers().size());
+    EXPECT_EQ(4U * each, soundKeys());
 }
 
 TEST_F(TokenProcesses, AKillWinsNoFreeTriesAtThePin) {
     setVariable("TEMBRA_SOFT_TOKEN_PIN_ITERATIONS", "500000"); // long enough to be killed in
-    addApplication("SLOW", 2);
-    const auto inSlow = [&](const std::function<void(HAPPLICATION)> &body) {
-        HAPPLICATION opened = nullptr;
-        EXPECT_EQ(SAR_OK, SKF_OpenApplication(device, text("SLOW"), &opened));
-        body(opened);
-        SKF_CloseApplication(opened);
-        return true;
-    };
+    addApplication("SLOW");
     const auto triesLeft = [&] {
         ULONG left = 99;
         open();
-        inSlow([&](HAPPLICATION slow) {
-            EXPECT_EQ(SAR_OK, SKF_GetPINInfo(slow, USER_TYPE, nullptr, &left, nullptr));
-        });
+        EXPECT_EQ(SAR_OK, SKF_GetPINInfo(application, USER_TYPE, nullptr, &left, nullptr));
         close();
         return left;
     };
-    for (const ULONG before : {2U, 1U}) {
+    for (const ULONG before : {3U, 2U, 1U}) {
         ASSERT_EQ(before, triesLeft());
-        const pid_t child = start([&] {
-            return inSlow(
-                [](HAPPLICATION slow) { SKF_VerifyPIN(slow, USER_TYPE, text("222222"), nullptr); });
-        });
-        while (triesLeft() == before) {
+        const pid_t child = start([&] { return showPin(USER_TYPE, "222222") == SAR_OK; });
+        while (triesLeft() == before)
             std::this_thread::sleep_for(1ms);
-        }
         endByForce(child);
     }
     EXPECT_EQ(0U, triesLeft());
@@ -176,7 +169,7 @@ TEST_F(TokenProcesses, ALockedDeviceKeepsOthersFromChangesUntilItsHolderIsDone) 
 TEST_F(TokenProcesses, FilesAreTheirOwnersAlone) {
     const mode_t mask = ::umask(0);
     ASSERT_EQ(1, TembraSoftTokenSetJournal((directory.path() / "journal").c_str()));
-    addApplication("OTHER", 1); // writes the token's file anew
+    addApplication("OTHER"); // writes the token's file anew
     ::umask(mask);
     TembraSoftTokenSetJournal(nullptr);
     for (const auto &entry : std::filesystem::directory_iterator(directory.path())) {
