@@ -17,12 +17,9 @@ namespace {
 using Json = nlohmann::json;
 using testing::HasSubstr;
 
-constexpr std::uint32_t acted = 0;
-
-// A call as an exported function makes it; whether the body ran shows in the answer.
+// A call as an exported function makes it; 0 when its body ran.
 std::uint32_t callOf(const char *function) {
-    Call call(function);
-    return call.answer<std::uint32_t>(1, [] { return acted; });
+    return Call(function).answer<std::uint32_t>(1, [] { return 0U; });
 }
 
 class Journal : public testing::Test {
@@ -102,6 +99,8 @@ TEST_F(Journal, RecordsArgumentsAndResults) {
         call.secret("pin", "123456").outputs().number("len", 16);
         call.answer<std::uint32_t>(1, [] { return 0x0A00002Du; });
     }
+    EXPECT_EQ(setJournal((path / "below" / "a" / "file").string().c_str()), 0)
+        << "the old one stays";
     callOf("SKF_GenRandom");
     Call("SKF_EnumDev").answer<std::uint32_t>(0x0A00000E, []() -> std::uint32_t { throw 1; });
     Call("OrvelPKICryptoGetPseudoDevice").answer<void *>(nullptr, []() -> void * { throw 1; });
@@ -121,7 +120,6 @@ TEST_F(Journal, RecordsArgumentsAndResults) {
                                {"bytes", {{"len", 40}, {"hex", std::string(64, '1')}}},
                                {"pin", "***"}}));
     EXPECT_EQ(journal[0]["out"], (Json{{"len", 16}}));
-    EXPECT_GE(journal[0]["us"].get<int>(), 0);
     const Json expected[] = {{"SKF_GenRandom", "0x0A00002D", false},
                              {"SKF_GenRandom", "0x0A000001", true},
                              {"SKF_EnumDev", "0x0A00000E", false}, // the body threw, and below
@@ -131,14 +129,6 @@ TEST_F(Journal, RecordsArgumentsAndResults) {
         EXPECT_EQ(Json({line["function"], line["result"], line["planned"]}), expected[i]);
         EXPECT_EQ(line["seq"].get<std::size_t>(), journal[0]["seq"].get<std::size_t>() + i);
     }
-}
-
-TEST_F(Journal, UnusablePathKeepsTheOldOne) {
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(setJournal((path / "below" / "a" / "file").string().c_str()), 0);
-    EXPECT_FALSE(testing::internal::GetCapturedStderr().empty());
-    callOf("SKF_EnumDev");
-    EXPECT_EQ(lines().size(), 1U);
 }
 
 } // namespace tembra::door

@@ -66,8 +66,8 @@ protected:
             EXPECT_EQ(result, function.call(handle, none)) << function.name;
     }
     void expectAll(ULONG result) {
-        for (const Kind &kind : kinds)
-            expectAll(kind.functions, kind.handle, result);
+        for (const auto &[handle, functions] : kinds)
+            expectAll(functions, handle, result);
     }
 
     HCONTAINER container = nullptr;
@@ -76,11 +76,7 @@ protected:
     HANDLE unused = nullptr;
 
     // Every function that takes a handle, but for those that close or unlock.
-    struct Kind {
-        const HANDLE &handle;
-        std::vector<Function> functions;
-    };
-    const Kind kinds[5] = {
+    const std::pair<const HANDLE &, std::vector<Function>> kinds[5] = {
         {device,
          {SKF(LockDev), SKF(GetDevInfo), SKF(EnumApplication), SKF(OpenApplication), SKF(GenRandom),
           madeUp("DevAuth", SKF_DevAuth, 16), madeUp("SetSymmKey", SKF_SetSymmKey, SGD_SMS4_ECB),
@@ -106,9 +102,9 @@ TEST_F(TokenHandles, NeverOpenedOrOfAnotherKindAreRefused) {
     int local = 0;
     for (const HANDLE wrong : {HANDLE{nullptr}, HANDLE{&local}, reinterpret_cast<HANDLE>(-1),
                                device, application, container, key, digest}) {
-        for (const Kind &kind : kinds) {
-            if (wrong != kind.handle)
-                expectAll(kind.functions, wrong, SAR_INVALIDHANDLEERR);
+        for (const auto &[right, functions] : kinds) {
+            if (wrong != right)
+                expectAll(functions, wrong, SAR_INVALIDHANDLEERR);
         }
     }
     const std::vector<Function> closing = {SKF(UnlockDev), SKF(DisConnectDev),
@@ -120,10 +116,10 @@ TEST_F(TokenHandles, NeverOpenedOrOfAnotherKindAreRefused) {
 
 TEST_F(TokenHandles, PointersThatAreNullAreRefused) {
     std::string accepted;
-    for (const Kind &kind : kinds) {
-        for (const Function &function : kind.functions) {
+    for (const auto &[handle, functions] : kinds) {
+        for (const Function &function : functions) {
             for (int pointer = 0; pointer < function.pointers; ++pointer) {
-                if (function.call(kind.handle, pointer) != SAR_INVALIDPARAMERR)
+                if (function.call(handle, pointer) != SAR_INVALIDPARAMERR)
                     accepted += function.name + (" " + std::to_string(pointer)) + ", ";
             }
         }
@@ -145,7 +141,7 @@ TEST_F(TokenHandles, PointersThatAreNullAreRefused) {
 TEST_F(TokenHandles, GoStaleWithWhatTheyStandForAndStillCloseOnce) {
     EXPECT_EQ(SAR_OK, SKF_DeleteContainer(application, text("container")));
     EXPECT_EQ(SAR_OK, SKF_CloseContainer(create("container"))); // a new one of the same name
-    expectAll(kinds[2].functions, container, SAR_INVALIDHANDLEERR);
+    expectAll(kinds[2].second, container, SAR_INVALIDHANDLEERR);
     EXPECT_EQ(SAR_OK, SKF_CloseContainer(container));
     EXPECT_EQ(SAR_INVALIDHANDLEERR, SKF_CloseContainer(container));
     container = openContainer("container");
@@ -165,7 +161,6 @@ TEST_F(TokenHandles, OfATokenThatIsUnpluggedStayDeadWhenItIsBack) {
     TearDown();
     close();
     open();
-    EXPECT_EQ(SAR_USER_NOT_LOGGED_IN, SKF_CreateContainer(application, text("x"), &unused));
     EXPECT_EQ(SAR_OK, TembraSoftTokenRemove(name.c_str()));
     EXPECT_EQ(SAR_DEVICE_REMOVED, SKF_ClearSecureState(application));
     EXPECT_TRUE(std::filesystem::is_empty(directory.path())) << "nothing is left behind";

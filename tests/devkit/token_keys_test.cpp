@@ -57,8 +57,10 @@ TEST_F(TokenKeys, LengthsAreCheckedAndALoginIsAskedFor) {
     EXPECT_EQ(SAR_KEYNOTFOUNTERR, decryptRsa(rsa, 0, 128));
     EXPECT_EQ(SAR_INDATALENERR, decryptRsa(rsa, 1, 127));
     EXPECT_EQ(SAR_DECRYPTPADERR, decryptRsa(rsa, 1, 128));
+    out.assign(128, 0);
     EXPECT_EQ(SAR_BUFFER_TOO_SMALL, signRsa(rsa, 117, 127));
     EXPECT_EQ(128U, length);
+    EXPECT_EQ(Bytes(128), out) << "a buffer that is too short stays untouched";
     ENVELOPEDKEYBLOB envelope = {};
     EXPECT_EQ(SAR_KEYNOTFOUNTERR, SKF_ImportECCKeyPair(create("keyless"), &envelope));
     EXPECT_EQ(SAR_OK, SKF_ClearSecureState(application));

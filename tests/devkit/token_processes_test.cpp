@@ -5,7 +5,7 @@
 
 #include <chrono>
 #include <csignal>
-#include <functional>
+#include <future>
 #include <random>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -22,7 +22,7 @@ protected:
     // Nothing is open when the process forks, so the child starts as a process of its own would.
     TokenProcesses() { close(); }
 
-    pid_t start(const std::function<bool()> &body) {
+    pid_t start(auto body) {
         const pid_t child = ::fork();
         if (child == 0) {
             open();
@@ -53,13 +53,11 @@ protected:
         std::size_t keys = 0;
         for (const std::string &container : containers()) {
             const HCONTAINER opened = openContainer(container);
-            ULONG type = 0;
             BYTE digest[32] = {};
             ECCSIGNATUREBLOB signature = {};
-            EXPECT_EQ(SAR_OK, SKF_GetContainerType(opened, &type));
-            EXPECT_EQ(type == CONTAINER_TYPE_ECC ? SAR_OK : SAR_KEYNOTFOUNTERR,
-                      SKF_ECCSignData(opened, digest, 32, &signature));
-            keys += type == CONTAINER_TYPE_ECC ? 1 : 0;
+            const ULONG result = SKF_ECCSignData(opened, digest, 32, &signature);
+            EXPECT_TRUE(result == SAR_OK || result == SAR_KEYNOTFOUNTERR) << result;
+            keys += result == SAR_OK;
         }
         return keys;
     }
@@ -95,12 +93,9 @@ TEST_F(TokenProcesses, ThatGenerateKeysInThreadsAtOnceLoseNothing) {
     };
     const auto process = [&](const std::string &prefix) {
         return start([&, prefix] {
-            bool inThread = false;
             const bool isLoggedIn = logIn();
-            std::thread thread([&] { inThread = makeKeys(prefix + "1."); });
-            const bool here = makeKeys(prefix + "2.");
-            thread.join();
-            return isLoggedIn && inThread && here;
+            auto other = std::async(std::launch::async, makeKeys, prefix + "1.");
+            return makeKeys(prefix + "2.") && other.get() && isLoggedIn;
         });
     };
     const pid_t first = process("a"), second = process("b");
@@ -148,7 +143,6 @@ TEST_F(TokenProcesses, ALockedDeviceKeepsOthersFromChangesUntilItsHolderIsDone) 
     EXPECT_EQ('y', held);
     open();
     EXPECT_EQ(Names{"held"}, containers()) << "reading goes on";
-    EXPECT_NE(SAR_OK, SKF_LockDev(device, 0));
     const auto startTime = std::chrono::steady_clock::now();
     EXPECT_NE(SAR_OK, SKF_LockDev(device, 50));
     EXPECT_LE(50ms, std::chrono::steady_clock::now() - startTime);
