@@ -1,7 +1,6 @@
 // One entry point at a time: against the raw call, the floor and the bare writes of its lines.
 #include "entry_points.h"
 #include "pairing.h"
-#include "rows.h"
 
 namespace tembra::bench {
 

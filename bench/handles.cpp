@@ -1,6 +1,5 @@
 // Hash handles by the number of live ones, silent.
 #include "pairing.h"
-#include "rows.h"
 #include "session.h"
 
 #include <algorithm>

@@ -1,7 +1,6 @@
 #include "log/hex.h"
 
 #include "pairing.h"
-#include "rows.h"
 
 namespace tembra::bench {
 

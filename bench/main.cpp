@@ -1,7 +1,6 @@
 // The benchmarks of the provider. Beside Google Benchmark's options, --rounds=N says how often
 // everything is measured (1 to see only that it runs).
 #include "pairing.h"
-#include "rows.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -12,7 +12,12 @@
 
 namespace tembra::bench {
 
-// A benchmark that is measured so often.
+// The benchmarks by subject; rounds is how often each is measured.
+void registerCalls(int rounds);   // one entry point at a time
+void registerThreads(int rounds); // several threads at once
+void registerHandles(int rounds); // hash handles by the number of live ones
+void registerHex(int rounds);     // hex texts
+
 template <typename Measure>
 void add(const std::string &name, int rounds, Measure measure) {
     benchmark::RegisterBenchmark(name.c_str(), measure)->Iterations(rounds)->UseManualTime();

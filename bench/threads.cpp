@@ -1,7 +1,6 @@
 // Several threads at once: time is elapsed time by all the calls that were made in it.
 #include "entry_points.h"
 #include "pairing.h"
-#include "rows.h"
 
 #include <thread>
 
