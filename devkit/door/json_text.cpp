@@ -6,7 +6,7 @@ namespace tembra::door {
 
 namespace {
 
-constexpr char digits[] = "0123456789abcdef";
+constexpr char hexDigits[] = "0123456789abcdef";
 
 unsigned char byteAt(std::string_view text, std::size_t at) {
     return static_cast<unsigned char>(text[at]);
@@ -39,8 +39,8 @@ void appendAscii(std::string &out, char c) {
         out += c;
     } else {
         out += "\\u00";
-        out += digits[static_cast<unsigned char>(c) >> 4];
-        out += digits[static_cast<unsigned char>(c) & 0x0F];
+        out += hexDigits[static_cast<unsigned char>(c) >> 4];
+        out += hexDigits[static_cast<unsigned char>(c) & 0x0F];
     }
 }
 
@@ -64,8 +64,8 @@ std::string jsonText(std::string_view text) {
 std::string jsonHex(std::span<const std::uint8_t> bytes, std::size_t limit) {
     std::string out = "\"";
     for (const std::uint8_t byte : bytes.first(std::min(limit, bytes.size()))) {
-        out += digits[byte >> 4];
-        out += digits[byte & 0x0F];
+        out += hexDigits[byte >> 4];
+        out += hexDigits[byte & 0x0F];
     }
     return out + "\"";
 }

@@ -5,17 +5,17 @@ namespace tembra::tool {
 
 namespace {
 
-std::string quoted(const std::string &text) {
+std::string fishQuoted(const std::string &text) {
     return "'" + escaped(text, "'\\") + "'";
 }
 
 // What stands in an option's place, for `complete`.
-std::string valueOf(const OptionWords &option) {
+std::string fishValue(const OptionWords &option) {
     switch (option.kind) {
     case ValueKind::none: return "";
     case ValueKind::file: return " -rF";
     case ValueKind::variable: return " -xa '(set -nx)'";
-    case ValueKind::choice: return " -xa " + quoted(option.value);
+    case ValueKind::choice: return " -xa " + fishQuoted(option.value);
     default: return " -x";
     }
 }
@@ -25,18 +25,18 @@ std::string lines(const CommandWords &command, bool isTool) {
     const std::string here = "complete -c tembrakey -n '__tembrakey_at " + command.name + "'";
     std::string text;
     for (const auto &[name, help] : command.subcommands)
-        text += here + " -a " + name + " -d " + quoted(help) + "\n";
+        text += here + " -a " + name + " -d " + fishQuoted(help) + "\n";
     for (const OptionWords &option : command.options) {
         if (option.names.empty() && option.kind == ValueKind::file)
             text += here + " -F\n";
         if (option.names.empty() && option.kind == ValueKind::choice)
-            text += here + " -a " + quoted(option.value) + "\n";
+            text += here + " -a " + fishQuoted(option.value) + "\n";
         if (option.names.empty())
             continue;
         text += isTool ? "complete -c tembrakey" : here;
         for (const std::string &name : option.names)
             text += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
-        text += valueOf(option) + " -d " + quoted(option.help) + "\n";
+        text += fishValue(option) + " -d " + fishQuoted(option.help) + "\n";
     }
     return text;
 }

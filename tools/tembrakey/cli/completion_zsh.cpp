@@ -6,7 +6,7 @@ namespace tembra::tool {
 namespace {
 
 // Within single quotes, where a quote ends them and begins them anew.
-std::string quoted(const std::string &text) {
+std::string zshQuoted(const std::string &text) {
     std::string result = "'";
     for (const char c : text)
         result += c == '\'' ? std::string("'\\''") : std::string(1, c);
@@ -14,7 +14,7 @@ std::string quoted(const std::string &text) {
 }
 
 // What stands in an option's place, for `_arguments`: its name, and what offers it.
-std::string valueOf(const OptionWords &option) {
+std::string zshValue(const OptionWords &option) {
     switch (option.kind) {
     case ValueKind::none: return "";
     case ValueKind::file: return ":" + option.value + ":_files";
@@ -34,12 +34,12 @@ std::string optionSpecs(const CommandWords &command) {
         for (const std::string &name : option.names) {
             const bool isLong = name.starts_with("--") && option.kind != ValueKind::none;
             lines += "            " +
-                     quoted("(" + all + ")" + name + (isLong ? "=" : "") + "[" +
-                            escaped(option.help, "[]:\\") + "]" + valueOf(option)) +
+                     zshQuoted("(" + all + ")" + name + (isLong ? "=" : "") + "[" +
+                               escaped(option.help, "[]:\\") + "]" + zshValue(option)) +
                      "\n";
         }
         if (option.names.empty())
-            lines += "            " + quoted(valueOf(option)) + "\n";
+            lines += "            " + zshQuoted(zshValue(option)) + "\n";
     }
     return lines;
 }
@@ -47,7 +47,7 @@ std::string optionSpecs(const CommandWords &command) {
 std::string subcommands(const CommandWords &command) {
     std::string lines;
     for (const auto &[name, help] : command.subcommands)
-        lines += "            " + quoted(name + ":" + escaped(help, ":\\")) + "\n";
+        lines += "            " + zshQuoted(name + ":" + escaped(help, ":\\")) + "\n";
     return lines;
 }
 
@@ -59,7 +59,7 @@ std::string zshCompletion(const CLI::App &app) {
     for (std::size_t i = 0; i < commands.size(); ++i) {
         const std::string list = subcommands(commands[i]);
         const std::string specs = i > 0 ? optionSpecs(commands[i]) : std::string();
-        cases += "    (" + quoted(commands[i].name) + ")\n";
+        cases += "    (" + zshQuoted(commands[i].name) + ")\n";
         if (!list.empty())
             cases += "        subcommands=(\n" + list + "        )\n";
         if (!specs.empty())

@@ -8,8 +8,6 @@ namespace tembra::tool {
 
 namespace {
 
-constexpr std::size_t blockSize = 16;
-
 struct CipherName {
     const char *name;
     int algorithm;

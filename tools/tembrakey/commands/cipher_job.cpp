@@ -9,8 +9,6 @@ namespace tembra::tool {
 
 namespace {
 
-constexpr std::size_t blockSize = 16;
-
 // The cipher handle between two files. What does not fill a block waits for the end; so does the
 // last decrypted block when it ends in padding.
 class CipherJob {

@@ -9,6 +9,9 @@
 
 namespace tembra::tool {
 
+// Of all the ciphers, and of their keys and initialisation vectors; bytes.
+constexpr std::size_t blockSize = 16;
+
 // The arguments that describe a raw key and its cipher.
 class CipherChoice {
 public:

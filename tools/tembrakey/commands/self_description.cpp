@@ -3,15 +3,9 @@
 #include "tembrakey/cli/man_page.h"
 #include "tembrakey/commands/commands.h"
 
-#include <cstdio>
-
 namespace tembra::tool {
 
 namespace {
-
-void print(const std::string &text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-}
 
 class Completion final : public Command {
 public:
@@ -22,7 +16,7 @@ public:
         const auto write = shell_ == "bash"  ? &bashCompletion
                            : shell_ == "zsh" ? &zshCompletion
                                              : &fishCompletion;
-        print(write(*context.app));
+        Console::write(write(*context.app));
     }
 
 private:
@@ -32,7 +26,7 @@ private:
 class Man final : public Command {
 public:
     void describe(Arguments &) override {}
-    void run(Context &context) override { print(manPage(*context.app)); }
+    void run(Context &context) override { Console::write(manPage(*context.app)); }
 };
 
 } // namespace

@@ -27,10 +27,6 @@ crypto::ByteView asBytes(std::string_view text) {
     return {reinterpret_cast<const std::uint8_t *>(text.data()), text.size()};
 }
 
-void print(std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-}
-
 std::vector<std::string> split(const std::string &list) {
     std::vector<std::string> parts;
     for (std::size_t at = 0; at < list.size();) {
@@ -168,7 +164,7 @@ void Trace::printJson(const trace::Filter &wanted) const {
     const auto line = [](const auto &write, const auto &...values) {
         trace::JsonText json;
         write(json, values...);
-        print(json.text() + "\n");
+        Console::write(json.text() + "\n");
     };
     const trace::Summary summary =
         read(trace::Mask::pins,
@@ -196,18 +192,20 @@ void Trace::printText(const trace::Filter &wanted) const {
                                             wanted, [&](trace::Call &&call) { collect(call); },
                                             [](std::uint64_t, std::string_view) {}),
                                         "Looking for errors");
-    print(trace::summaryText(summary, &tr) + "\n");
+    Console::write(trace::summaryText(summary, &tr) + "\n");
     if (count > 0)
-        print("\n" + std::string(tr("Calls with errors")) + "\n" + failures);
+        Console::write("\n" + std::string(tr("Calls with errors")) + "\n" + failures);
     if (count > mostFailures)
-        print(tr("... and {1} more", {trace::grouped(count - mostFailures)}) + "\n");
-    print("\n" + std::string(tr(errorsOnly_ ? "These calls in full" : "All calls")) + "\n");
-    read(
-        trace::Mask::pins,
-        Funnel(
-            wanted, [&](trace::Call &&call) { print(listing.whole(call)); },
-            [&](std::uint64_t line, std::string_view text) { print(listing.foreign(line, text)); }),
-        "Reading");
+        Console::write(tr("... and {1} more", {trace::grouped(count - mostFailures)}) + "\n");
+    Console::write("\n" + std::string(tr(errorsOnly_ ? "These calls in full" : "All calls")) +
+                   "\n");
+    read(trace::Mask::pins,
+         Funnel(
+             wanted, [&](trace::Call &&call) { Console::write(listing.whole(call)); },
+             [&](std::uint64_t line, std::string_view text) {
+                 Console::write(listing.foreign(line, text));
+             }),
+         "Reading");
 }
 
 void Trace::run(Context &context) {

@@ -22,6 +22,10 @@ void Console::result(const Record &record, const std::string &text) const {
     print(stdout, json_ ? toJson(record) : text);
 }
 
+void Console::write(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
 void Console::note(const std::string &text) const {
     if (!json_)
         print(stderr, text);

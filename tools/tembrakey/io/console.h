@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "crypto/bytes.h"
 #include "tembrakey/cli/failure.h"
@@ -17,6 +18,9 @@ public:
 
     // The result: the record with --json, else the text, which needs no line end.
     void result(const Record &record, const std::string &text) const;
+
+    // A stretch of a long result, as it is.
+    static void write(std::string_view text);
 
     // Only for people, on standard error; silent with --json.
     void note(const std::string &text) const;

@@ -11,7 +11,7 @@ namespace {
     "提供者的跟踪日志从级别 3（信息，即默认级别）起会以明文记录 PIN：\n" \
     "将 TEMBRA_KEY_PROV_LOG_LEVEL 设为 2 或更小即可避免。"
 
-const Translation texts[] = {
+const Translation helpTexts[] = {
     // the pages' words
     {"Usage", "用法"},
     {"Positionals", "参数"},
@@ -201,7 +201,7 @@ const Translation texts[] = {
 } // namespace
 
 std::span<const Translation> chineseHelp() {
-    return texts;
+    return helpTexts;
 }
 
 } // namespace tembra::tool

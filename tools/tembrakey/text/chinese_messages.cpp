@@ -4,7 +4,7 @@ namespace tembra::tool {
 
 namespace {
 
-const Translation texts[] = {
+const Translation messages[] = {
     // the command line
     {"There is no {1} here", "此处没有 {1}"},
     {"(see {1} --help)", "（见 {1} --help）"},
@@ -175,7 +175,7 @@ const Translation texts[] = {
 } // namespace
 
 std::span<const Translation> chineseMessages() {
-    return texts;
+    return messages;
 }
 
 } // namespace tembra::tool

@@ -4,7 +4,7 @@ namespace tembra::tool {
 
 namespace {
 
-const Translation texts[] = {
+const Translation traceTexts[] = {
     // the command line
     {"Read a trace log: calls, durations, errors first; or mask it",
      "读取跟踪日志：调用、耗时、错误在前；或将其脱敏"},
@@ -121,7 +121,7 @@ const Translation texts[] = {
 } // namespace
 
 std::span<const Translation> chineseTrace() {
-    return texts;
+    return traceTexts;
 }
 
 } // namespace tembra::tool
