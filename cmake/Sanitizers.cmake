@@ -12,3 +12,11 @@ elseif(TEMBRA_SANITIZE STREQUAL "coverage")
 elseif(NOT TEMBRA_SANITIZE STREQUAL "")
   message(FATAL_ERROR "TEMBRA_SANITIZE must be address, thread, coverage or empty")
 endif()
+
+# What fault loops and fuzzers run a million times is optimised where the rest, which is compiled
+# far more often than it runs, is not.
+function(tembra_runs_often target)
+  if(TEMBRA_SANITIZE MATCHES "address|thread")
+    target_compile_options(${target} PRIVATE -O1)
+  endif()
+endfunction()

@@ -9,7 +9,7 @@ cd "$root"
 # Compilations are cached between build trees and clones where ccache is at hand.
 if command -v ccache >/dev/null; then
     export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
-    export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
+    export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
 fi
 
 # say TEXT: a line a reader can follow the script by.
