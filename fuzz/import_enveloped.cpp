@@ -8,9 +8,6 @@ using namespace tembra::fuzz;
 
 namespace {
 
-const test::ContainerModel containers[] = {test::ecc("c", true, false),
-                                           test::rsa("c", 1024, true, false),
-                                           test::rsa("c", 2048, true, true)};
 const ULONG answers[] = {SAR_OK,     SAR_OK,     SAR_OK, SAR_USER_NOT_LOGGED_IN, 0x0A00000D,
                          0x0A00001E, 0x0B000033, 1,      SAR_DEVICE_REMOVED};
 
@@ -56,7 +53,7 @@ void checkShare(const ExactBlock &blob) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     Input input(data, size);
     ProviderRun run(input);
-    insertToken({input.pick(containers)});
+    insertTokenForImports(input);
     const OneDevice device;
     const char *import = input.byte() & 1u ? "SKF_ImportRSAKeyPair" : "SKF_ImportECCKeyPair";
     if (const ULONG answer = input.pick(answers))

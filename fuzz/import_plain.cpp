@@ -10,9 +10,6 @@ using namespace tembra::fuzz;
 
 namespace {
 
-const test::ContainerModel containers[] = {test::ecc("c", true, false),
-                                           test::rsa("c", 1024, true, false),
-                                           test::rsa("c", 2048, true, true)};
 const ULONG capabilities[] = {SGD_SM1_ECB, SGD_SSF33_ECB, SGD_SMS4_ECB, 0x00000001, 0x00000400};
 
 } // namespace
@@ -20,7 +17,7 @@ const ULONG capabilities[] = {SGD_SM1_ECB, SGD_SSF33_ECB, SGD_SMS4_ECB, 0x000000
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     Input input(data, size);
     ProviderRun run(input);
-    insertToken({input.pick(containers)});
+    insertTokenForImports(input);
     test::script().memory.devices.front().info.AlgSymCap = input.pick(capabilities);
     const OneDevice device;
     test::allowPlainRsa(input.byte() & 1u ? 2048 : 1024);

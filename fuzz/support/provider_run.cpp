@@ -61,6 +61,13 @@ test::ApplicationModel &insertToken(std::initializer_list<test::ContainerModel> 
     return application;
 }
 
+void insertTokenForImports(Input &input) {
+    const test::ContainerModel containers[] = {test::ecc("c", true, false),
+                                               test::rsa("c", 1024, true, false),
+                                               test::rsa("c", 2048, true, true)};
+    insertToken({input.pick(containers)});
+}
+
 OneDevice::OneDevice() : set_(DeviceGetAllDevices()), device_(DeviceGetDevice(set_, 0)) {
     require(device_ != nullptr, "the token is not found");
 }

@@ -39,6 +39,9 @@ private:
 // A device with one application, "app", that holds these containers.
 test::ApplicationModel &insertToken(std::initializer_list<test::ContainerModel> containers);
 
+// The same with a container, "c", that has a signature key of any kind.
+void insertTokenForImports(Input &input);
+
 // The device of the only token, discovered; given back at the end of the object's life.
 class OneDevice {
 public:

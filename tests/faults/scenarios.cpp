@@ -160,7 +160,11 @@ void updateCertificates(Session &s) {
             s.got("DeviceGetCertificate", [&](unsigned char *out, int size, int *length) {
                 return DeviceGetCertificate(pair, 0, out, size, length);
             });
+        const ContainerModel &kept =
+            script().memory.devices.front().applications.front().containers.front();
         s.did("DeviceGetCertificate", read == longer);
+        s.did("DeviceUpdateCertificate",
+              (type == sign ? kept.signCertificate : kept.encryptCertificate) == longer);
     }
 }
 

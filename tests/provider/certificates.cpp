@@ -38,22 +38,6 @@ TEST_F(Certificates, BelongToTheKindOfTheirPair) {
     EXPECT_EQ(trace().failures(), errors("DeviceGetCertificate", "len <= 0"));
 }
 
-TEST_F(Certificates, AreUpdatedOnTheTokenAndInMemory) {
-    ContainerModel model = ecc("both", true, true);
-    model.signCertificate = {1, 2, 3};
-    ApplicationModel &application = insert({model});
-    const Bytes longer = {9, 8, 7, 6, 5};
-    for (const int type : {2, 1}) {
-        SPI_KEYPAIR_HANDLE handle = pair("both", type);
-        EXPECT_EQ(DeviceUpdateCertificate(handle, longer.data(), 5), 1);
-        EXPECT_EQ(script().SKF_ImportCertificate.argument<1>(), type == 2);
-        EXPECT_EQ(DeviceGetCertificateCount(handle), 1);
-        EXPECT_EQ(certificateOf(handle), longer);
-    }
-    EXPECT_EQ(application.containers.front().signCertificate, longer);
-    EXPECT_EQ(application.containers.front().encryptCertificate, longer);
-}
-
 TEST_F(Certificates, KeepTheOldOneWhenTheUpdateFails) {
     ContainerModel model = ecc("sm2", true, false);
     model.signCertificate = {1, 2, 3};

@@ -116,24 +116,5 @@ TEST_F(Decrypt, RsaNeedsNoHashAndASufficientBuffer) {
     EXPECT_EQ(cleared(), masked(0, 20));
 }
 
-// A length beyond the buffer that the token was given must never become a copy.
-TEST_F(Decrypt, LyingTokensAreRefused) {
-    for (const ULONG size : {6u, 102u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
-        script().SKF_ECCDecrypt.run([size](auto, auto, auto, auto, ULONG *out) {
-            *out = size;
-            return SAR_OK;
-        });
-        EXPECT_EQ(decrypt(sm2, sm2Algo, &sm3, 102, 600), 0) << size;
-    }
-    for (const ULONG size : {513u, 0x80000000u, 0xFFFFFFFFu}) {
-        script().SKF_RSADecrypt.run([size](auto, auto, auto, ULONG, BYTE *, ULONG *out) {
-            EXPECT_EQ(*out, 512u);
-            *out = size;
-            return SAR_OK;
-        });
-        EXPECT_EQ(decrypt(rsaPair, rsaAlgo, nullptr, 102, 600), 0) << size;
-    }
-}
-
 } // namespace
 } // namespace tembra::test

@@ -1,6 +1,5 @@
 // Whole sessions over the development kit: real cryptography, real files, also as DLLs.
 #include "kit_test.h"
-#include "leaks.h"
 #include "typical_session.h"
 
 #include <algorithm>
@@ -103,61 +102,6 @@ TEST_F(KitSession, KeysNeedALoginAndLast) {
                          signature.data(), 80, &length),
               -8);
     EXPECT_EQ(DeviceUpdateCertificate(find("k", 2), certificate.data(), 5), -8);
-}
-
-TEST_F(KitSession, DeletionAsksForALoginAndGoesThrough) {
-    const KeptByContract kept;
-    logIn();
-    generate("k", ORVEL_PKI_ALGORITHM_ECC, 256);
-    discover();
-    EXPECT_EQ(DeviceDeleteKeypair(find("k", 2)), -8);
-    logIn();
-    EXPECT_EQ(DeviceDeleteKeypair(find("k", 2)), 1);
-    EXPECT_EQ(DeviceGetKeypairCount(device), 0);
-    discover();
-    EXPECT_EQ(DeviceGetKeypairCount(device), 0);
-    keepsDevice = true;
-}
-
-TEST_F(KitSession, PinsLockAndUnblock) {
-    int tries = 77;
-    EXPECT_EQ(DeviceVerifyPwd(device, 1, "short", &tries), -19);
-    EXPECT_EQ(DeviceVerifyPwd(device, 1, "wrong-pin", &tries), -5);
-    EXPECT_EQ(tries, 2);
-    EXPECT_EQ(DeviceChangePwd(device, 1, userPin, "second-pin", &tries), 1);
-    EXPECT_EQ(DeviceVerifyPwd(device, 1, "second-pin", &tries), 1);
-    for (int i = 0; i < 3; ++i)
-        EXPECT_NE(DeviceVerifyPwd(device, 1, "wrong-pin", &tries), 1);
-    EXPECT_EQ(DeviceGetPwdRetryNum(device, 1, &tries), 1);
-    EXPECT_EQ(tries, 0);
-    EXPECT_EQ(DeviceVerifyPwd(device, 1, "second-pin", &tries), 0) << "locked";
-    EXPECT_EQ(DeviceUnlockPwd(device, 1, adminPin, "third-pin", &tries), 1);
-    EXPECT_EQ(DeviceVerifyPwd(device, 1, "third-pin", &tries), 1);
-    EXPECT_EQ(DeviceVerifyPwd(device, 2, adminPin, &tries), 1);
-    EXPECT_EQ(DeviceVerifyPwd(device, 3, "12345678123456781234567812345678", &tries), 1);
-    EXPECT_EQ(DeviceVerifyPwd(device, 3, "22345678123456781234567812345678", &tries), -5);
-}
-
-TEST_F(KitSession, DataObjectsKeepTheirRightsAndBytes) {
-    logIn();
-    const char userOnly[] = {3, 0, 3};
-    EXPECT_EQ(DeviceCreateData(device, 7, userOnly, 100), 1);
-    EXPECT_EQ(DeviceCreateData(device, 7, userOnly, 100), -6);
-    const Bytes data = {1, 2, 3, 4, 5};
-    EXPECT_EQ(DeviceWriteDataEx(device, 7, 95, data.data(), 5), 1);
-    discover();
-    Bytes read(10);
-    int length = 0;
-    EXPECT_EQ(DeviceReadDataEx(device, 7, 95, read.data(), 10, &length), -8);
-    EXPECT_EQ(DeviceWriteDataEx(device, 7, 0, data.data(), 5), -8);
-    logIn();
-    EXPECT_EQ(DeviceReadDataEx(device, 7, 95, read.data(), 10, &length), 1);
-    read.resize(static_cast<std::size_t>(length));
-    EXPECT_EQ(read, data);
-    EXPECT_EQ(DeviceReadDataEx(device, 7, 100, read.data(), 5, &length), 1);
-    EXPECT_EQ(length, 0);
-    EXPECT_EQ(DeviceDeleteData(device, 7), 1);
-    EXPECT_EQ(DeviceReadDataEx(device, 7, 0, read.data(), 5, &length), -7);
 }
 
 } // namespace

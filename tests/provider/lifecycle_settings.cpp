@@ -164,19 +164,10 @@ TEST_F(Settings, AreReadInEveryFormTheEditorWrites) {
     EXPECT_EQ(init(around), expected) << "other sections around";
 }
 
-TEST_F(Settings, SurviveDamagedFiles) {
-    for (const std::string &file :
-         {section.substr(0, section.size() - 3), section + "\"HasSM3\"", section + "\"HasSM3",
-          section + "\"HasSM3\"=", section + "\"HasSM3\"=dword:", section + "\"HasSM3\"=dword:xyz",
-          section + "\"HasSM3\"=\"open", section + "\"HasSM3\"=hex:0",
-          section + "\"HasSM3\"=hex:\\", section + "\"HasSM3\"=hex(b:1",
-          section + "\"HasSM3\"=hexadecimal", section + "\"HasSM3\" 1",
-          section + "\"HasSM3\"=\"\\\"\"", section + "HasSM3=dword:1", std::string("\xFF\xFE"),
-          std::string("\xFF\xFE["), section + std::string(100000, 'x'),
-          section + '\0' + "\"HasSM4\"=dword:1", utf16(section).substr(0, 101)})
-        EXPECT_EQ(init(file).back(), info("DeviceInit", "isSupportGDKMSM2Import : 0")) << file;
+// Damaged files are the fuzzer's; this one may not be there at all.
+TEST_F(Settings, ComeFromTheSystemsFileUnlessToldOtherwise) {
     EXPECT_EQ(DeviceEnd(), 1);
-    setVariable("TEMBRA_KEY_PROV_REGISTRY", std::nullopt); // the file of the system, if any
+    setVariable("TEMBRA_KEY_PROV_REGISTRY", std::nullopt);
     EXPECT_EQ(DeviceInit(), 1);
 }
 

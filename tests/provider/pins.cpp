@@ -110,19 +110,5 @@ TEST_F(Pins, DeviceAuthenticationRefusesOtherTexts) {
     }
 }
 
-// What the token reports must not be read from beyond the 16 bytes it was given.
-TEST_F(Pins, DeviceAuthenticationDistrustsLengths) {
-    for (const ULONG size : {17u, 4096u, 0xFFFFFFFFu}) {
-        script().SKF_Encrypt.run([size](auto, auto, auto, BYTE *, ULONG *out) {
-            *out = size;
-            return SAR_OK;
-        });
-        script().SKF_DevAuth.run([](DEVHANDLE, BYTE *bytes, ULONG length) {
-            return Bytes(bytes, bytes + length).size() > 16 ? SAR_OK : SAR_FAIL; // reads them all
-        });
-        EXPECT_NE(DeviceVerifyPwd(device, 3, std::string(32, '1').c_str(), nullptr), 1);
-    }
-}
-
 } // namespace
 } // namespace tembra::test
