@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <future>
 #include <map>
 #include <random>
@@ -18,7 +20,6 @@ namespace tembra::test {
 namespace {
 
 constexpr const char *label = "steady";
-constexpr int notLoggedIn = -8;
 constexpr int sm3 = ORVEL_PKI_ALGORITHM_SM3;
 
 // What the threads have done, to be found again in the trace.
@@ -62,7 +63,7 @@ public:
     template <typename Call>
     static int loggedIn(SPI_DEVICE_HANDLE on, Call call) {
         int result = call();
-        for (int tries = 0; result == notLoggedIn && tries < 1000; ++tries) {
+        for (int tries = 0; result == ORVEL_PKI_NOTLOGGEDIN && tries < 1000; ++tries) {
             EXPECT_EQ(DeviceVerifyPwd(on, TEMBRA_PWD_USER, userPin, nullptr), 1);
             result = call();
         }
@@ -119,9 +120,8 @@ public:
     void serveOnce() {
         Bytes buffer(64);
         EXPECT_EQ(DeviceGenerateRandom(device, 64, buffer.data()), 1);
-        const int written =
-            loggedIn(device, [&] { return DeviceWriteDataEx(device, 7, 0, buffer.data(), 64); });
-        EXPECT_EQ(written, 1);
+        const auto write = [&] { return DeviceWriteDataEx(device, 7, 0, buffer.data(), 64); };
+        EXPECT_EQ(loggedIn(device, write), 1);
         EXPECT_EQ(DeviceIsSupportedAlgorithm2(device, ORVEL_PKI_ALGORITHM_SM2_SIGN, 0,
                                               ORVEL_PKI_USAGE_SIGN, nullptr),
                   1);
