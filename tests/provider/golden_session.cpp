@@ -16,8 +16,8 @@ TEST_F(GoldenSession, MatchesLineByLine) {
     mark();
     ASSERT_EQ(DeviceInit(), 1);
     EXPECT_EQ(runTypicalSession(), encodedSignature());
-    Lines expected = goldenInit();
-    const Lines rest = goldenSession();
+    Lines expected = goldenTrace("init");
+    const Lines rest = goldenTrace("session");
     expected.insert(expected.end(), rest.begin(), rest.end());
     EXPECT_EQ(maskedTrace(), expected);
     EXPECT_EQ(script().memory.open(), 0);
@@ -100,61 +100,7 @@ TEST_F(GoldenSession, EntryPointsNameTheirArguments) {
         lines, [](const std::string &line) { return line.find("call_stack_tracer") != line.npos; });
     DeviceFreeKeypair(generated);
     DeviceFreeKeypair(taken);
-    EXPECT_EQ(lines, goldenLines(R"([INFO] [DeviceGetDeviceCount] hDeviceSet = %p
-[INFO] [DeviceGetDevice] hDeviceSet = %p, index = -1
-[ERROR] [DeviceGetDevice] index < 0 || index >= hDeviceSet->m_count
-[INFO] [DeviceGetSerialNumber] hDevice = %p, sn = TEST-0123456789A, snlen = 17, pretsnlen = 17
-[INFO] [DeviceGetSerialNumber] hDevice = %p, sn = TEST-0123456789A, snlen = 17, pretsnlen = 0
-[INFO] [DeviceGetLabel] label : Test Token
-[ERROR] [DeviceGetSerialNumber] rv = hDevice == 0
-[ERROR] [DeviceGetLabel] hDevice == 0
-[INFO] [DeviceLockDevice] DeviceLockDevice success
-[INFO] [DeviceUnlockDevice] DeviceUnlockDevice success
-[DEBUG] [DeviceGetKeypair] hKeypair=%p
-[DEBUG] [DeviceGetKeypairCount] hDevice->m_keypairCount=2
-[INFO] [DeviceGetKeypairLabel] SPI_KEYPAIR_HANDLE hKeypair = %p, char *label = sm2, int labellen = 20, int *pretlabellen = 4
-[INFO] [DeviceGetKeypairType] hKeypair->m_keytype = 2
-[INFO] [DeviceGetKeypairAlgorithm] hKeypair->m_algo=4
-[INFO] [DeviceGetKeypairBits] hKeypair->m_keybits=256
-[INFO] [DeviceGetPublicKeyFromKeypair] hPublicKey = %p
-[VERBOSE] [DeviceExportPublicKey] keyblob[length:68]: 454343072122232425262728292A2B2C2D2E2F303132333435363738393A3B3C3D3E3F4085868788898A8B8C8D8E8F909192939495969798999A9B9C9D9E9FA0A1A2A3A4
-[INFO] [DeviceGetPublicKeyAlgorithm] hPublicKey->m_algo = 4
-[INFO] [DeviceGetPublicKeyBits] SPI_PUBLICKEY_HANDLE hPublicKey->m_keybits = 256
-[DEBUG] [DeviceFreePublicKey] hPublicKey = NULL, line: 0
-[ERROR] [DeviceExportPublicKey] hPublicKey=0
-[ERROR] [DeviceGetPublicKeyFromKeypair] hKeypair == 0
-[INFO] [DeviceGetCertificateCount] hKeypair=%p, hKeypair->m_keytype = 2
-[INFO] [DeviceGetCertificate] SPI_KEYPAIR_HANDLE hKeypair = %p, int index = 0, unsigned char *certblob = (nil), int certbloblen = 9, int *pretcertbloblen = 68
-[ERROR] [DeviceGetCertificate] len <= 0
-[INFO] [DeviceUpdateCertificate] SPI_KEYPAIR_HANDLE hKeypair = %p, const unsigned char *certblob = %p, int certbloblen = 5
-[INFO] [DeviceSign] SPI_KEYPAIR_HANDLE hKeypair = %p, int algo = 4096, const void *param = (nil), const unsigned char *tbs = %p, int tbslen = 32, unsigned char *sign = %p, int signlen = 80, int *pretsignlen = 68
-[DEBUG] [DeviceSign] DeviceSign success
-[INFO] [DevicePrivateKeyDecrypt] SPI_KEYPAIR_HANDLE hKeypair = %p, int algo = 16, const void *param = (nil), const unsigned char *cipher = %p, int cipherlen = 102, unsigned char *clear = %p, int clearlen = 128, int *pretclearlen = 67
-[INFO] [DeviceVerifyPwd] hDevice = %p, type = 1, pwd = user-pin, *pretrynum = 5
-[INFO] [DeviceChangePwd] hDevice = %p, int type = 1, const char *oldpwd = user-pin, const char *newpwd = new, int *pretrynum = 5
-[INFO] [DeviceUnlockPwd] hDevice = %p, int type = 1, const char *sopwd = admin-pin, const char *newpwd = newer, int *pretrynum = %p
-[INFO] [DeviceGetPwdRetryNum] hDevice = %p, int type = 1， int *pretrynum = 5
-[INFO] [DeviceGenerateRandom] hDevice = %p, int len = 3, unsigned char *rand = %p
-[INFO] [DeviceNewHash] hDevice = %p, int algo = 28672
-[INFO] [DeviceHashUpdate] SPI_HASH_HANDLE hHash = %p, const unsigned char *data = %p, int datalen = 3
-[INFO] [DeviceHashFinal] SPI_HASH_HANDLE hHash = %p, unsigned char *hashvalue = %p, int hashvaluelen = 32, int *prethashvaluelen = 32
-[INFO] [DeviceFreeHash] SPI_HASH_HANDLE hHash = %p
-[INFO] [DeviceFreeDevice] hDevice = %p
-[INFO] [DeviceFreeDevice] hDevice->m_refCount=7, hDevice->m_keypairCount=2, hDevice->m_hashCount=0, hDevice->m_cipherCount=0
-[INFO] [DeviceNewCipher] hDevice = %p, int enc = 1, int algo = 75497472, const unsigned char *key = %p, int keylen = 16, const void *param = (nil)
-[INFO] [DeviceCipherUpdate] SPI_CIPHER_HANDLE hCipher = %p, const unsigned char *in = %p, int inlen = 16, unsigned char *out = %p, int outlen = 20, int *pretoutlen = %p
-[VERBOSE] [DeviceCipherUpdate] in[length:16]: ABABABABABABABABABABABABABABABAB
-[VERBOSE] [cipherUpdate] out[length:16]: 00000000000000000000000000000000
-[INFO] [DeviceFreeCipher] SPI_CIPHER_HANDLE hCipher = %p
-[INFO] [DeviceFreeDevice] hDevice = %p
-[INFO] [DeviceFreeDevice] hDevice->m_refCount=7, hDevice->m_keypairCount=2, hDevice->m_hashCount=0, hDevice->m_cipherCount=0
-[INFO] [DeviceCreateData] hDevice = %p, int dataId = 8, const char * mode = %p, int length = 1
-[INFO] [DeviceReadDataEx] hDevice = %p, int dataId = 7, int offset = 0, unsigned char *data = %p, int datalen = 10, int*  pretdatalen = 77
-[INFO] [DeviceWriteDataEx] hDevice = %p, int dataId = 7, int offset = 0, const unsigned char *data = %p, int datalen = 10
-[INFO] [DeviceDeleteData] hDevice = %p, int dataId = 7
-[INFO] [DeviceGenerateKeypair] hDevice = %p, int algo = 4, int keybits = 256, const void *param = %p, int type = 2, const char *label = %p, SPI_KEYPAIR_HANDLE *phKeypair = %p
-[DEBUG] [createContainer] SKF_CreateContainer hDevice->m_hApp=%p, label=new, hCon=%p
-)"));
+    EXPECT_EQ(lines, goldenTrace("entry_points"));
 }
 
 } // namespace

@@ -40,7 +40,7 @@ TEST_F(KitSession, TypicalSignatureLeavesTheGoldenTrace) {
     EXPECT_GE(signature.size(), 68u);
     EXPECT_EQ(signature[0], 0x30) << "DER";
     EXPECT_EQ(signature[1] + 2u, signature.size());
-    EXPECT_EQ(maskedTrace(), goldenSession());
+    EXPECT_EQ(maskedTrace(), goldenTrace("session"));
 }
 
 TEST_F(KitSession, PublishedVectors) {

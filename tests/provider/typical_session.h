@@ -14,12 +14,11 @@ inline constexpr const char *sessionPin = "12345678";
 // DeviceInit has run. Ends with DeviceEnd. Returns the signature.
 std::vector<unsigned char> runTypicalSession();
 
-// The lines of a text; those of calls and returns stand in it by their arrows and names alone.
-Lines goldenLines(const std::string &text);
-Lines goldenInit();    // DeviceInit without settings
-Lines goldenSession(); // everything after it
+// The lines of data/<name>.trace, where calls and returns stand by their arrows and names alone:
+// "init" is DeviceInit without settings, "session" what follows it, "entry_points" a call of each.
+Lines goldenTrace(const std::string &name);
 
-// The trace since the mark in the form of the golden text.
+// The trace since the mark in the form of a golden one.
 Lines maskedTrace();
 
 } // namespace tembra::test
