@@ -23,40 +23,12 @@ Bytes encodeSm2Signature(const Sm2Signature &signature) {
         .bytes();
 }
 
-std::optional<Sm2Signature> decodeSm2Signature(ByteView der) {
-    DerReader reader(der);
-    auto fields = reader.sequence();
-    if (!fields || !reader.atEnd()) {
-        return std::nullopt;
-    }
-    const auto r = readNumber(*fields);
-    const auto s = readNumber(*fields);
-    if (!r || !s || !fields->atEnd()) {
-        return std::nullopt;
-    }
-    return Sm2Signature{*r, *s};
-}
-
 Bytes flattenSm2Ciphertext(const Sm2Ciphertext &cipher) {
     Bytes out(sm2PointSize + cipher.c2.size() + sm2Size);
     auto next = std::ranges::copy(encodeSm2Point(cipher.c1), out.begin()).out;
     next = std::ranges::copy(cipher.c2, next).out;
     std::ranges::copy(cipher.c3, next);
     return out;
-}
-
-std::optional<Sm2Ciphertext> parseFlatSm2Ciphertext(ByteView flat) {
-    if (flat.size() < sm2PointSize + sm2Size) {
-        return std::nullopt;
-    }
-    const auto c1 = decodeSm2Point(flat.first(sm2PointSize));
-    if (!c1) {
-        return std::nullopt;
-    }
-    const ByteView c2 = flat.subspan(sm2PointSize, flat.size() - sm2PointSize - sm2Size);
-    Sm2Ciphertext cipher{*c1, Bytes(c2.begin(), c2.end()), {}};
-    std::ranges::copy(flat.last(sm2Size), cipher.c3.begin());
-    return cipher;
 }
 
 Bytes encodeSm2Ciphertext(const Sm2Ciphertext &cipher) {

@@ -9,11 +9,6 @@ namespace {
 
 constexpr std::size_t maxSignerId = 8191; // its length in bits travels in 16 bits
 
-Sexp digestExpression(ByteView digest) {
-    return buildSexp("(data(flags sm2)(hash sm3 %b))", static_cast<int>(digest.size()),
-                     digest.data());
-}
-
 // The signature of e with the random number k: r = e + x of kG, s = (k - rd) / (1 + d), modulo n.
 // Empty for the few k that give no good r or s. (libgcrypt could do it, but would keep its jitter
 // generator for good, which leak checkers take for a leak.)
@@ -66,20 +61,6 @@ std::optional<Sm3Digest> sm2SignerDigest(const Sm2PublicKey &key, std::string_vi
     return sm3(text);
 }
 
-std::optional<Sm3Digest> sm2MessageDigest(const Sm2PublicKey &key, ByteView message,
-                                          std::string_view signerId) {
-    const auto z = sm2SignerDigest(key, signerId);
-    if (!z) {
-        return std::nullopt;
-    }
-    Digest digest(DigestAlgorithm::sm3);
-    digest.update(*z);
-    digest.update(message);
-    Sm3Digest out{};
-    digest.value(out);
-    return out;
-}
-
 std::optional<Sm2Signature> sm2Sign(const Sm2KeyPair &pair, ByteView digest) {
     const Sm2Curve curve;
     const Mpi d = secretMpiFrom(pair.d);
@@ -91,19 +72,6 @@ std::optional<Sm2Signature> sm2Sign(const Sm2KeyPair &pair, ByteView digest) {
             return signature;
         }
     }
-}
-
-bool sm2Verify(const Sm2PublicKey &publicKey, ByteView digest, const Sm2Signature &signature) {
-    if (digest.size() != sm3Size || !isOnSm2Curve(publicKey)) {
-        return false;
-    }
-    const Sm2EncodedPoint q = encodeSm2Point(publicKey);
-    const Sexp key = buildSexp("(public-key(ecc(curve sm2p256v1)(flags sm2)(q %b)))",
-                               static_cast<int>(q.size()), static_cast<const void *>(q.data()));
-    const Mpi r = mpiFrom(signature.r);
-    const Mpi s = mpiFrom(signature.s);
-    const Sexp value = buildSexp("(sig-val(sm2(r %M)(s %M)))", r.get(), s.get());
-    return gcry_pk_verify(value.get(), digestExpression(digest).get(), key.get()) == 0;
 }
 
 } // namespace tembra::crypto

@@ -25,12 +25,8 @@ struct Sm2Signature {
 std::optional<Sm3Digest> sm2SignerDigest(const Sm2PublicKey &key,
                                          std::string_view signerId = sm2DefaultSignerId);
 
-// What is signed for a message: SM3(Z || message).
-std::optional<Sm3Digest> sm2MessageDigest(const Sm2PublicKey &key, ByteView message,
-                                          std::string_view signerId = sm2DefaultSignerId);
-
-// Signs a digest of exactly 32 bytes; empty when the length or the key is wrong.
+// Signs a digest of exactly 32 bytes, SM3(Z || message) as a rule; empty when the length or the key
+// is wrong.
 std::optional<Sm2Signature> sm2Sign(const Sm2KeyPair &pair, ByteView digest);
-bool sm2Verify(const Sm2PublicKey &key, ByteView digest, const Sm2Signature &signature);
 
 } // namespace tembra::crypto

@@ -98,14 +98,4 @@ std::optional<Sm4Block> sm4EncryptBlock(ByteView key, ByteView block) {
     return result;
 }
 
-std::optional<Sm4Block> sm4DecryptBlock(ByteView key, ByteView block) {
-    const auto out = sm4Decrypt(Sm4Mode::ecb, Sm4Padding::none, key, {}, block);
-    Sm4Block result{};
-    if (!out || out->size() != result.size()) {
-        return std::nullopt;
-    }
-    std::copy(out->begin(), out->end(), result.begin());
-    return result;
-}
-
 } // namespace tembra::crypto

@@ -28,6 +28,5 @@ std::optional<SecretBytes> sm4Decrypt(Sm4Mode mode, Sm4Padding padding, ByteView
 
 // One block as the cipher is defined, under a 16-byte key; empty when a length is wrong.
 std::optional<Sm4Block> sm4EncryptBlock(ByteView key, ByteView block);
-std::optional<Sm4Block> sm4DecryptBlock(ByteView key, ByteView block);
 
 } // namespace tembra::crypto

@@ -54,11 +54,12 @@ class Imports(CommandTest):
         mine, other = self.container("sm2"), self.container("sm2", "bob")
         openssl("genpkey", *KINDS["sm2"], "-out", "key.pem")
         openssl("genpkey", *KINDS["rsa1024"], "-out", "rsa.pem")
+        openssl("genpkey", "-algorithm", "EC", "-pkeyopt", "ec_paramgen_curve:P-256", "-out", "p256.pem")
         openssl("pkey", "-in", "key.pem", "-aes128", "-passout", "pass:x", "-out", "locked.pem")
         self.make_given("enveloped", other)
         bring = ("key", "import", "--pin-env", "PIN", "--label")
         for code, file, label in ((1, "given", "alice"), (1, "rsa.pem", "alice"), (2, "locked.pem", "alice"),
-                                  (3, "key.pem", "carol")):
+                                  (2, "p256.pem", "alice"), (3, "key.pem", "carol")):
             self.run_tool(*bring, label, file, code=code)
         self.make_given("enveloped", mine)
         blob = read("given")

@@ -38,6 +38,9 @@ void checkPin(Change &change, Pin &pin, std::string_view text, ULONG *triesLeft)
     }
     pin.triesLeft = pin.maxTries;
     change.commit();
+    if (triesLeft != nullptr) {
+        *triesLeft = pin.triesLeft;
+    }
 }
 
 void replacePin(Pin &pin, std::string_view text) {

@@ -16,7 +16,7 @@ Pin makePin(std::string_view text, std::uint32_t maxTries, unsigned iterations);
 // Whether a try is right. One that is wrong costs a try, and the last one locks the PIN. The try is
 // paid for on the disk before it is looked at, so that killing the process wins no free tries.
 //   Refused(SAR_PIN_INCORRECT), Refused(SAR_PIN_LOCKED), Refused(SAR_PIN_LEN_RANGE)
-// triesLeft, unless null, is told the tries left with each refusal. pin belongs to change's image.
+// triesLeft, unless null, is told the tries that are left. pin belongs to change's image.
 void checkPin(Change &change, Pin &pin, std::string_view text, ULONG *triesLeft);
 
 // Puts a new PIN in the old one's place, with all its tries.
