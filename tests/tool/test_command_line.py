@@ -1,4 +1,5 @@
 """The command line itself: help, languages, devices to choose from, refusals and their exit codes."""
+import json
 import os
 import pathlib
 import re
@@ -99,8 +100,19 @@ class CommandLine(CommandTest):
     def test_refusals_say_why_and_in_json_too(self):
         write("empty", b"")
         for code, text, *arguments in (
-                (2, "frobnicate", "frobnicate"), (2, "required", "key", "generate"),
-                (2, "--colour", "list", "--colour"), (2, "no-such", "random", "no-such"),
+                (2, "no subcommand frobnicate", "frobnicate"), (2, "subcommand is required", "key"),
+                (2, "--label is required", "key", "generate"), (2, "N is required", "random"),
+                (2, "no option --colour here", "list", "--colour=red"), (2, "one argument too many", "list", "x"),
+                (2, "N cannot be \"0x\": it takes a number from 1", "random", "0x"),
+                (2, "N cannot be \"-5\": it takes a number from 1", "random", "--", "-5"),
+                (2, "--algo cannot be \"dsa\": choose from sm2|rsa", "key", "generate", "--algo", "dsa"),
+                (2, "--label needs a value", "key", "generate", "--label"),
+                (2, "--device may be given only once", "--device", "0", "--device", "1", "list"),
+                (2, "--so takes no value", "login", "--so=x"),
+                (2, "--pin-env cannot stand with --pin-fd", "login", "--pin-fd", "3", "--pin-env", "PIN"),
+                (2, "此处没有子命令 frobnicate", "frobnicate"), (2, "缺少子命令", "key"),
+                (2, "缺少 --label", "key", "generate"), (2, "多余的参数 x（见 tembrakey list --help）", "list", "x"),
+                (2, "N 不能为“0x”：应为 1 到", "random", "0x"), (2, "--out 缺少值", "random", "4", "--out"),
                 (3, "no device 5", "--device", "5", "list"),
                 (3, "nobody", "sign", "empty", "--label", "nobody"),
                 (8, "no-such-library", "--provider", "no-such-library.so", "list"),
@@ -109,10 +121,12 @@ class CommandLine(CommandTest):
                 (9, "no-folder", "random", "4", "--out", "no-folder/x"),
                 (4, "--pin-env", "key", "generate", "--label", "x")):
             with self.subTest(arguments=arguments):
-                self.run_tool(*arguments, code=code)
+                language = {} if text.isascii() else {"LC_ALL": "zh_CN.UTF-8"}
+                self.run_tool(*arguments, code=code, **language)
                 self.assertIn(text, self.stderr)
                 self.assertTrue(self.stderr.startswith("tembrakey: "))
-                self.assertIn(text, self.run_json(*arguments, code=code)["error"])
+                self.run_tool("--json", *arguments, code=code, **language)
+                self.assertIn(text, json.loads(self.stderr)["error"])
 
     def test_of_several_devices_one_must_be_chosen(self):
         self.run_tool("token", "create", "--serial", "BBBB0002", "--label", "Two", "--so-pin-env", "SO",

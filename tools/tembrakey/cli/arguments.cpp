@@ -1,7 +1,11 @@
 #include "tembrakey/cli/arguments.h"
 
+#include <algorithm>
+#include <vector>
+
 #include <CLI/CLI.hpp>
 
+#include "tembrakey/cli/usage_error.h"
 #include "tembrakey/text/text.h"
 
 namespace tembra::tool {
@@ -36,9 +40,14 @@ Arguments &Arguments::text(const char *form, std::string &target, const char *he
 Arguments &Arguments::number(const char *form, int &target, const char *help, int least, int most) {
     const Form parts = split(form);
     CLI::Option *option = app_.add_option(parts.names, target, tr(help));
-    CLI::Range range(least, most);
-    range.description("");
-    option->check(range);
+    const std::string name = option->get_name();
+    option->check([=](const std::string &text) {
+        int value = 0;
+        if (!CLI::detail::lexical_cast(text, value) || value < least || value > most)
+            refuseValue(tr("{1} cannot be \"{2}\": it takes a number from {3} to {4}",
+                           {name, text, std::to_string(least), std::to_string(most)}));
+        return std::string();
+    });
     return declare(option, parts.value);
 }
 
@@ -51,12 +60,16 @@ Arguments &Arguments::choice(const char *form, std::string &target,
                              std::initializer_list<const char *> choices, const char *help) {
     const Form parts = split(form);
     CLI::Option *option = app_.add_option(parts.names, target, tr(help));
-    CLI::IsMember member(std::vector<std::string>(choices.begin(), choices.end()));
     std::string shown;
     for (const char *one : choices)
         shown += (shown.empty() ? "" : "|") + std::string(one);
-    member.description("");
-    option->check(member);
+    const std::vector<std::string> known(choices.begin(), choices.end());
+    const std::string name = option->get_name();
+    option->check([=](const std::string &text) {
+        if (std::find(known.begin(), known.end(), text) == known.end())
+            refuseValue(tr("{1} cannot be \"{2}\": choose from {3}", {name, text, shown}));
+        return std::string();
+    });
     return declare(option, shown);
 }
 

@@ -8,6 +8,7 @@
 #include "tembrakey/cli/command.h"
 #include "tembrakey/cli/failure.h"
 #include "tembrakey/cli/help.h"
+#include "tembrakey/cli/usage_error.h"
 #include "tembrakey/commands/commands.h"
 #include "tembrakey/text/text.h"
 
@@ -23,10 +24,7 @@ public:
     void parse(std::vector<std::string> arguments);
     void run(Context &context);
     Context context() const;
-    // What the command line has that nobody takes.
-    std::vector<std::string> unknown() const { return app_.remaining(true); }
-    // The way to the innermost command named, for "tembrakey key generate --help".
-    std::string path() const;
+    const CLI::App &app() const { return app_; }
     int exit(const CLI::ParseError &error) { return app_.exit(error); }
 
 private:
@@ -110,20 +108,8 @@ Context CommandLine::context() const {
     return {Console(json_), provider_, device_, &app_};
 }
 
-std::string CommandLine::path() const {
-    std::string result = "tembrakey";
-    for (const CLI::App *app = &app_; !app->get_subcommands().empty();) {
-        app = app->get_subcommands().front();
-        result += " " + app->get_name();
-    }
-    return result;
-}
-
-int usageError(const CommandLine &line, const CLI::ParseError &error, bool json) {
-    const auto unknown = line.unknown();
-    const std::string what =
-        unknown.empty() ? error.what() : tr("There is no {1} here", {unknown.front()});
-    const std::string message = what + " " + tr("(see {1} --help)", {line.path()});
+int usageError(const CLI::App &app, const std::string &problem, bool json) {
+    const std::string message = problem + tr(" (see {1} --help)", {commandNamed(app)});
     Console(json).error(Failure(ExitCode::Usage, message));
     return static_cast<int>(ExitCode::Usage);
 }
@@ -132,13 +118,14 @@ int usageError(const CommandLine &line, const CLI::ParseError &error, bool json)
 
 int runCommandLine(std::vector<std::string> arguments) {
     const bool json = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+    const std::string lastWord = arguments.empty() ? "" : arguments.back();
     CommandLine line;
     try {
         line.parse(std::move(arguments));
     } catch (const CLI::ParseError &error) {
         if (error.get_exit_code() == 0)
             return line.exit(error); // help or version
-        return usageError(line, error, json);
+        return usageError(line.app(), usageProblem(line.app(), error, lastWord), json);
     }
     Context context = line.context();
     try {

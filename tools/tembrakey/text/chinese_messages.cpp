@@ -6,8 +6,19 @@ namespace {
 
 const Translation messages[] = {
     // the command line
-    {"There is no {1} here", "此处没有 {1}"},
-    {"(see {1} --help)", "（见 {1} --help）"},
+    {"There is no option {1} here", "此处没有选项 {1}"},
+    {"There is no subcommand {1} here", "此处没有子命令 {1}"},
+    {"{1} is one argument too many", "多余的参数 {1}"},
+    {"A subcommand is required", "缺少子命令"},
+    {"{1} is required", "缺少 {1}"},
+    {"{1} cannot stand with {2}", "{1} 不能与 {2} 同时使用"},
+    {"{1} may be given only once", "{1} 只能给出一次"},
+    {"{1} needs a value", "{1} 缺少值"},
+    {"{1} takes no value", "{1} 不带值"},
+    {"{1} cannot be \"{2}\": it takes a number from {3} to {4}",
+     "{1} 不能为“{2}”：应为 {3} 到 {4} 的整数"},
+    {"{1} cannot be \"{2}\": choose from {3}", "{1} 不能为“{2}”：可选 {3}"},
+    {" (see {1} --help)", "（见 {1} --help）"},
     {"Memory ran out", "内存不足"},
     {"memory is short", "内存不足"},
     {"[y/N]", "[y/N]"},
