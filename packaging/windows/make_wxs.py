@@ -30,6 +30,7 @@ def attributes(**values):
 class Description:
     def __init__(self, folder):
         self.folder = folder
+        self.properties = []
         self.lines = []
         self.components = []
 
@@ -50,16 +51,21 @@ class Description:
                 self.component(name, f"<File {file}/>")
 
     def settings(self):
-        """The values of the .reg file, so that an installed provider finds all four."""
-        values = []
-        for line in next(self.folder.glob("*.reg")).read_text("utf-8").splitlines():
-            name, _, value = line.partition("=dword:")
-            if value:
-                values.append((name.strip('"'), int(value, 16)))
+        """The values of the .reg file, so that an installed provider finds all four; what the registry
+        has already is kept, through a property for each value. Its search gives numbers and takes them
+        back as "#" and digits, while a value declared a number would get another "#" before it."""
         content = []
-        for number, (name, value) in enumerate(values):
-            key_path = {"KeyPath": "yes"} if number == 0 else {}
-            row = attributes(Root="HKLM", Key=REGISTRY_KEY, Type="integer", Name=name, Value=value, **key_path)
+        for line in next(self.folder.glob("*.reg")).read_text("utf-8").splitlines():
+            name, _, default = line.partition("=dword:")
+            if not default:
+                continue
+            value = {"Root": "HKLM", "Key": REGISTRY_KEY, "Name": name.strip('"')}
+            variable = value["Name"].upper()
+            search = attributes(Id=identifier(f"search:{variable}"), Type="raw", Win64="yes", **value)
+            self.properties += [f"<Property {attributes(Id=variable, Value=f'#{int(default, 16)}')}>",
+                                f"<RegistrySearch {search}/>", "</Property>"]
+            key_path = {} if content else {"KeyPath": "yes"}
+            row = attributes(Type="string", Value=f"[{variable}]", **value, **key_path)
             content.append(f"<RegistryValue {row}/>")
         self.component("settings", "\n".join(content))
 
@@ -79,6 +85,7 @@ def main():
         f"<Product {product}>",
         f"<Package {package}/>",
         '<MajorUpgrade DowngradeErrorMessage="A newer version is installed."/>',
+        *description.properties,
         '<Media Id="1" Cabinet="files.cab" EmbedCab="yes"/>',
         '<Directory Id="TARGETDIR" Name="SourceDir">',
         '<Directory Id="ProgramFiles64Folder"><Directory Id="INSTALLDIR" Name="TembraKeyProv">',

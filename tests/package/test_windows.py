@@ -8,6 +8,7 @@ from packages import DEFAULTS, PACKAGES, ROOT, VERSION, PackageTest, digests, fi
 ARCHIVE = PACKAGES / f"TembraKeyProv-{VERSION}-windows-x64.zip"
 KIT_ARCHIVE = PACKAGES / f"tembra-devkit-{VERSION}-windows-x64.zip"
 MSI = PACKAGES / f"TembraKeyProv-{VERSION}-x64.msi"
+MAKE_WXS = ROOT / "packaging/windows/make_wxs.py"
 PREFIX = ROOT / "build/wine-package"  # what is installed here meets no other test
 PROGRAM = PREFIX / "drive_c/Program Files/TembraKeyProv"
 REGISTRY_KEY = r"HKLM\Software\ORVEL\PKI\Devices\TembraKey"
@@ -51,10 +52,10 @@ class Msi(WindowsTest):
         return {name: int(value, 16)
                 for name, value in re.findall(r"^\s+(\w+)\s+REG_DWORD\s+0x(\w+)", done.stdout, re.MULTILINE)}
 
-    def msiexec(self, action):
-        self.wine("msiexec", action, windows_path(MSI), "/qn")
+    def msiexec(self, action, msi=MSI):
+        self.wine("msiexec", action, windows_path(msi), "/qn")
 
-    def test_installs_works_and_removes(self):
+    def install(self):
         if PROGRAM.exists():  # an earlier run was interrupted
             self.msiexec("/x")
         self.assertEqual(self.registry(), {})
@@ -63,10 +64,34 @@ class Msi(WindowsTest):
         self.assertEqual(digests(PROGRAM), digests(self.provider))
         self.assertEqual(self.registry(), DEFAULTS)
 
+    def newer(self):
+        """A package of the same files that is a version ahead."""
+        version = re.sub(r"\d+$", lambda last: str(int(last[0]) + 1), VERSION)
+        (self.folder / "newer.wxs").write_text(self.run_command(MAKE_WXS, self.provider, version), "utf-8")
+        self.run_command("sh", "-c", f"cd {self.provider.name} && wixl --arch x64 --output ../newer.msi ../newer.wxs")
+        return self.folder / "newer.msi"
+
+    def test_installs_works_and_removes(self):
+        self.install()
         self.check_tool(self.with_kit(PROGRAM / "bin/tembrakey.exe"))
         self.check_settings_found()
 
         self.msiexec("/x")
+        self.assertFalse(PROGRAM.exists())
+        self.assertEqual(self.registry(), {})
+
+    def test_an_upgrade_keeps_the_settings(self):
+        self.install()
+        changed = {**DEFAULTS, "HasSM4": 1, "MaxOperationLen": 0xffffffff}
+        for name, value in changed.items():
+            self.wine("reg", "add", REGISTRY_KEY, "/v", name, "/t", "REG_DWORD", "/d", value, "/f")
+        newer = self.newer()
+        for msi in (MSI, newer):
+            self.msiexec("/i", msi)
+            self.assertEqual(self.registry(), changed)
+        self.addCleanup(lambda: PROGRAM.exists() and self.msiexec("/x", newer))
+        self.assertEqual(digests(PROGRAM), digests(self.provider))
+        self.msiexec("/x", newer)
         self.assertFalse(PROGRAM.exists())
         self.assertEqual(self.registry(), {})
 
