@@ -14,12 +14,7 @@ protected:
         SPI_KEYPAIR_HANDLE handle = nullptr;
         if (DeviceFindKeypair(device, ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, "c", &handle) != 1)
             return {};
-        SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(handle);
-        Bytes bytes(1024);
-        int length = 0;
-        EXPECT_EQ(DeviceExportPublicKey(key, bytes.data(), 1024, &length), 1);
-        bytes.resize(static_cast<std::size_t>(length));
-        DeviceFreePublicKey(key);
+        const Bytes bytes = exportedKey(handle);
         DeviceFreeKeypair(handle);
         return bytes;
     }

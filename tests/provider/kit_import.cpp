@@ -71,13 +71,7 @@ protected:
             const crypto::SecretBytes blob = host::encodeKeyPairBlob(key);
             return Bytes(blob.begin(), blob.end());
         }
-        SPI_PUBLICKEY_HANDLE handle = DeviceGetPublicKeyFromKeypair(find(form.label, 2));
-        Bytes encoded(1024);
-        int length = 0;
-        EXPECT_EQ(DeviceExportPublicKey(handle, encoded.data(), 1024, &length), 1);
-        DeviceFreePublicKey(handle);
-        const auto container =
-            crypto::decodePublicKey({encoded.data(), static_cast<std::size_t>(length)});
+        const auto container = crypto::decodePublicKey(exportedKey(find(form.label, 2)));
         return tool::envelopeKeyPair(key, container.value(),
                                      form.isGdk ? tool::Sm2PrivateForm::Gdk
                                                 : tool::Sm2PrivateForm::Plain);

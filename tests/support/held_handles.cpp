@@ -12,6 +12,16 @@ SPI_KEYPAIR_HANDLE HeldHandles::find(const char *label, int type) {
     return handle;
 }
 
+std::vector<unsigned char> HeldHandles::exportedKey(SPI_KEYPAIR_HANDLE pair) {
+    SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(pair);
+    std::vector<unsigned char> encoded(1024);
+    int length = 0;
+    EXPECT_EQ(DeviceExportPublicKey(key, encoded.data(), 1024, &length), 1);
+    DeviceFreePublicKey(key);
+    encoded.resize(static_cast<std::size_t>(length));
+    return encoded;
+}
+
 void HeldHandles::release() {
     for (SPI_KEYPAIR_HANDLE handle : pairs)
         DeviceFreeKeypair(handle);

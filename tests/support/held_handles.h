@@ -12,6 +12,8 @@ protected:
     // The pair of this kind, given back by release(); null, and a failure, when there is none.
     SPI_KEYPAIR_HANDLE find(const char *label, int type);
     void release();
+    // What the host gets of the pair's public key.
+    static std::vector<unsigned char> exportedKey(SPI_KEYPAIR_HANDLE pair);
 
     SPI_DEVICESET_HANDLE set = nullptr;
     SPI_DEVICE_HANDLE device = nullptr;

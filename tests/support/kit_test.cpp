@@ -70,11 +70,8 @@ SPI_KEYPAIR_HANDLE KitTest::generate(const char *label, int algo, int bits) {
 }
 
 Bytes KitTest::encrypted(SPI_KEYPAIR_HANDLE pair, int algo, const void *param, const Bytes &plain) {
-    SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(pair);
-    Bytes encoded(1024);
-    int length = 0;
-    EXPECT_EQ(DeviceExportPublicKey(key, encoded.data(), 1024, &length), 1);
-    DeviceFreePublicKey(key);
+    const Bytes encoded = exportedKey(pair);
+    int length = static_cast<int>(encoded.size());
     void *pseudo = OrvelPKICryptoGetPseudoDevice();
     void *imported = nullptr;
     EXPECT_EQ(OrvelPKICryptoImportPublicKey(pseudo, encoded.data(), length, &imported), 1);

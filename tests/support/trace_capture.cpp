@@ -4,46 +4,28 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <sstream>
-#include <string_view>
 
 namespace tembra::test {
 namespace {
-
-// How a line begins after the thread id: blank, date, blank, time, blank, bracket.
-constexpr std::string_view timeForm = " dddd-dd-dd dd:dd:dd [";
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 bool isHex(char c) {
     return std::isxdigit(static_cast<unsigned char>(c)) != 0;
 }
 
-bool hasTimeForm(std::string_view text) {
-    return text.size() >= timeForm.size() &&
-           std::equal(timeForm.begin(), timeForm.end(), text.begin(),
-                      [](char form, char c) { return form == 'd' ? isDigit(c) : form == c; });
-}
-
 // "1234 2024-01-31 12:00:00 [INFO] [DeviceInit] message ", without its newline.
-bool parseLine(std::string_view text, TraceLine &line) {
-    const std::size_t id = std::min(text.find(' '), text.size());
-    if (id == 0 ||
-        !std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(id), isDigit) ||
-        !hasTimeForm(text.substr(id)) || text.back() != ' ')
+bool parseLine(const std::string &text, TraceLine &line) {
+    char level[16], function[128];
+    int end = 0;
+    std::sscanf(text.c_str(), "%*d %*4d-%*2d-%*2d %*2d:%*2d:%*2d [%15[A-Z]] [%127[^]]]%n", level,
+                function, &end);
+    const auto message = static_cast<std::size_t>(end) + 1;
+    if (end == 0 || text.size() <= message || text[message - 1] != ' ' || text.back() != ' ')
         return false;
-    text = text.substr(id + timeForm.size(), text.size() - 1 - id - timeForm.size());
-    const std::size_t level = text.find("] [");
-    const std::size_t function = level == text.npos ? level : text.find("] ", level + 3);
-    if (function == text.npos)
-        return false;
-    line.level = text.substr(0, level);
-    line.function = text.substr(level + 3, function - level - 3);
-    line.message = text.substr(function + 2);
+    line = {level, function, text.substr(message, text.size() - 1 - message)};
     return true;
 }
 
