@@ -5,7 +5,9 @@
 
 #include "../../src/platform/skf.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 #include <tuple>
@@ -46,7 +48,9 @@ void reachFirst(std::string_view function, First first, Rest... rest) {
         if (isText && !function.starts_with("SKF_Enum"))
             reach(first, std::strlen(reinterpret_cast<const char *>(first)) + 1);
         else if constexpr (std::is_same_v<Next, ULONG> || std::is_same_v<Next, int>)
-            reach(first, static_cast<std::size_t>(std::get<0>(std::tuple(rest...))));
+            // A length below zero is one that the host library gave of a block of its own.
+            reach(first, static_cast<std::size_t>(
+                             std::max<std::int64_t>(std::get<0>(std::tuple(rest...)), 0)));
         else if constexpr (std::is_same_v<Next, ULONG *>)
             reach(first, *std::get<0>(std::tuple(rest...)));
     }
