@@ -62,4 +62,11 @@ std::optional<PublicKey> decodePublicKey(ByteView der) {
     return algorithm->oid(oids::ecPublicKey) ? decodeSm2(*algorithm, *bits) : std::nullopt;
 }
 
+bool isUsable(const PublicKey &key) {
+    if (const auto *rsa = std::get_if<RsaPublicKey>(&key)) {
+        return isUsable(*rsa);
+    }
+    return isOnSm2Curve(std::get<Sm2PublicKey>(key));
+}
+
 } // namespace tembra::crypto

@@ -17,8 +17,11 @@ Bytes encodePublicKey(const RsaPublicKey &key);
 Bytes encodePublicKey(const Sm2PublicKey &key);
 
 // Reads either; empty when the bytes are anything else, also with a trailing byte. RSA numbers come
-// without leading zeros. That the form is right says nothing about the key: see isUsable and
-// isOnSm2Curve.
+// without leading zeros. That the form is right says nothing about the key: see isUsable.
 std::optional<PublicKey> decodePublicKey(ByteView der);
+
+// Whether the key can be worked with, beyond its being well formed: isUsable of rsa.h, or a point
+// on the SM2 curve.
+bool isUsable(const PublicKey &key);
 
 } // namespace tembra::crypto

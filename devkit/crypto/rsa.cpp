@@ -159,6 +159,15 @@ std::optional<Bytes> rsaSign(const RsaPrivateKey &key, ByteView data) {
     return Bytes(signature->begin(), signature->end());
 }
 
+bool rsaVerify(const RsaPublicKey &key, ByteView data, ByteView signature) {
+    const auto block = padForSignature(data, key.n.size());
+    if (!block || !isUsable(key) || signature.size() != key.n.size() ||
+        !std::ranges::lexicographical_compare(signature, key.n)) {
+        return false;
+    }
+    return equalConstantTime(publicOperation(key, signature), *block);
+}
+
 std::optional<Bytes> rsaEncrypt(const RsaPublicKey &key, ByteView plain) {
     const auto block = padForEncryption(plain, key.n.size());
     if (!block || !isUsable(key)) {

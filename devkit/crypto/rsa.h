@@ -40,16 +40,19 @@ bool isUsable(const RsaPublicKey &key);
 bool isConsistent(const RsaPrivateKey &key);
 
 // In the following a block is as long as the modulus, and at most that minus 11 bytes go in.
-// Each answers empty when the key or a length is wrong.
+// Each answers empty (or false) when the key or a length is wrong.
 
 // Signs the bytes as given under block type 1; a DigestInfo around a hash is the caller's business.
 std::optional<Bytes> rsaSign(const RsaPrivateKey &key, ByteView data);
+
+// Whether rsaSign with the private key made this signature of the same bytes.
+bool rsaVerify(const RsaPublicKey &key, ByteView data, ByteView signature);
 
 // Encryption under block type 2. Decryption is also empty when the padding is wrong.
 std::optional<Bytes> rsaEncrypt(const RsaPublicKey &key, ByteView plain);
 std::optional<SecretBytes> rsaDecrypt(const RsaPrivateKey &key, ByteView cipher);
 
-// The DigestInfo of a SHA-256 hash (32 bytes), ready for rsaSign.
+// The DigestInfo of a SHA-256 hash (32 bytes), ready for rsaSign and rsaVerify.
 Bytes sha256DigestInfo(ByteView hash);
 
 } // namespace tembra::crypto

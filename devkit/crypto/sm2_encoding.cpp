@@ -23,6 +23,20 @@ Bytes encodeSm2Signature(const Sm2Signature &signature) {
         .bytes();
 }
 
+std::optional<Sm2Signature> decodeSm2Signature(ByteView der) {
+    DerReader reader(der);
+    auto fields = reader.sequence();
+    if (!fields || !reader.atEnd()) {
+        return std::nullopt;
+    }
+    const auto r = readNumber(*fields);
+    const auto s = readNumber(*fields);
+    if (!r || !s || !fields->atEnd()) {
+        return std::nullopt;
+    }
+    return Sm2Signature{*r, *s};
+}
+
 Bytes flattenSm2Ciphertext(const Sm2Ciphertext &cipher) {
     Bytes out(sm2PointSize + cipher.c2.size() + sm2Size);
     auto next = std::ranges::copy(encodeSm2Point(cipher.c1), out.begin()).out;

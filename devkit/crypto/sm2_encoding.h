@@ -10,6 +10,7 @@ namespace tembra::crypto {
 
 // DER SEQUENCE { INTEGER r, INTEGER s } (GM/T 0009), at most 72 bytes.
 Bytes encodeSm2Signature(const Sm2Signature &signature);
+std::optional<Sm2Signature> decodeSm2Signature(ByteView der);
 
 // The flat form: 0x04 || x || y || C2 || C3, 97 bytes plus the message.
 Bytes flattenSm2Ciphertext(const Sm2Ciphertext &cipher);

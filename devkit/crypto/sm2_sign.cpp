@@ -74,4 +74,19 @@ std::optional<Sm2Signature> sm2Sign(const Sm2KeyPair &pair, ByteView digest) {
     }
 }
 
+bool sm2Verify(const Sm2PublicKey &publicKey, ByteView digest, const Sm2Signature &signature) {
+    if (digest.size() != sm3Size || !isOnSm2Curve(publicKey)) {
+        return false;
+    }
+    const Sm2EncodedPoint q = encodeSm2Point(publicKey);
+    const Sexp key = buildSexp("(public-key(ecc(curve sm2p256v1)(flags sm2)(q %b)))",
+                               static_cast<int>(q.size()), static_cast<const void *>(q.data()));
+    const Sexp data = buildSexp("(data(flags sm2)(hash sm3 %b))", static_cast<int>(digest.size()),
+                                static_cast<const void *>(digest.data()));
+    const Mpi r = mpiFrom(signature.r);
+    const Mpi s = mpiFrom(signature.s);
+    const Sexp value = buildSexp("(sig-val(sm2(r %M)(s %M)))", r.get(), s.get());
+    return gcry_pk_verify(value.get(), data.get(), key.get()) == 0;
+}
+
 } // namespace tembra::crypto

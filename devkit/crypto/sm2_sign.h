@@ -29,4 +29,7 @@ std::optional<Sm3Digest> sm2SignerDigest(const Sm2PublicKey &key,
 // is wrong.
 std::optional<Sm2Signature> sm2Sign(const Sm2KeyPair &pair, ByteView digest);
 
+// Whether the signature is one of this digest; false as well when the length or the key is wrong.
+bool sm2Verify(const Sm2PublicKey &key, ByteView digest, const Sm2Signature &signature);
+
 } // namespace tembra::crypto

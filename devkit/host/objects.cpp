@@ -15,14 +15,6 @@ int release(Kind kind, void *block) {
     return host::takeBack(kind, block) ? 1 : 0;
 }
 
-// Whether a key can be encrypted to, beyond its being well formed.
-bool isUsableKey(const crypto::PublicKey &key) {
-    if (const auto *rsa = std::get_if<crypto::RsaPublicKey>(&key)) {
-        return crypto::isUsable(*rsa);
-    }
-    return crypto::isOnSm2Curve(std::get<crypto::Sm2PublicKey>(key));
-}
-
 } // namespace
 
 extern "C" {
@@ -72,7 +64,7 @@ int OrvelPKICryptoImportPublicKey(void *device, const unsigned char *key, int ke
             return 0;
         }
         const auto decoded = crypto::decodePublicKey(encoding);
-        if (!decoded || !isUsableKey(*decoded)) {
+        if (!decoded || !crypto::isUsable(*decoded)) {
             return 0;
         }
         *publicKey = host::handOut(Kind::publicKey, encoding);
