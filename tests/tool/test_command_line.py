@@ -113,6 +113,7 @@ class CommandLine(CommandTest):
                 (2, "此处没有子命令 frobnicate", "frobnicate"), (2, "缺少子命令", "key"),
                 (2, "缺少 --label", "key", "generate"), (2, "多余的参数 x（见 tembrakey list --help）", "list", "x"),
                 (2, "N 不能为“0x”：应为 1 到", "random", "0x"), (2, "--out 缺少值", "random", "4", "--out"),
+                (2, "Give the key with --label, --key or --cert", "verify", "empty", "--signature", "empty"),
                 (3, "no device 5", "--device", "5", "list"),
                 (3, "nobody", "sign", "empty", "--label", "nobody"),
                 (8, "no-such-library", "--provider", "no-such-library.so", "list"),

@@ -23,8 +23,10 @@ class Keys(CommandTest):
                     sign = ("sign", "-", "--label", label, "--pin-env", "PIN")
                     self.run_tool(*sign, "--out", "out.sig", stdin=content)
                     self.verify(public, algorithm, read("out.sig"), content)
-                    printed = self.run_tool(*sign, stdin=content).decode()
-                    self.verify(public, algorithm, bytes.fromhex(printed.strip()), content)
+                    printed = self.run_tool(*sign, stdin=content)
+                    self.verify(public, algorithm, bytes.fromhex(printed.decode()), content)
+                    self.run_tool("verify", "content", "--signature", write("printed", printed),
+                                  "--label", label)
         listed = self.run_json("list")["devices"][0]
         self.assertEqual([(pair["label"], pair["type"], pair["algorithm"], pair["bits"])
                           for pair in listed["keyPairs"]],
@@ -38,6 +40,18 @@ class Keys(CommandTest):
                       "--pin-env", "PIN", "--out", "sig")
         self.verify(public, "sm2", read("sig"), b"text",
                     ("-sm3", "-sigopt", "distid:alice@example.com"))
+        for code, signer in ((0, "alice@example.com"), (11, "alice@example.org")):
+            self.run_tool("verify", "letter", "--signature", "sig", "--key", public, "--signer-id", signer, code=code)
+
+    def test_what_openssl_signed_is_told_from_what_it_did_not(self):
+        for algorithm, new in (("sm2", ("ec", "-pkeyopt", "ec_paramgen_curve:SM2")), ("rsa", ("rsa:2048",))):
+            openssl("req", "-x509", "-newkey", *new, "-nodes", "-keyout", "own.key", "-out", "own.crt",
+                    "-subj", "/CN=Own")
+            signature = openssl("dgst", *DIGESTS[algorithm], "-sign", "own.key", stdin=b"text")
+            changed = signature[:-1] + bytes([signature[-1] ^ 1])
+            for code, given, text in ((0, signature, b"text"), (11, changed, b"text"), (11, signature, b"test")):
+                self.run_tool("verify", "-", "--signature", write("given", given), "--cert", "own.crt",
+                              code=code, stdin=text)
 
     def test_labels_may_be_chinese_and_are_unique_until_deleted(self):
         label = "\u5f20\u4e09 \u7684\u5bc6\u94a5"

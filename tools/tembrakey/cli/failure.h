@@ -18,7 +18,8 @@ enum class ExitCode : int {
     DoesNotExist = 7,  // a data object
     NoProvider = 8,    // a library cannot be loaded
     InputOutput = 9,   // a file cannot be read or written
-    PinLength = 10     // the token does not take a PIN of this length
+    PinLength = 10,    // the token does not take a PIN of this length
+    BadSignature = 11  // of a file
 };
 
 class Failure : public std::runtime_error {

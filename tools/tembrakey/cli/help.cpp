@@ -22,6 +22,7 @@ const char *const toolFooter =
     "   8  a library cannot be loaded\n"
     "   9  a file cannot be read or written\n"
     "  10  the token does not take a PIN of this length\n"
+    "  11  the signature is wrong\n"
     "\n"
     "Environment:\n"
     "  TEMBRA_KEY_PROV            path of the provider's library\n"

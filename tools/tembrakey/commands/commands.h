@@ -16,7 +16,8 @@ extern const CommandEntry loginCommand;
 extern const CommandEntry keyGenerateCommand, keyDeleteCommand, keyExportCommand, keyImportCommand,
     keyEnvelopeCommand;
 extern const CommandEntry certImportCommand, certExportCommand;
-extern const CommandEntry signCommand, encryptCommand, decryptCommand, hashCommand, randomCommand;
+extern const CommandEntry signCommand, verifyCommand;
+extern const CommandEntry encryptCommand, decryptCommand, hashCommand, randomCommand;
 extern const CommandEntry dataCreateCommand, dataReadCommand, dataWriteCommand, dataDeleteCommand;
 extern const CommandEntry tokenListCommand, tokenCreateCommand, tokenRemoveCommand;
 extern const CommandEntry traceCommand, doctorCommand;

@@ -1,8 +1,7 @@
 #include "crypto/hex.h"
-#include "crypto/sm2_sign.h"
 #include "tembrakey/commands/commands.h"
+#include "tembrakey/formats/to_be_signed.h"
 #include "tembrakey/io/files.h"
-#include "tembrakey/io/stream.h"
 #include "tembrakey/provider/buffers.h"
 #include "tembrakey/provider/devices.h"
 #include "tembrakey/provider/key_pairs.h"
@@ -18,47 +17,29 @@ public:
     void describe(Arguments &arguments) override {
         arguments.text("FILE", file_, "The file to sign (- is standard input)").required();
         key_.describe(arguments, false);
-        arguments
-            .text("--signer-id ID", signerId_,
-                  "SM2: the signer's identity (1234567812345678 unless agreed otherwise)")
-            .text("-o,--out FILE", out_,
-                  "Where the signature goes as bytes (else it is printed in hex)");
+        signerId_.describe(arguments);
+        arguments.text("-o,--out FILE", out_,
+                       "Where the signature goes as bytes (else it is printed in hex)");
         pin_.describe(arguments);
     }
     void run(Context &context) override;
 
 private:
-    crypto::Bytes digestInfo() const;
     crypto::Bytes sm2Digest(const KeyPair &pair) const;
-    crypto::Bytes fileDigest(crypto::Digest digest) const;
 
     std::string file_;
     KeyPairChoice key_;
-    std::string signerId_{crypto::sm2DefaultSignerId};
+    SignerId signerId_;
     std::string out_;
     PinSource pin_{"pin", "User PIN"};
 };
-
-crypto::Bytes Sign::fileDigest(crypto::Digest digest) const {
-    forEachPiece(file_, tr("Hashing"), [&](crypto::ByteView piece) { digest.update(piece); });
-    return digest.value();
-}
-
-crypto::Bytes Sign::digestInfo() const {
-    return crypto::sha256DigestInfo(fileDigest(crypto::Digest(crypto::DigestAlgorithm::sha256)));
-}
 
 crypto::Bytes Sign::sm2Digest(const KeyPair &pair) const {
     const auto key = publicKey(pair);
     const auto *sm2 = std::get_if<crypto::Sm2PublicKey>(&key);
     if (sm2 == nullptr)
         throw Failure(ExitCode::Failure, tr("The public key of {1} is no SM2 key", {label(pair)}));
-    const auto z = crypto::sm2SignerDigest(*sm2, signerId_);
-    if (!z)
-        throw Failure(ExitCode::Usage, tr("The signer's identity is longer than 8191 bytes"));
-    crypto::Digest digest(crypto::DigestAlgorithm::sm3);
-    digest.update(*z);
-    return fileDigest(std::move(digest));
+    return sm2ToBeSigned(file_, *sm2, signerId_);
 }
 
 void Sign::run(Context &context) {
@@ -68,7 +49,7 @@ void Sign::run(Context &context) {
     const bool rsa = isRsa(pair);
     const int algorithm =
         rsa ? ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_SIGN : ORVEL_PKI_ALGORITHM_SM2_SIGN;
-    const crypto::Bytes toSign = rsa ? digestInfo() : sm2Digest(pair);
+    const crypto::Bytes toSign = rsa ? rsaToBeSigned(file_) : sm2Digest(pair);
     logIn(device, pin_);
     const auto signature = readBytes("DeviceSign", [&](auto *buffer, int capacity, int *length) {
         return session->DeviceSign(pair.get(), algorithm, nullptr, toSign.data(),
@@ -94,6 +75,7 @@ const CommandEntry signCommand = {
     "file's\n"
     "SHA-256 digest with PKCS #1 v1.5 padding.",
     "  tembrakey sign letter.txt --label alice --out letter.sig --pin-env PIN\n"
+    "  tembrakey verify letter.txt --signature letter.sig --label alice\n"
     "  openssl dgst -sm3 -verify alice.pem -sigopt distid:1234567812345678 \\\n"
     "      -signature letter.sig letter.txt\n"
     "  tembrakey sign letter.txt --label bob --out letter.rsa\n"

@@ -103,9 +103,8 @@ std::optional<std::string> nameText(DerReader name) {
     return text;
 }
 
-} // namespace
-
-std::optional<std::string> certificateSubject(ByteView der) {
+// What a certificate says, from its subject on.
+std::optional<DerReader> fromSubject(ByteView der) {
     auto certificate = DerReader(der).sequence();
     auto body = certificate ? certificate->sequence() : std::nullopt;
     if (!body)
@@ -115,8 +114,25 @@ std::optional<std::string> certificateSubject(ByteView der) {
         body->element(crypto::der::integer);
     if (!body->sequence() || !body->sequence() || !body->sequence()) // algorithm, issuer, validity
         return std::nullopt;
-    const auto subject = body->sequence();
+    return body;
+}
+
+} // namespace
+
+std::optional<std::string> certificateSubject(ByteView der) {
+    auto body = fromSubject(der);
+    const auto subject = body ? body->sequence() : std::nullopt;
     return subject ? nameText(*subject) : std::nullopt;
+}
+
+std::optional<crypto::PublicKey> certificatePublicKey(ByteView der) {
+    auto body = fromSubject(der);
+    if (!body || !body->sequence())
+        return std::nullopt;
+    const auto info = body->element(crypto::der::sequence);
+    return info ? crypto::decodePublicKey(
+                      crypto::DerWriter().element(crypto::der::sequence, *info).bytes())
+                : std::nullopt;
 }
 
 bool isDerSequence(ByteView bytes) {

@@ -28,6 +28,12 @@ crypto::SecretBytes readDer(const std::string &path, std::string_view pemLabel) 
     throw Failure(ExitCode::Usage, tr("{1} holds neither PEM \"{2}\" nor DER", {path, pemLabel}));
 }
 
+crypto::PublicKey required(const std::optional<crypto::PublicKey> &key, const std::string &path) {
+    if (!key)
+        throw Failure(ExitCode::Usage, tr("{1} holds no RSA or SM2 public key", {path}));
+    return *key;
+}
+
 } // namespace
 
 crypto::Bytes readCertificate(const std::string &path) {
@@ -38,10 +44,11 @@ crypto::Bytes readCertificate(const std::string &path) {
 }
 
 crypto::PublicKey readPublicKey(const std::string &path) {
-    const auto key = crypto::decodePublicKey(readDer(path, "PUBLIC KEY"));
-    if (!key)
-        throw Failure(ExitCode::Usage, tr("{1} holds no RSA or SM2 public key", {path}));
-    return *key;
+    return required(crypto::decodePublicKey(readDer(path, "PUBLIC KEY")), path);
+}
+
+crypto::PublicKey readCertifiedKey(const std::string &path) {
+    return required(certificatePublicKey(readCertificate(path)), path);
 }
 
 crypto::PrivateKey readPrivateKey(const std::string &path, crypto::ByteView content) {

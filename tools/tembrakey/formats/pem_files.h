@@ -14,6 +14,9 @@ crypto::Bytes readCertificate(const std::string &path);
 // A public key from "PUBLIC KEY" PEM or SubjectPublicKeyInfo DER.
 crypto::PublicKey readPublicKey(const std::string &path);
 
+// The public key of the X.509 certificate in a PEM or DER file.
+crypto::PublicKey readCertifiedKey(const std::string &path);
+
 // An unencrypted private key from PEM: PKCS #8, PKCS #1 or SEC 1.
 crypto::PrivateKey readPrivateKey(const std::string &path, crypto::ByteView content);
 

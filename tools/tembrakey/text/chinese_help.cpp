@@ -43,6 +43,7 @@ const Translation helpTexts[] = {
                  "   8  无法加载库\n"
                  "   9  无法读写文件\n"
                  "  10  令牌不接受此长度的 PIN\n"
+                 "  11  签名错误\n"
                  "\n"
                  "环境变量：\n"
                  "  TEMBRA_KEY_PROV            提供者库的路径\n"
@@ -76,6 +77,7 @@ const Translation helpTexts[] = {
      "为密钥对写入证书，替换原有证书"},
     {"Read a certificate from the token", "从令牌读取证书"},
     {"Sign a file with a key on the token", "用令牌上的密钥对文件签名"},
+    {"Check the signature of a file", "验证文件的签名"},
     {"Encrypt a file on the token with a raw key", "用明文密钥在令牌上加密文件"},
     {"Decrypt a file on the token, with a raw key or with a private key",
      "在令牌上用明文密钥或私钥解密文件"},
@@ -143,6 +145,11 @@ const Translation helpTexts[] = {
      "SM2：签名者标识（无另行约定时为 1234567812345678）"},
     {"Where the signature goes as bytes (else it is printed in hex)",
      "签名写到哪里（默认以十六进制显示）"},
+    {"The signed file (- is standard input)", "已签名的文件（- 为标准输入）"},
+    {"The signature, as sign writes or prints it", "签名，即 sign 写出或显示的内容"},
+    {"The label of the signer's key on the token", "签名者密钥在令牌上的标签"},
+    {"The signer's public key, PEM or DER", "签名者的公钥，PEM 或 DER"},
+    {"The signer's X.509 certificate, PEM or DER", "签名者的 X.509 证书，PEM 或 DER"},
     {"{1} from an environment variable", "{1}，取自环境变量"},
     {"{1} from a line of an open file descriptor", "{1}，取自已打开的文件描述符的一行"},
     {"PIN or key", "PIN 或密钥"},
@@ -174,6 +181,11 @@ const Translation helpTexts[] = {
      "SHA-256 digest with PKCS #1 v1.5 padding.",
      "SM2 密钥对 Z 与文件的 SM3 摘要签名，签名为 DER；RSA 密钥对文件的 SHA-256 摘要\n"
      "以 PKCS #1 v1.5 填充签名。"},
+    {"The exit code is 0 when the signature is right and 11 when it is wrong. No PIN is needed,\n"
+     "and with --key or --cert neither token nor provider. Of a certificate only the key is used:\n"
+     "who issued it, and until when it holds, is for you to check.",
+     "签名正确时退出码为 0，错误时为 11。不需要 PIN；用 --key 或 --cert 时也不需要令牌和\n"
+     "提供者。证书只取其中的公钥：签发者与有效期须自行核对。"},
     {"With --key-file or --key-hex the cipher is symmetric; else the private key of --label is "
      "used\n"
      "(SM2 ciphertext in DER as GM/T 0009 has it, or flat: 04 x y C2 C3; RSA PKCS #1 v1.5).",

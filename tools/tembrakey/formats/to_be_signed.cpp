@@ -1,0 +1,39 @@
+#include "tembrakey/formats/to_be_signed.h"
+
+#include "crypto/rsa.h"
+#include "tembrakey/cli/failure.h"
+#include "tembrakey/io/stream.h"
+#include "tembrakey/text/text.h"
+
+namespace tembra::tool {
+
+namespace {
+
+crypto::Bytes withFile(crypto::Digest digest, const std::string &file) {
+    forEachPiece(file, tr("Hashing"), [&](crypto::ByteView piece) { digest.update(piece); });
+    return digest.value();
+}
+
+} // namespace
+
+void SignerId::describe(Arguments &arguments) {
+    arguments.text("--signer-id ID", value,
+                   "SM2: the signer's identity (1234567812345678 unless agreed otherwise)");
+}
+
+crypto::Bytes rsaToBeSigned(const std::string &file) {
+    const crypto::Digest digest(crypto::DigestAlgorithm::sha256);
+    return crypto::sha256DigestInfo(withFile(digest, file));
+}
+
+crypto::Bytes sm2ToBeSigned(const std::string &file, const crypto::Sm2PublicKey &key,
+                            const SignerId &signer) {
+    const auto z = crypto::sm2SignerDigest(key, signer.value);
+    if (!z)
+        throw Failure(ExitCode::Usage, tr("The signer's identity is longer than 8191 bytes"));
+    crypto::Digest digest(crypto::DigestAlgorithm::sm3);
+    digest.update(*z);
+    return withFile(std::move(digest), file);
+}
+
+} // namespace tembra::tool
