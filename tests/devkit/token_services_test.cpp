@@ -1,4 +1,4 @@
-// Lists, files, space, ciphers and digests.
+// Lists, files, ciphers and digests.
 #include "token_fixture.h"
 
 #include "crypto/hex.h"
@@ -23,11 +23,6 @@ protected:
         Bytes data(size + 1);
         ULONG length = size;
         return SKF_ReadFile(application, text(file), offset, size, data.data(), &length);
-    }
-    ULONG freeSpace() const {
-        DEVINFO info = {};
-        EXPECT_EQ(SAR_OK, SKF_GetDevInfo(device, &info));
-        return info.FreeSpace;
     }
 };
 
@@ -91,23 +86,6 @@ TEST_F(TokenServices, FilesKeepTheirRightsAndSizes) {
         EXPECT_EQ(SAR_INDATALENERR, write("admin", offset, {7, 8, 9}));
         EXPECT_EQ(SAR_INDATALENERR, read("admin", offset, 3));
     }
-}
-
-TEST_F(TokenServices, SpaceRunsOutAndComesBack) {
-    const HCONTAINER container = createSm2("sm2");
-    ULONG before = freeSpace();
-    Bytes certificate(700, 0x30);
-    EXPECT_EQ(SAR_OK, SKF_ImportCertificate(container, 1, certificate.data(), 700));
-    EXPECT_EQ(before - 700, freeSpace());
-    before -= 700;
-    EXPECT_EQ(SAR_NO_ROOM, createFile("big", before, 0xFF));
-    EXPECT_EQ(SAR_OK, createFile("big", before - 48, 0xFF));
-    EXPECT_EQ(0U, freeSpace());
-    HCONTAINER refused = nullptr;
-    EXPECT_EQ(SAR_NO_ROOM, SKF_CreateContainer(application, text("one"), &refused));
-    EXPECT_EQ(SAR_OK, write("big", before - 49, {1})) << "what is there may change";
-    EXPECT_EQ(SAR_OK, SKF_DeleteFile(application, text("big")));
-    EXPECT_EQ(before, freeSpace());
 }
 
 TEST_F(TokenServices, CiphersThatAreNotThereOrLackSomethingAreRefused) {

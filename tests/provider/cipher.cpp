@@ -183,24 +183,5 @@ TEST_F(Ciphers, FailuresOfTheTokenKeepTheChain) {
     DeviceFreeCipher(cipher);
 }
 
-// A token that takes odd lengths: nothing is read before the buffers, the chain stays as it was.
-TEST_F(Ciphers, PiecesShorterThanABlockLeaveTheChainAlone) {
-    insert({});
-    const auto accept = [](HANDLE, BYTE *, ULONG, BYTE *, ULONG *) { return SAR_OK; };
-    script().SKF_Encrypt.run(accept);
-    script().SKF_Decrypt.run(accept);
-    for (const int enc : {1, 0}) {
-        SPI_CIPHER_HANDLE cipher = DeviceNewCipher(device, enc, sm4Cbc, key.data(), 16, iv.data());
-        Bytes data(5, 1);
-        int length = 0;
-        EXPECT_EQ(DeviceCipherUpdate(cipher, data.data(), 5, data.data(), 5, &length), 1);
-        EXPECT_EQ(DeviceCipherUpdate(cipher, data.data(), 5, data.data(), 5, &length), 1);
-        const BLOCKCIPHERPARAM used =
-            enc ? script().SKF_EncryptInit.argument<1>() : script().SKF_DecryptInit.argument<1>();
-        EXPECT_EQ(Bytes(used.IV, used.IV + 16), iv);
-        DeviceFreeCipher(cipher);
-    }
-}
-
 } // namespace
 } // namespace tembra::test

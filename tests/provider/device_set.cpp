@@ -14,15 +14,6 @@ TEST_F(DeviceSets, PickWithinTheirCount) {
               errors("DeviceGetDevice", "index < 0 || index >= hDeviceSet->m_count"));
 }
 
-TEST_F(DeviceSets, LockingIsANoOp) {
-    insert({});
-    for (SPI_DEVICE_HANDLE handle : {device, SPI_DEVICE_HANDLE{}}) {
-        EXPECT_EQ(DeviceLockDevice(handle), 1);
-        EXPECT_EQ(DeviceUnlockDevice(handle), 1);
-    }
-    EXPECT_THAT(callsSinceMark(), IsEmpty());
-}
-
 TEST_F(DeviceSets, FreeingTheSetDestroysItsDevices) {
     insert({ecc("sm2", true, true), rsa("rsa", 1024, true, false)});
     EXPECT_EQ(referencesAfterRelease(), 5) << "the set, the device handle, three pairs";
