@@ -98,6 +98,23 @@ TEST_F(OddRecords, SignatureOfNothing) {
     }
 }
 
+TEST_F(OddRecords, PublicKeyOfMoreThan1024Bytes) {
+    for (const int size : {1024, 1025, 5000}) {
+        script().OrvelPKICryptoEncodeECCPubKey.run([size](auto, auto, auto, auto, auto,
+                                                          unsigned char **out, int *outLength) {
+            const Bytes filler(static_cast<std::size_t>(size), 'k');
+            return memory_token::OrvelPKICryptoEncodeRSAPubKey(filler.data(), size - 7,
+                                                               filler.data(), 4, out, outLength);
+        });
+        resetDevices();
+        insert({ecc("sm2", true, false)});
+        SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(pair("sm2", 2));
+        EXPECT_EQ(key != nullptr, size <= 1024);
+        EXPECT_EQ(trace().failures().size(), size <= 1024 ? 0u : 1u);
+        DeviceFreePublicKey(key);
+    }
+}
+
 TEST_F(OddRecords, KeylessContainerWithAKey) {
     const TembraEccParam sm2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
     device->m_containers[0]->m_type = CONTAINER_TYPE_EMPTY;

@@ -51,17 +51,18 @@ TEST_F(TraceLevels, FollowTheVariableAtEveryStatement) {
 
 TEST_F(TraceLevels, DumpInCapitalHex) {
     trace().setLevel("5");
-    mark();
     const unsigned char in[] = {0x00, 0xAB, 0x7F};
-    EXPECT_EQ(DeviceCipherUpdate(nullptr, in, sizeof in, nullptr, 0, nullptr), -2);
-    EXPECT_TRUE(trace().contains(verbose("DeviceCipherUpdate", "in[length:3]: 00AB7F")));
-    mark();
-    EXPECT_EQ(DeviceCipherUpdate(nullptr, nullptr, 3, nullptr, 0, nullptr), -2);
-    EXPECT_EQ(DeviceCipherUpdate(nullptr, in, 0, nullptr, 0, nullptr), -2);
-    EXPECT_EQ(DeviceCipherUpdate(nullptr, in, -5, nullptr, 0, nullptr), -2);
-    EXPECT_TRUE(trace().contains(verbose("DeviceCipherUpdate", "in[length:3]: ")));
-    EXPECT_TRUE(trace().contains(verbose("DeviceCipherUpdate", "in[length:0]: ")));
-    EXPECT_TRUE(trace().contains(verbose("DeviceCipherUpdate", "in[length:-5]: ")));
+    const struct {
+        const unsigned char *in;
+        int size;
+        const char *dump;
+    } cases[] = {{in, 3, "3]: 00AB7F"}, {nullptr, 3, "3]: "}, {in, 0, "0]: "}, {in, -5, "-5]: "}};
+    for (const auto &at : cases) {
+        mark();
+        EXPECT_EQ(DeviceCipherUpdate(nullptr, at.in, at.size, nullptr, 0, nullptr), -2);
+        EXPECT_TRUE(
+            trace().contains(verbose("DeviceCipherUpdate", std::string("in[length:") + at.dump)));
+    }
 }
 
 TEST_F(TraceLevels, ShowValuesAsPrintfDoes) {

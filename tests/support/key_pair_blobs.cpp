@@ -96,7 +96,7 @@ void appendNumber(Bytes &blob, std::uint32_t value) {
 }
 
 void fixLength(Bytes &blob) {
-    putNumber(blob, 16, static_cast<std::uint32_t>(blob.size() - headerSize));
+    putNumber(blob, 16, static_cast<std::uint32_t>(blob.size() - 20));
 }
 
 void allowPlainRsa(int bits) {

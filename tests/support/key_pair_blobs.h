@@ -26,9 +26,6 @@ struct RsaEnvelope {
     Bytes blob() const;
 };
 
-// Where the pieces of an SM2 payload with L = 16 begin, counted from the start of the blob.
-inline constexpr std::size_t headerSize = 20;
-
 // A plain blob ("_KEYPAIR"): x, y and d of 32 bytes each.
 Bytes plainSm2(const Bytes &d);
 // A plain blob of an RSA key: what follows the modulus length comes out of the host library in

@@ -17,19 +17,17 @@
 namespace tembra::test {
 
 struct KeptByContract {
-#ifdef TEMBRA_HAS_LEAK_CHECK
-    KeptByContract() {
-        __lsan_disable();
-    }
-    ~KeptByContract() {
-        __lsan_enable();
-    }
-#else
-    KeptByContract() {}
-    ~KeptByContract() {}
-#endif
+    KeptByContract() { report(false); }
+    ~KeptByContract() { report(true); }
     KeptByContract(const KeptByContract &) = delete;
     KeptByContract &operator=(const KeptByContract &) = delete;
+
+private:
+    static void report([[maybe_unused]] bool on) {
+#ifdef TEMBRA_HAS_LEAK_CHECK
+        on ? __lsan_enable() : __lsan_disable();
+#endif
+    }
 };
 
 // Looks for lost memory now and reports it; false where nobody looks.

@@ -84,11 +84,6 @@ void ProviderAllocator::refuseAbove(std::size_t size) {
     state().largest = size;
 }
 
-unsigned ProviderAllocator::asked() {
-    const std::lock_guard guard(state().mutex);
-    return state().asked;
-}
-
 unsigned ProviderAllocator::refused() {
     const std::lock_guard guard(state().mutex);
     return state().refused;
@@ -102,12 +97,6 @@ std::size_t ProviderAllocator::live() {
 void ProviderAllocator::observeFrees(Observer observer) {
     const std::lock_guard guard(state().mutex);
     state().observer = std::move(observer);
-}
-
-void ProviderAllocator::forEachLive(const Observer &observer) {
-    const std::lock_guard guard(state().mutex);
-    for (const auto &[block, size] : state().blocks)
-        observer(static_cast<const unsigned char *>(block), size);
 }
 
 void ProviderAllocator::discard(void *block) {

@@ -15,8 +15,7 @@ struct ProviderAllocator {
     static void failAt(unsigned nth, bool everAfter = false);
     // Larger blocks are always refused; 0: whatever there is.
     static void refuseAbove(std::size_t size);
-    // Allocations asked for, and refused, since the last failAt().
-    static unsigned asked();
+    // Allocations refused since the last failAt().
     static unsigned refused();
 
     // Blocks that the provider holds now.
@@ -25,8 +24,6 @@ struct ProviderAllocator {
     // Is shown every block as it is when the provider frees it; an empty function ends that.
     using Observer = std::function<void(const unsigned char *block, std::size_t size)>;
     static void observeFrees(Observer observer);
-    // Shows the blocks that the provider holds now.
-    static void forEachLive(const Observer &observer);
     // Frees a block that the provider holds and will not look at again.
     static void discard(void *block);
 };

@@ -11,10 +11,6 @@
 namespace tembra::test {
 namespace {
 
-std::string line(const char *level, const std::string &function, const std::string &message) {
-    return std::string("[") + level + "] [" + function + "] " + message;
-}
-
 void printTrace() {
     std::printf("trace since the mark:\n");
     for (const std::string &text : trace().texts())
@@ -23,21 +19,6 @@ void printTrace() {
 
 } // namespace
 
-std::string error(const std::string &function, const std::string &message) {
-    return line("ERROR", function, message);
-}
-std::string warning(const std::string &function, const std::string &message) {
-    return line("WARN", function, message);
-}
-std::string info(const std::string &function, const std::string &message) {
-    return line("INFO", function, message);
-}
-std::string debug(const std::string &function, const std::string &message) {
-    return line("DEBUG", function, message);
-}
-std::string verbose(const std::string &function, const std::string &message) {
-    return line("VERBOSE", function, message);
-}
 Lines errors(const std::string &function, const char *message) {
     return message == nullptr ? Lines() : Lines{error(function, message)};
 }

@@ -15,12 +15,15 @@ namespace tembra::test {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// The line that a failed check writes: error("DeviceSign", "hKeypair == 0").
-std::string error(const std::string &function, const std::string &message);
-std::string warning(const std::string &function, const std::string &message);
-std::string info(const std::string &function, const std::string &message);
-std::string debug(const std::string &function, const std::string &message);
-std::string verbose(const std::string &function, const std::string &message);
+// A line of the trace: error("DeviceSign", "hKeypair == 0") is the one that this check writes.
+struct LineAt {
+    const char *level;
+    std::string operator()(const std::string &function, const std::string &message) const {
+        return std::string("[") + level + "] [" + function + "] " + message;
+    }
+};
+inline constexpr LineAt error{"ERROR"}, warning{"WARN"}, info{"INFO"}, debug{"DEBUG"},
+    verbose{"VERBOSE"};
 // What trace().failures() holds after one error, or without a message: nothing.
 Lines errors(const std::string &function, const char *message);
 

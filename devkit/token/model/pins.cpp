@@ -7,10 +7,6 @@ namespace {
 constexpr std::size_t minPinLength = 6;
 constexpr std::size_t maxPinLength = 16;
 
-crypto::ByteView bytesOf(std::string_view text) {
-    return {reinterpret_cast<const std::uint8_t *>(text.data()), text.size()};
-}
-
 } // namespace
 
 void requirePinLength(std::string_view pin) {
@@ -19,7 +15,7 @@ void requirePinLength(std::string_view pin) {
 
 Pin makePin(std::string_view text, std::uint32_t maxTries, unsigned iterations) {
     requirePinLength(text);
-    return {crypto::hashPin(bytesOf(text), iterations), maxTries, maxTries, true};
+    return {crypto::hashPin(crypto::asBytes(text), iterations), maxTries, maxTries, true};
 }
 
 void checkPin(Change &change, Pin &pin, std::string_view text, ULONG *triesLeft) {
@@ -30,7 +26,7 @@ void checkPin(Change &change, Pin &pin, std::string_view text, ULONG *triesLeft)
     require(pin.triesLeft > 0, SAR_PIN_LOCKED);
     --pin.triesLeft;
     change.commit();
-    if (!crypto::pinMatches(bytesOf(text), pin.secret)) {
+    if (!crypto::pinMatches(crypto::asBytes(text), pin.secret)) {
         if (triesLeft != nullptr) {
             *triesLeft = pin.triesLeft;
         }
@@ -44,7 +40,7 @@ void checkPin(Change &change, Pin &pin, std::string_view text, ULONG *triesLeft)
 }
 
 void replacePin(Pin &pin, std::string_view text) {
-    pin.secret = crypto::hashPin(bytesOf(text), pin.secret.iterations);
+    pin.secret = crypto::hashPin(crypto::asBytes(text), pin.secret.iterations);
     pin.triesLeft = pin.maxTries;
     pin.isDefault = false;
 }

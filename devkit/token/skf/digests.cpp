@@ -19,8 +19,7 @@ namespace {
 // A signature covers its signer: the digest begins with Z, that of identity and public key.
 void addSigner(crypto::Digest &digest, const ECCPUBLICKEYBLOB *publicKey, crypto::ByteView id) {
     requirePointer(publicKey);
-    const std::string_view text(reinterpret_cast<const char *>(id.data()), id.size());
-    const auto z = crypto::sm2SignerDigest(model::fromBlob(*publicKey), text);
+    const auto z = crypto::sm2SignerDigest(model::fromBlob(*publicKey), crypto::asText(id));
     require(z.has_value(), SAR_INDATALENERR);
     digest.update(*z);
 }

@@ -49,8 +49,7 @@ Json nameText(const std::string &name) {
         (void)Json(name).dump();
         return name;
     } catch (const Json::type_error &) {
-        return Json{
-            {"hex", hex({reinterpret_cast<const std::uint8_t *>(name.data()), name.size()})}};
+        return Json{{"hex", hex(crypto::asBytes(name))}};
     }
 }
 

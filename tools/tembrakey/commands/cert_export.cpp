@@ -53,8 +53,7 @@ void CertExport::run(Context &context) {
         context.console.result(record.add("pem", pem), pem.substr(0, pem.size() - 1));
         return;
     }
-    const crypto::ByteView asPem(reinterpret_cast<const std::uint8_t *>(pem.data()), pem.size());
-    writeWhole(out_, der_ ? crypto::ByteView(der) : asPem);
+    writeWhole(out_, der_ ? crypto::ByteView(der) : crypto::asBytes(pem));
     if (out_ != "-")
         context.console.result(record.add("out", out_), tr("Certificate written to {1}", {out_}));
 }

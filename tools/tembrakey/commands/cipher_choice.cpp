@@ -74,7 +74,7 @@ crypto::SecretBytes CipherChoice::key() const {
     if (key.size() > blockSize && !keyFile_.empty()) {
         while (!key.empty() && (key.back() == '\n' || key.back() == '\r'))
             key.pop_back();
-        key = fromHex({reinterpret_cast<const char *>(key.data()), key.size()});
+        key = fromHex(crypto::asText(key));
     }
     if (key.size() != blockSize)
         throw Failure(ExitCode::Usage, tr("The key must be 16 bytes"));

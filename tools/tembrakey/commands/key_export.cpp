@@ -33,7 +33,7 @@ void KeyExport::run(Context &context) {
         context.console.result(record.add("pem", pem), pem.substr(0, pem.size() - 1));
         return;
     }
-    writeWhole(out_, {reinterpret_cast<const std::uint8_t *>(pem.data()), pem.size()});
+    writeWhole(out_, crypto::asBytes(pem));
     if (out_ != "-")
         context.console.result(record.add("out", out_), tr("Public key written to {1}", {out_}));
 }

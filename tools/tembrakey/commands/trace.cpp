@@ -19,14 +19,6 @@ namespace {
 
 constexpr std::size_t mostFailures = 1000; // in the list at the top
 
-std::string_view asText(crypto::ByteView bytes) {
-    return {reinterpret_cast<const char *>(bytes.data()), bytes.size()};
-}
-
-crypto::ByteView asBytes(std::string_view text) {
-    return {reinterpret_cast<const std::uint8_t *>(text.data()), text.size()};
-}
-
 std::vector<std::string> split(const std::string &list) {
     std::vector<std::string> parts;
     for (std::size_t at = 0; at < list.size();) {
@@ -121,15 +113,17 @@ trace::Filter Trace::filter() const {
 
 trace::Summary Trace::read(trace::Mask mask, Funnel funnel, const char *what) const {
     trace::TraceReader reader(mask, funnel);
-    forEachPiece(file_, tr(what), [&](crypto::ByteView piece) { reader.feed(asText(piece)); });
+    forEachPiece(file_, tr(what),
+                 [&](crypto::ByteView piece) { reader.feed(crypto::asText(piece)); });
     reader.finish();
     return reader.summary();
 }
 
 void Trace::redact(const Console &console) const {
     OutputFile file(copy_);
-    trace::RedactingCopy copy([&](std::string_view text) { file.write(asBytes(text)); });
-    forEachPiece(file_, tr("Masking"), [&](crypto::ByteView piece) { copy.feed(asText(piece)); });
+    trace::RedactingCopy copy([&](std::string_view text) { file.write(crypto::asBytes(text)); });
+    forEachPiece(file_, tr("Masking"),
+                 [&](crypto::ByteView piece) { copy.feed(crypto::asText(piece)); });
     copy.finish();
     file.commit();
     const auto masked = static_cast<std::int64_t>(copy.maskedLines());
@@ -150,7 +144,7 @@ void Trace::writePage(const Console &console, const trace::Filter &wanted) const
     OutputFile file(page_);
     const auto slash = file_.find_last_of("/\\");
     const std::string name = slash == file_.npos ? file_ : file_.substr(slash + 1);
-    content.write([&](std::string_view text) { file.write(asBytes(text)); }, name, summary,
+    content.write([&](std::string_view text) { file.write(crypto::asBytes(text)); }, name, summary,
                   !wanted.isEmpty(), &tr);
     file.commit();
     if (page_ != "-")

@@ -10,16 +10,12 @@ namespace tembra::tool {
 
 namespace {
 
-std::string_view asText(crypto::ByteView bytes) {
-    return {reinterpret_cast<const char *>(bytes.data()), bytes.size()};
-}
-
 // The file's first block of this label, or the whole file when it is DER.
 crypto::SecretBytes readDer(const std::string &path, std::string_view pemLabel) {
     crypto::SecretBytes content = readWhole(path);
     if (isDerSequence(content))
         return content;
-    if (const auto blocks = crypto::decodePem(asText(content))) {
+    if (const auto blocks = crypto::decodePem(crypto::asText(content))) {
         for (const crypto::PemBlock &block : *blocks) {
             if (block.label == pemLabel)
                 return block.data;
@@ -52,7 +48,7 @@ crypto::PublicKey readCertifiedKey(const std::string &path) {
 }
 
 crypto::PrivateKey readPrivateKey(const std::string &path, crypto::ByteView content) {
-    auto key = crypto::decodePrivateKeyPem(asText(content));
+    auto key = crypto::decodePrivateKeyPem(crypto::asText(content));
     if (!key)
         throw Failure(ExitCode::Usage,
                       tr("{1} holds no unencrypted RSA or SM2 private key in PEM", {path}));
