@@ -40,7 +40,9 @@ class Imports(CommandTest):
                 for kind in (("sm2", "rsa1024") if IS_WINDOWS else KINDS)
                 for form in ("PRIVATE KEY", "enveloped", "enveloped --gdk")
                 if "--gdk" not in form or kind == "sm2"]
-        rows += [("sm2", "SM2 PRIVATE KEY", 0), ("sm2", "EC PRIVATE KEY", 0), ("rsa1024", "RSA PRIVATE KEY", 0)]
+        if not IS_WINDOWS:  # where files are the same
+            rows += [("sm2", "SM2 PRIVATE KEY", 0), ("sm2", "EC PRIVATE KEY", 0),
+                     ("rsa1024", "RSA PRIVATE KEY", 0)]
         for kind, form, setting in rows:
             with self.subTest(kind=kind, form=form, setting=setting):
                 self.settings(HasSM4=1, SupportGDKMSM2Import=setting)
