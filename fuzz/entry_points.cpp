@@ -1,7 +1,7 @@
 // Entry points in any order with any arguments, over tokens that do what they should unless the
 // plan, which is part of the input, lets a call or an allocation fail.
-#include "support/operations.h"
 #include "support/provider_run.h"
+#include "support/session.h"
 
 #include "../tests/support/call_faults.h"
 #include "../tests/support/key_pair_blobs.h"
@@ -60,10 +60,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     insertTokens(input);
     test::allowPlainRsa(1024);
     planFaults(input, run);
-    Session session(input);
-    operations()[0](session);
-    session.keep(session.devices, DeviceGetDevice(session.any(session.sets), 0));
-    for (int steps = 0; steps < 100 && !input.done(); ++steps)
-        session.step();
+    Session(input).play(100);
     return 0;
 }

@@ -1,8 +1,8 @@
 // Entry points over a token and a host library that answer whatever they like: the first part of
 // the input says what, the second which entry points are called.
 #include "support/lies.h"
-#include "support/operations.h"
 #include "support/provider_run.h"
+#include "support/session.h"
 
 using namespace tembra;
 using namespace tembra::fuzz;
@@ -15,10 +15,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const Bytes answers = input.bytes(4u * input.byte());
     Input lies(answers.data(), answers.size());
     tellLies(lies);
-    Session session(input);
-    operations()[0](session);
-    session.keep(session.devices, DeviceGetDevice(session.any(session.sets), 0));
-    for (int steps = 0; steps < 60 && !input.done(); ++steps)
-        session.step();
+    Session(input).play(60);
     return 0;
 }

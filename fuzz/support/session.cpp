@@ -40,8 +40,11 @@ test::Bytes anyBlob(Input &in) {
 
 } // namespace
 
-void Session::step() {
-    operations()[in.byte() % operations().size()](*this);
+void Session::play(int calls) {
+    operations().front()(*this);
+    keep(devices, DeviceGetDevice(any(sets), 0));
+    for (; calls > 0 && !in.done(); --calls)
+        operations()[in.byte() % operations().size()](*this);
 }
 
 Session::~Session() {

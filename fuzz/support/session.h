@@ -20,8 +20,8 @@ public:
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
 
-    // One call, chosen by the input.
-    void step();
+    // A discovery, then calls chosen by the input until it is used up, at most so many.
+    void play(int calls);
 
     Input &in;
     std::vector<SPI_DEVICESET_HANDLE> sets;

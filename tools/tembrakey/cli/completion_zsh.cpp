@@ -25,7 +25,7 @@ std::string zshValue(const OptionWords &option) {
 }
 
 // "'(-l --label)--label=[help]:LABEL: '" for each name of each option.
-std::string optionSpecs(const CommandWords &command) {
+std::string optionForms(const CommandWords &command) {
     std::string lines;
     for (const OptionWords &option : command.options) {
         std::string all;
@@ -58,12 +58,12 @@ std::string zshCompletion(const CLI::App &app) {
     std::string cases;
     for (std::size_t i = 0; i < commands.size(); ++i) {
         const std::string list = subcommands(commands[i]);
-        const std::string specs = i > 0 ? optionSpecs(commands[i]) : std::string();
+        const std::string forms = i > 0 ? optionForms(commands[i]) : std::string();
         cases += "    (" + zshQuoted(commands[i].name) + ")\n";
         if (!list.empty())
             cases += "        subcommands=(\n" + list + "        )\n";
-        if (!specs.empty())
-            cases += "        specs+=(\n" + specs + "        )\n";
+        if (!forms.empty())
+            cases += "        forms+=(\n" + forms + "        )\n";
         cases += "        ;;\n";
     }
     return "#compdef tembrakey\n"
@@ -73,7 +73,7 @@ std::string zshCompletion(const CLI::App &app) {
            "}\n"
            "_tembrakey() {\n"
            "    local command=tembrakey\n"
-           "    local -a subcommands specs\n"
+           "    local -a subcommands forms\n"
            "    integer i at=1\n"
            "    for (( i = 2; i < CURRENT; ++i )); do\n"
            "        case \"$command $words[i]\" in\n"
@@ -82,16 +82,16 @@ std::string zshCompletion(const CLI::App &app) {
            ") command+=\" $words[i]\" at=i ;;\n"
            "        esac\n"
            "    done\n"
-           "    specs=(\n" +
-           optionSpecs(commands[0]) +
+           "    forms=(\n" +
+           optionForms(commands[0]) +
            "    )\n"
            "    case $command in\n" +
            cases +
            "    esac\n"
-           "    [[ $#subcommands -eq 0 ]] || specs+=('1:command:_tembrakey_subcommands')\n"
+           "    [[ $#subcommands -eq 0 ]] || forms+=('1:command:_tembrakey_subcommands')\n"
            "    shift $(( at - 1 )) words\n"
            "    (( CURRENT -= at - 1 ))\n"
-           "    _arguments -s $specs\n"
+           "    _arguments -s $forms\n"
            "}\n"
            "if [[ $funcstack[1] == _tembrakey ]]; then\n"
            "    _tembrakey \"$@\"\n"
