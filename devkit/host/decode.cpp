@@ -2,9 +2,9 @@
 #include "platform/orvel_crypto.h"
 
 #include "arguments.h"
+#include "crypto/key_pair_blob.h"
 #include "crypto/public_key.h"
-#include "door/call.h"
-#include "key_pair_blob.h"
+#include "fault_injection/call.h"
 #include "tembra_key_prov.h"
 
 using namespace tembra;
@@ -53,7 +53,7 @@ int OrvelPKICryptoDecodeECCKeyPair(const unsigned char *blob, int blobLen, int *
     door::Call call("OrvelPKICryptoDecodeECCKeyPair");
     call.secret("blob", blob).number("blobLen", blobLen);
     return call.answer<int>(0, [&] {
-        const auto decoded = host::decodeKeyPairBlob(host::view(blob, blobLen));
+        const auto decoded = crypto::decodeKeyPairBlob(host::view(blob, blobLen));
         const auto *sm2 = decoded ? std::get_if<crypto::Sm2KeyPair>(&*decoded) : nullptr;
         if (sm2 == nullptr || !host::given({curve, x, xLen, y, yLen, d, dLen})) {
             return 0;
@@ -73,7 +73,7 @@ int OrvelPKICryptoRSAPrivKeyToDER(const unsigned char *blob, int blobLen, unsign
     door::Call call("OrvelPKICryptoRSAPrivKeyToDER");
     call.secret("blob", blob).number("blobLen", blobLen);
     return call.answer<int>(0, [&] {
-        const auto decoded = host::decodeKeyPairBlob(host::view(blob, blobLen));
+        const auto decoded = crypto::decodeKeyPairBlob(host::view(blob, blobLen));
         const auto *rsa = decoded ? std::get_if<crypto::RsaPrivateKey>(&*decoded) : nullptr;
         if (rsa == nullptr || !host::given({der, derLen})) {
             return 0;

@@ -4,7 +4,7 @@
 #include "arguments.h"
 #include "crypto/public_key.h"
 #include "crypto/sm2_encoding.h"
-#include "door/call.h"
+#include "fault_injection/call.h"
 #include "tembra_key_prov.h"
 
 using namespace tembra;

@@ -1,6 +1,6 @@
 #include "tembra_devkit_faults.h"
 
-#include "door/control.h"
+#include "fault_injection/control.h"
 #include "handed_out.h"
 
 using namespace tembra;

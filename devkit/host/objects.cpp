@@ -4,7 +4,7 @@
 #include "arguments.h"
 #include "crypto/public_key.h"
 #include "crypto/random.h"
-#include "door/call.h"
+#include "fault_injection/call.h"
 
 using namespace tembra;
 using host::Kind;

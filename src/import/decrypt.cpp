@@ -5,7 +5,7 @@
 #include "platform/memory.h"
 #include "platform/skf_arguments.h"
 #include "provider/keypair_table.h"
-#include "provider/verdict.h"
+#include "provider/outcome.h"
 
 #include <cstring>
 

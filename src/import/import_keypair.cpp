@@ -6,7 +6,7 @@
 #include "platform/memory.h"
 #include "provider/keypair_table.h"
 #include "provider/lock.h"
-#include "provider/verdict.h"
+#include "provider/outcome.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -65,7 +65,7 @@ const char *checkHeader(const unsigned char *keyblob, std::size_t keybloblen, in
     return nullptr;
 }
 
-Verdict addKeypair(Device *hDevice, int index, int algo, const char *label,
+Outcome addKeypair(Device *hDevice, int index, int algo, const char *label,
                    SPI_KEYPAIR_HANDLE *phKeypair) {
     auto *hEncKeypair = allocateRecord<Keypair>();
     if (!hEncKeypair)
@@ -82,11 +82,11 @@ Verdict addKeypair(Device *hDevice, int index, int algo, const char *label,
     registerKeypair(hDevice, hEncKeypair);
     handOutKeypair(hDevice, hEncKeypair);
     *phKeypair = hEncKeypair;
-    return GO_ON;
+    return CONTINUE;
 }
 
 // An "SCAENCKP" blob, under the lock.
-Verdict importEnveloped(Device *hDevice, int index, const unsigned char *keyblob, int keybloblen,
+Outcome importEnveloped(Device *hDevice, int index, const unsigned char *keyblob, int keybloblen,
                         const char *label, SPI_KEYPAIR_HANDLE *phKeypair) {
     int algo = 0;
     if (const char *message = checkHeader(keyblob, static_cast<std::size_t>(keybloblen), algo))
@@ -110,7 +110,7 @@ struct Arguments {
     SPI_KEYPAIR_HANDLE *phKeypair;
 };
 
-Verdict checkArguments(const Device *hDevice, const Arguments &a) {
+Outcome checkArguments(const Device *hDevice, const Arguments &a) {
     if (!hDevice)
         return {ORVEL_PKI_NULLHANDLE, "hDevice == 0"};
     if (!a.keyblob || a.keybloblen <= MAGIC_LEN)
@@ -121,7 +121,7 @@ Verdict checkArguments(const Device *hDevice, const Arguments &a) {
         return {ORVEL_PKI_BADARGUMENT, "typelabel == 0 || label[0] == 0"};
     if (!a.phKeypair)
         return {ORVEL_PKI_BADARGUMENT, "phKeypair == 0"};
-    return GO_ON;
+    return CONTINUE;
 }
 
 // Whether anything can be imported there now that the lock is held.
@@ -162,9 +162,9 @@ int DeviceImportKeypair(SPI_DEVICE_HANDLE hDevice, const unsigned char *keyblob,
                static_cast<void *>(hDevice), static_cast<const void *>(keyblob), keybloblen, type,
                shown(label), static_cast<void *>(phKeypair));
     const Arguments arguments = {keyblob, keybloblen, type, label, phKeypair};
-    Verdict verdict = checkArguments(hDevice, arguments);
-    if (verdict.message)
-        return conclude(verdict, __func__);
+    Outcome outcome = checkArguments(hDevice, arguments);
+    if (outcome.message)
+        return finish(outcome, __func__);
     const int index = GetContainerIndex(hDevice, label);
     if (index == -1)
         return fail("GetContainerIndex(hDevice, label) = -1", __func__);
@@ -172,13 +172,13 @@ int DeviceImportKeypair(SPI_DEVICE_HANDLE hDevice, const unsigned char *keyblob,
 
     ProviderLock lock;
     if (const char *message = checkDevice(hDevice, index))
-        verdict = {ORVEL_PKI_FAILURE, message};
+        outcome = {ORVEL_PKI_FAILURE, message};
     else if (hasMagic(keyblob, "_KEYPAIR"))
         return importPlain(hDevice, arguments, lock, __func__);
     else if (hasMagic(keyblob, "SCAENCKP"))
-        verdict = importEnveloped(hDevice, index, keyblob, keybloblen, label, phKeypair);
+        outcome = importEnveloped(hDevice, index, keyblob, keybloblen, label, phKeypair);
     else
-        verdict = {ORVEL_PKI_FAILURE, "memcmp(keyblob, 'SCAENCKP', 8) != 0"};
+        outcome = {ORVEL_PKI_FAILURE, "memcmp(keyblob, 'SCAENCKP', 8) != 0"};
     lock.leave();
-    return conclude(verdict, __func__);
+    return finish(outcome, __func__);
 }

@@ -1,10 +1,10 @@
 #include "import/blob.h"
 #include "import/host_buffer.h"
 #include "import/key_import.h"
-#include "keys/public_key_reader.h"
 #include "log/trace.h"
 #include "platform/skf_arguments.h"
-#include "provider/verdict.h"
+#include "provider/outcome.h"
+#include "provider/public_key_reader.h"
 
 #include <cstring>
 
@@ -39,7 +39,7 @@ const char *checkSignatureKey(BlobReader &in, const Container *hContainer, std::
     if (result != 1) {
         TEMBRA_TRACE(TraceLevel::error, function, "OrvelPKICryptoDecodeRSAPubKey fail, error = %d",
                      result);
-        return REPORTED;
+        return ALREADY_LOGGED;
     }
     if (len != n.size())
         return "len != nLen";

@@ -7,7 +7,7 @@
 #include "provider/buffer.h"
 #include "provider/keypair_table.h"
 #include "provider/lock.h"
-#include "provider/verdict.h"
+#include "provider/outcome.h"
 
 using namespace tembra;
 
@@ -38,8 +38,8 @@ int signRSA(const Keypair *hKeypair, const unsigned char *tbs, int tbslen, unsig
         }))
         return fail("hKeypair->m_device == 0", function);
     if (rv == SAR_USER_NOT_LOGGED_IN)
-        return conclude({ORVEL_PKI_NOTLOGGEDIN, "SKF_RSASignData fail,rv= SAR_USER_NOT_LOGGED_IN"},
-                        function);
+        return finish({ORVEL_PKI_NOTLOGGEDIN, "SKF_RSASignData fail,rv= SAR_USER_NOT_LOGGED_IN"},
+                      function);
     if (rv != SAR_OK) {
         TEMBRA_TRACE(TraceLevel::error, function, "SKF_RSASignData fail, error = 0x%08X", rv);
         return ORVEL_PKI_FAILURE;
@@ -61,7 +61,7 @@ int encodeAndHandOut(const ECCSIGNATUREBLOB &blob, unsigned char *sign, int sign
     }
     const int rv = handOut(out.bytes(), *out.length(), sign, signlen, pretsignlen);
     if (rv != ORVEL_PKI_SUCCESS)
-        return conclude({rv, "signlen < sm2SignValueLen, ORVEL_PKI_MOREDATA"}, function);
+        return finish({rv, "signlen < sm2SignValueLen, ORVEL_PKI_MOREDATA"}, function);
     TEMBRA_TRACE(TraceLevel::debug, function, "DeviceSign success");
     return rv;
 }
@@ -75,9 +75,9 @@ int signSM2(const Keypair *hKeypair, const unsigned char *tbs, int tbslen, unsig
         }))
         return fail("hKeypair->m_device == 0", function);
     if (rv == SAR_USER_NOT_LOGGED_IN || rv == VENDOR_NOT_LOGGED_IN)
-        return conclude({ORVEL_PKI_NOTLOGGEDIN, " SKF_ECCSignData fail, rv == "
-                                                "SAR_USER_NOT_LOGGED_IN || rv == 0x000000b3"},
-                        function);
+        return finish({ORVEL_PKI_NOTLOGGEDIN, " SKF_ECCSignData fail, rv == "
+                                              "SAR_USER_NOT_LOGGED_IN || rv == 0x000000b3"},
+                      function);
     if (rv != SAR_OK) {
         TEMBRA_TRACE(TraceLevel::error, function, "SKF_ECCSignData fail, error = 0x%08X", rv);
         return ORVEL_PKI_FAILURE;
@@ -86,7 +86,7 @@ int signSM2(const Keypair *hKeypair, const unsigned char *tbs, int tbslen, unsig
 }
 
 // For any call, size queries included.
-Verdict checkArguments(const Keypair *hKeypair, const unsigned char *tbs, int tbslen,
+Outcome checkArguments(const Keypair *hKeypair, const unsigned char *tbs, int tbslen,
                        const int *pretsignlen) {
     if (!hKeypair)
         return {ORVEL_PKI_NULLHANDLE, "hKeypair == 0"};
@@ -98,7 +98,7 @@ Verdict checkArguments(const Keypair *hKeypair, const unsigned char *tbs, int tb
         return {ORVEL_PKI_BADARGUMENT, "tbslen < 0"};
     if (tbslen == 0 && tbs)
         return {ORVEL_PKI_BADARGUMENT, "tbslen == 0 && tbs != 0"};
-    return GO_ON;
+    return CONTINUE;
 }
 
 const char *wrongAlgorithm(const Keypair *hKeypair, int algo) {
@@ -124,9 +124,9 @@ int DeviceSign(SPI_KEYPAIR_HANDLE hKeypair, int algo, const void *param, const u
                "int signlen = %d, int *pretsignlen = %d",
                static_cast<void *>(hKeypair), algo, param, static_cast<const void *>(tbs), tbslen,
                static_cast<void *>(sign), signlen, shown(pretsignlen));
-    const Verdict verdict = checkArguments(hKeypair, tbs, tbslen, pretsignlen);
-    if (verdict.message)
-        return conclude(verdict, __func__);
+    const Outcome outcome = checkArguments(hKeypair, tbs, tbslen, pretsignlen);
+    if (outcome.message)
+        return finish(outcome, __func__);
     const bool isRsa = hKeypair->m_algo == ORVEL_PKI_ALGORITHM_RSA;
     if (!sign) {
         *pretsignlen = isRsa ? (hKeypair->m_keybits + 7) / 8 : SM2_SIGNATURE_BOUND;
@@ -135,7 +135,7 @@ int DeviceSign(SPI_KEYPAIR_HANDLE hKeypair, int algo, const void *param, const u
     }
     const char *message = signlen <= 0 ? "signlen <= 0" : wrongAlgorithm(hKeypair, algo);
     if (message)
-        return conclude({ORVEL_PKI_BADARGUMENT, message}, __func__);
+        return finish({ORVEL_PKI_BADARGUMENT, message}, __func__);
     return isRsa ? signRSA(hKeypair, tbs, tbslen, sign, signlen, pretsignlen, __func__)
                  : signSM2(hKeypair, tbs, tbslen, sign, signlen, pretsignlen, __func__);
 }

@@ -2,10 +2,10 @@
 #include "import/host_buffer.h"
 #include "import/key_import.h"
 #include "import/sm2_cipher.h"
-#include "keys/public_key_reader.h"
 #include "log/trace.h"
 #include "platform/memory.h"
-#include "provider/verdict.h"
+#include "provider/outcome.h"
+#include "provider/public_key_reader.h"
 
 #include <cstring>
 
@@ -50,7 +50,7 @@ const char *checkSignatureKey(BlobReader &in, const Container *hContainer, const
     if (result != 1) {
         TEMBRA_TRACE(TraceLevel::error, function, "OrvelPKICryptoDecodeECCPubKey fail, error = %d",
                      result);
-        return REPORTED;
+        return ALREADY_LOGGED;
     }
     const unsigned char *blobX = in.take(SM2_COORDINATE_LEN);
     const unsigned char *blobY = in.take(SM2_COORDINATE_LEN);

@@ -1,12 +1,12 @@
 // Generation of signature key pairs on the token.
 #include "keys/container_slot.h"
-#include "keys/public_key_reader.h"
 #include "log/trace.h"
 #include "platform/memory.h"
 #include "platform/orvel_crypto.h"
 #include "provider/keypair_table.h"
 #include "provider/lock.h"
-#include "provider/verdict.h"
+#include "provider/outcome.h"
+#include "provider/public_key_reader.h"
 
 #include <cstdlib>
 
@@ -21,13 +21,13 @@ struct Request {
     const char *label;
 };
 
-Verdict checkAlgorithm(const Request &request) {
+Outcome checkAlgorithm(const Request &request) {
     if (request.algo == ORVEL_PKI_ALGORITHM_RSA) {
         if (request.param)
             return {ORVEL_PKI_BADARGUMENT, nullptr};
         if (request.keybits != 1024 && request.keybits != 2048)
             return {ORVEL_PKI_BADARGUMENT, "keybits != 1024 && keybits != 2048"};
-        return GO_ON;
+        return CONTINUE;
     }
     const auto *eccParam = static_cast<const TembraEccParam *>(request.param);
     if (!eccParam)
@@ -38,7 +38,7 @@ Verdict checkAlgorithm(const Request &request) {
         return {ORVEL_PKI_BADARGUMENT, "eccParam->m_curve != ORVEL_PKI_ECC_CURVE_SM2"};
     if (request.keybits != 256)
         return {ORVEL_PKI_BADARGUMENT, "keybits != 256"};
-    return GO_ON;
+    return CONTINUE;
 }
 
 int answerOf(ULONG rv, const char *call, const char *function) {
@@ -100,23 +100,23 @@ int GenerateKeypair(Container *hContainer) {
 }
 
 // The container for the new key pair, in its slot of the table.
-Verdict placeContainer(Device *hDevice, const char *label, int &position, Container *&hContainer) {
+Outcome placeContainer(Device *hDevice, const char *label, int &position, Container *&hContainer) {
     const ContainerChoice choice = getEmptyContainerIndex(hDevice, label);
     if (choice.result != ORVEL_PKI_SUCCESS)
         return {choice.result, nullptr};
     position = choice.position;
     hContainer = choice.hContainer;
     if (hContainer)
-        return GO_ON;
+        return CONTINUE;
     const int created = createContainer(hDevice, label, &hContainer);
     if (created != ORVEL_PKI_SUCCESS)
         return {created, nullptr};
     setContainerAt(hDevice, position, hContainer);
     storeCount(hDevice->m_containerCount, hDevice->m_containerCount + 1);
-    return GO_ON;
+    return CONTINUE;
 }
 
-Verdict addKeypair(Device *hDevice, const Request &request, int position,
+Outcome addKeypair(Device *hDevice, const Request &request, int position,
                    SPI_KEYPAIR_HANDLE *phKeypair) {
     auto *hKeypair = allocateRecord<Keypair>();
     if (!hKeypair)
@@ -133,28 +133,28 @@ Verdict addKeypair(Device *hDevice, const Request &request, int position,
     registerKeypair(hDevice, hKeypair);
     handOutKeypair(hDevice, hKeypair);
     *phKeypair = hKeypair;
-    return GO_ON;
+    return CONTINUE;
 }
 
 // Everything that happens under the lock.
-Verdict generate(Device *hDevice, const Request &request, SPI_KEYPAIR_HANDLE *phKeypair) {
+Outcome generate(Device *hDevice, const Request &request, SPI_KEYPAIR_HANDLE *phKeypair) {
     if (hDevice->m_isformat == 0)
         return {ORVEL_PKI_FAILURE, "hDevice->m_isformat == 0"};
     if (hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX)
         return {ORVEL_PKI_FAILURE, "hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX"};
     int position = 0;
     Container *hContainer = nullptr;
-    Verdict verdict = placeContainer(hDevice, request.label, position, hContainer);
-    if (verdict.result != ORVEL_PKI_SUCCESS)
-        return verdict;
+    Outcome outcome = placeContainer(hDevice, request.label, position, hContainer);
+    if (outcome.result != ORVEL_PKI_SUCCESS)
+        return outcome;
 
     // From here on the container stays, also when a check fails: the next attempt uses it.
     const bool isRsa = request.algo == ORVEL_PKI_ALGORITHM_RSA;
     if (!isRsa && request.algo != ORVEL_PKI_ALGORITHM_ECC)
-        return GO_ON; // hosts rely on this success without a key pair
-    verdict = checkAlgorithm(request);
-    if (verdict.result != ORVEL_PKI_SUCCESS)
-        return verdict;
+        return CONTINUE; // hosts rely on this success without a key pair
+    outcome = checkAlgorithm(request);
+    if (outcome.result != ORVEL_PKI_SUCCESS)
+        return outcome;
     hContainer->m_type = isRsa ? CONTAINER_TYPE_RSA : CONTAINER_TYPE_ECC;
     hContainer->m_keybits = request.keybits;
     const int generated = GenerateKeypair(hContainer);
@@ -189,7 +189,7 @@ int DeviceGenerateKeypair(SPI_DEVICE_HANDLE hDevice, int algo, int keybits, cons
     }
 
     ProviderLock lock;
-    const Verdict verdict = generate(hDevice, {algo, keybits, param, label}, phKeypair);
+    const Outcome outcome = generate(hDevice, {algo, keybits, param, label}, phKeypair);
     lock.leave();
-    return conclude(verdict, __func__);
+    return finish(outcome, __func__);
 }

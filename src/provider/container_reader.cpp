@@ -1,10 +1,10 @@
 #include "provider/container_reader.h"
 
-#include "keys/certificate_reader.h"
-#include "keys/public_key_reader.h"
 #include "log/trace.h"
 #include "platform/memory.h"
 #include "platform/skf_arguments.h"
+#include "provider/certificate_reader.h"
+#include "provider/public_key_reader.h"
 
 namespace tembra {
 

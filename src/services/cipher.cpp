@@ -7,9 +7,9 @@
 #include "provider/cipher_algorithms.h"
 #include "provider/handle_list.h"
 #include "provider/lock.h"
+#include "provider/outcome.h"
 #include "provider/records.h"
 #include "provider/settings.h"
-#include "provider/verdict.h"
 
 using namespace tembra;
 

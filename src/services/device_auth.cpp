@@ -3,7 +3,7 @@
 #include "log/trace.h"
 #include "platform/memory.h"
 #include "platform/skf_arguments.h"
-#include "provider/verdict.h"
+#include "provider/outcome.h"
 
 #include <cstring>
 

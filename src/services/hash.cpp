@@ -4,9 +4,9 @@
 #include "platform/skf_arguments.h"
 #include "provider/handle_list.h"
 #include "provider/lock.h"
+#include "provider/outcome.h"
 #include "provider/records.h"
 #include "provider/settings.h"
-#include "provider/verdict.h"
 
 using namespace tembra;
 

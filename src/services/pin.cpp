@@ -3,8 +3,8 @@
 #include "log/trace.h"
 #include "platform/skf_arguments.h"
 #include "provider/lock.h"
+#include "provider/outcome.h"
 #include "provider/records.h"
-#include "provider/verdict.h"
 #include "services/device_auth.h"
 
 using namespace tembra;

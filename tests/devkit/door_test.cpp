@@ -5,9 +5,9 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "door/call.h"
-#include "door/control.h"
-#include "door/function_names.h"
+#include "fault_injection/call.h"
+#include "fault_injection/control.h"
+#include "fault_injection/function_names.h"
 #include "temporary_directory.h"
 
 namespace tembra::door {

@@ -4,8 +4,8 @@
 #include <tuple>
 #include <type_traits>
 
+#include "crypto/key_pair_blob.h"
 #include "crypto/public_key.h"
-#include "host/key_pair_blob.h"
 #include "platform/orvel_crypto.h"
 #include "tembra_devkit_faults.h"
 
@@ -92,7 +92,7 @@ TEST_F(Host, NullArgumentsAndNegativeLengthsAreRefused) {
     EXPECT_EQ(OrvelPKICryptoEncodeECCPubKey(7, &byte, 1, &byte, 0, out, n), 0);
     EXPECT_EQ(OrvelPKICryptoFreeMemory(device_), 0); // another kind
 
-    const auto blob = host::encodeKeyPairBlob(pair_);
+    const auto blob = crypto::encodeKeyPairBlob(pair_);
     const int size = lengthOf(sm2_), blobSize = lengthOf(blob);
     expectEachRefused(OrvelPKICryptoDecodeECCPubKey, sm2_.data(), size, n, out, n, out, n);
     EXPECT_EQ(OrvelPKICryptoDecodeRSAPubKey(sm2_.data(), size, out, n, out, n), 0);

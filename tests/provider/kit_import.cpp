@@ -2,9 +2,9 @@
 // and damaged.
 #include "kit_test.h"
 
+#include "crypto/key_pair_blob.h"
 #include "crypto/public_key.h"
 #include "crypto/sm2_encoding.h"
-#include "host/key_pair_blob.h"
 #include "tembrakey/formats/enveloped_key.h"
 #include "tembrakey/text/text.h"
 
@@ -68,7 +68,7 @@ protected:
 
     Bytes blobOf(const Form &form, const crypto::PrivateKey &key) {
         if (!form.isEnveloped) {
-            const crypto::SecretBytes blob = host::encodeKeyPairBlob(key);
+            const crypto::SecretBytes blob = crypto::encodeKeyPairBlob(key);
             return Bytes(blob.begin(), blob.end());
         }
         const auto container = crypto::decodePublicKey(exportedKey(find(form.label, 2)));

@@ -2,7 +2,7 @@
 #include "tembra_devkit_faults.h"
 #include "tembra_soft_token.h"
 
-#include "door/control.h"
+#include "fault_injection/control.h"
 #include "token/skf/handles.h"
 
 #include <string_view>

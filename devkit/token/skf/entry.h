@@ -2,7 +2,7 @@
 #pragma once
 
 #include "crypto/bytes.h"
-#include "door/call.h"
+#include "fault_injection/call.h"
 #include "token/model/refused.h"
 
 #include <new>

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "host/key_pair_blob.h"
+#include "crypto/key_pair_blob.h"
 #include "tembrakey/commands/commands.h"
 #include "tembrakey/formats/pem_files.h"
 #include "tembrakey/io/files.h"
@@ -44,7 +44,7 @@ crypto::SecretBytes KeyImport::blob() const {
     crypto::SecretBytes content = readWhole(file_);
     if (beginsWith(content, "SCAENCKP") || beginsWith(content, "_KEYPAIR"))
         return content;
-    auto plain = host::encodeKeyPairBlob(readPrivateKey(file_, content));
+    auto plain = crypto::encodeKeyPairBlob(readPrivateKey(file_, content));
     if (plain.empty())
         throw Failure(ExitCode::Usage, tr("{1}: RSA keys must have 1024 or 2048 bits", {file_}));
     return plain;

@@ -1,4 +1,4 @@
-#include "keys/certificate_reader.h"
+#include "provider/certificate_reader.h"
 
 #include "log/trace.h"
 #include "platform/memory.h"

@@ -1,4 +1,4 @@
-#include "platform/posix/reg_file.h"
+#include "platform/reg_file.h"
 
 namespace tembra::platform {
 

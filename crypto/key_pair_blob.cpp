@@ -1,23 +1,22 @@
-#include "key_pair_blob.h"
+#include "crypto/key_pair_blob.h"
 
 #include <algorithm>
 #include <array>
 #include <string_view>
 
-namespace tembra::host {
+namespace tembra::crypto {
 
 namespace {
 
-using crypto::ByteView;
 
 constexpr std::string_view magic = "_KEYPAIR";
 constexpr std::uint32_t algorithmRsa = 1;
 constexpr std::uint32_t algorithmEcc = 4;
 constexpr std::uint32_t curveSm2 = 7;
 
-constexpr std::array rsaSecretFields = {&crypto::RsaPrivateKey::d,  &crypto::RsaPrivateKey::p,
-                                        &crypto::RsaPrivateKey::q,  &crypto::RsaPrivateKey::dP,
-                                        &crypto::RsaPrivateKey::dQ, &crypto::RsaPrivateKey::qInv};
+constexpr std::array rsaSecretFields = {&RsaPrivateKey::d,  &RsaPrivateKey::p,
+                                        &RsaPrivateKey::q,  &RsaPrivateKey::dP,
+                                        &RsaPrivateKey::dQ, &RsaPrivateKey::qInv};
 
 // A cursor that only shrinks. A read beyond the end takes nothing and spoils the cursor for good.
 class Cursor {
@@ -69,17 +68,17 @@ public:
         out_.insert(out_.end(), magic.begin(), magic.end());
         number(algorithm);
     }
-    crypto::SecretBytes take() { return std::move(out_); }
+    SecretBytes take() { return std::move(out_); }
 
 private:
-    crypto::SecretBytes out_;
+    SecretBytes out_;
 };
 
 bool isModulusSize(std::size_t bytes) {
     return bytes == 128 || bytes == 256;
 }
 
-crypto::SecretBytes encode(const crypto::RsaPrivateKey &key) {
+SecretBytes encode(const RsaPrivateKey &key) {
     Writer writer;
     if (!isModulusSize(key.n.size()) || key.publicKey().bits() != key.n.size() * 8) {
         return {};
@@ -94,7 +93,7 @@ crypto::SecretBytes encode(const crypto::RsaPrivateKey &key) {
     return writer.take();
 }
 
-crypto::SecretBytes encode(const crypto::Sm2KeyPair &key) {
+SecretBytes encode(const Sm2KeyPair &key) {
     Writer writer;
     writer.start(algorithmEcc);
     writer.number(curveSm2);
@@ -105,8 +104,8 @@ crypto::SecretBytes encode(const crypto::Sm2KeyPair &key) {
     return writer.take();
 }
 
-std::optional<crypto::PrivateKey> decodeRsa(Cursor cursor) {
-    crypto::RsaPrivateKey key;
+std::optional<PrivateKey> decodeRsa(Cursor cursor) {
+    RsaPrivateKey key;
     const std::uint32_t bits = cursor.number();
     const ByteView n = cursor.prefixed();
     const ByteView e = cursor.prefixed();
@@ -123,11 +122,11 @@ std::optional<crypto::PrivateKey> decodeRsa(Cursor cursor) {
     return key;
 }
 
-std::optional<crypto::PrivateKey> decodeEcc(Cursor cursor) {
+std::optional<PrivateKey> decodeEcc(Cursor cursor) {
     if (cursor.number() != curveSm2 || cursor.number() != crypto::sm2Size) {
         return std::nullopt;
     }
-    crypto::Sm2KeyPair pair;
+    Sm2KeyPair pair;
     std::ranges::copy(cursor.take(crypto::sm2Size), pair.publicKey.x.begin());
     std::ranges::copy(cursor.take(crypto::sm2Size), pair.publicKey.y.begin());
     const ByteView d = cursor.take(crypto::sm2Size);
@@ -140,11 +139,11 @@ std::optional<crypto::PrivateKey> decodeEcc(Cursor cursor) {
 
 } // namespace
 
-crypto::SecretBytes encodeKeyPairBlob(const crypto::PrivateKey &key) {
+SecretBytes encodeKeyPairBlob(const PrivateKey &key) {
     return std::visit([](const auto &one) { return encode(one); }, key);
 }
 
-std::optional<crypto::PrivateKey> decodeKeyPairBlob(ByteView blob) {
+std::optional<PrivateKey> decodeKeyPairBlob(ByteView blob) {
     Cursor cursor(blob);
     if (!std::ranges::equal(cursor.take(magic.size()), magic)) {
         return std::nullopt;
@@ -156,4 +155,4 @@ std::optional<crypto::PrivateKey> decodeKeyPairBlob(ByteView blob) {
     }
 }
 
-} // namespace tembra::host
+} // namespace tembra::crypto

@@ -23,13 +23,13 @@
 
 #include "crypto/private_key.h"
 
-namespace tembra::host {
+namespace tembra::crypto {
 
 // The blob of a key; the RSA modulus must have 1024 or 2048 bits, else the result is empty.
-crypto::SecretBytes encodeKeyPairBlob(const crypto::PrivateKey &key);
+SecretBytes encodeKeyPairBlob(const PrivateKey &key);
 
 // Empty when the form is not exactly the above or the private key does not belong to the public
 // one.
-std::optional<crypto::PrivateKey> decodeKeyPairBlob(crypto::ByteView blob);
+std::optional<PrivateKey> decodeKeyPairBlob(ByteView blob);
 
-} // namespace tembra::host
+} // namespace tembra::crypto

@@ -1,4 +1,4 @@
-#include "keys/public_key_reader.h"
+#include "provider/public_key_reader.h"
 
 #include "log/trace.h"
 #include "platform/orvel_crypto.h"

@@ -1,6 +1,6 @@
 #include "platform/registry.h"
 
-#include "platform/posix/reg_file.h"
+#include "platform/reg_file.h"
 
 #include <cstdlib>
 #include <cstring>
