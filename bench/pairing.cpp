@@ -55,13 +55,13 @@ int marksMissed() {
 
 Pairing::Pairing(benchmark::State &ofState, const std::string &title,
                  std::chrono::microseconds time)
-    : state(ofState), batch(time) {
+    : m_state(ofState), m_batch(time) {
     std::printf("\n%s\n", title.c_str());
 }
 
 std::size_t Pairing::add(Contender contender) {
-    all.push_back({std::move(contender)});
-    return all.size() - 1;
+    m_all.push_back({std::move(contender)});
+    return m_all.size() - 1;
 }
 
 double Pairing::Series::timeBatch() const {
@@ -78,30 +78,32 @@ double Pairing::Series::timeBatch() const {
 
 void Pairing::measure() {
     std::vector<Series *> turns;
-    for (Series &series : all) {
+    for (Series &series : m_all) {
         turns.push_back(&series);
-        while (series.timeBatch() < static_cast<double>(batch.count()) && series.calls < MOST_CALLS)
+        while (series.timeBatch() < static_cast<double>(m_batch.count()) &&
+               series.calls < MOST_CALLS)
             series.calls *= 2;
     }
-    for (auto _ : state) {
+    for (auto _ : m_state) {
         double round = 0;
         for (Series *series : turns) {
             const double taken = series->timeBatch();
             series->nanoseconds.push_back(taken / static_cast<double>(series->calls));
             round += taken;
         }
-        state.SetIterationTime(round / 1e9);
+        m_state.SetIterationTime(round / 1e9);
         std::reverse(turns.begin(), turns.end()); // against a drift within the round
     }
 }
 
 void Pairing::compare(std::size_t subject, std::size_t reference, double mark) {
     std::vector<double> ratios;
-    std::transform(all[subject].nanoseconds.begin(), all[subject].nanoseconds.end(),
-                   all[reference].nanoseconds.begin(), std::back_inserter(ratios), std::divides());
+    std::transform(m_all[subject].nanoseconds.begin(), m_all[subject].nanoseconds.end(),
+                   m_all[reference].nanoseconds.begin(), std::back_inserter(ratios),
+                   std::divides());
     const double ratio = median(ratios);
-    const std::string what = all[subject].name + " / " + all[reference].name;
-    state.counters[what] = ratio;
+    const std::string what = m_all[subject].name + " / " + m_all[reference].name;
+    m_state.counters[what] = ratio;
     const bool hasMark = mark != NO_MARK;
     printRow(text(ratio < 10 ? "%.3f" : "%.0f", ratio), hasMark ? text("<= %.2f", mark) : "",
              hasMark ? judge(ratio <= mark) : "", timeText(nanoseconds(subject)),
@@ -111,11 +113,11 @@ void Pairing::compare(std::size_t subject, std::size_t reference, double mark) {
 void Pairing::show(std::size_t subject, double figure, const char *unit, const char *mark,
                    bool met) const {
     printRow(text("%.3g %s", figure, unit), mark, judge(met), timeText(nanoseconds(subject)), "",
-             all[subject].name);
+             m_all[subject].name);
 }
 
 double Pairing::nanoseconds(std::size_t subject) const {
-    return median(all[subject].nanoseconds);
+    return median(m_all[subject].nanoseconds);
 }
 
 } // namespace tembra::bench

@@ -71,9 +71,9 @@ private:
         double timeBatch() const;
     };
 
-    benchmark::State &state;
-    const std::chrono::nanoseconds batch;
-    std::vector<Series> all;
+    benchmark::State &m_state;
+    const std::chrono::nanoseconds m_batch;
+    std::vector<Series> m_all;
 };
 
 } // namespace tembra::bench

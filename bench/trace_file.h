@@ -22,20 +22,21 @@ public:
         static const TraceFile file;
         return file;
     }
-    ~TraceFile() { std::filesystem::remove(path); }
+    ~TraceFile() { std::filesystem::remove(m_path); }
 
     // Sets the level and empties the file, so that no batch pays for a large one.
     void begin(const char *level) const {
         setLevel(level);
-        require(ftruncate(descriptor, 0) == 0);
+        require(ftruncate(m_descriptor, 0) == 0);
     }
     // One write.
     void write(const std::string_view &text) const {
-        require(::write(descriptor, text.data(), text.size()) == static_cast<ssize_t>(text.size()));
+        require(::write(m_descriptor, text.data(), text.size()) ==
+                static_cast<ssize_t>(text.size()));
     }
     // The lines since the file was emptied, each with its end.
     std::vector<std::string> lines() const {
-        std::ifstream file(path, std::ios::binary);
+        std::ifstream file(m_path, std::ios::binary);
         std::vector<std::string> found;
         for (std::string line; std::getline(file, line);)
             found.push_back(line + (file.eof() ? "" : "\n"));
@@ -52,18 +53,18 @@ public:
 
 private:
     TraceFile() {
-        require(descriptor >= 0);
-        setenv("TEMBRA_KEY_PROV_LOG_PATH", path.c_str(), 1);
+        require(m_descriptor >= 0);
+        setenv("TEMBRA_KEY_PROV_LOG_PATH", m_path.c_str(), 1);
     }
     void require(bool done) const {
         if (!done) {
-            std::perror(path.c_str());
+            std::perror(m_path.c_str());
             std::exit(1);
         }
     }
 
-    std::string path = std::filesystem::temp_directory_path() / "tembra_bench_XXXXXX";
-    int descriptor = mkostemp(path.data(), O_APPEND | O_CLOEXEC);
+    std::string m_path = std::filesystem::temp_directory_path() / "tembra_bench_XXXXXX";
+    int m_descriptor = mkostemp(m_path.data(), O_APPEND | O_CLOEXEC);
 };
 
 } // namespace tembra::bench

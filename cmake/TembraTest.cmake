@@ -56,6 +56,8 @@ function(tembra_test name)
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LIBS} GTest::gmock)
   tembra_warnings(${name})
+  # GoogleTest's assertions are if statements themselves.
+  target_compile_options(${name} PRIVATE -Wno-dangling-else)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${TEMBRA_TEST_BIN_DIR})
   add_dependencies(tests ${name})
   if(threads IN_LIST arg_LABELS)

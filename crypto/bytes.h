@@ -21,9 +21,8 @@ inline std::string_view asText(ByteView bytes) {
 
 // The bytes without their leading zeros; empty when all are zero.
 inline ByteView withoutLeadingZeros(ByteView bytes) {
-    while (!bytes.empty() && bytes.front() == 0) {
+    while (!bytes.empty() && bytes.front() == 0)
         bytes = bytes.subspan(1);
-    }
     return bytes;
 }
 

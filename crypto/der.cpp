@@ -13,44 +13,37 @@ struct Header {
 
 // Reads a header whose tag is known; the content may still reach beyond the end.
 std::optional<Header> readHeader(ByteView bytes) {
-    if (bytes.size() < 2) {
+    if (bytes.size() < 2)
         return std::nullopt;
-    }
     const std::uint8_t first = bytes[1];
-    if (first < 0x80) {
+    if (first < 0x80)
         return Header{2, first};
-    }
     const std::size_t count = first & 0x7F;
-    if (count == 0 || count > 4 || bytes.size() < 2 + count) {
+    if (count == 0 || count > 4 || bytes.size() < 2 + count)
         return std::nullopt;
-    }
     std::uint32_t length = 0;
-    for (const std::uint8_t digit : bytes.subspan(2, count)) {
+    for (const std::uint8_t digit : bytes.subspan(2, count))
         length = length << 8 | digit;
-    }
     const bool minimal = bytes[2] != 0 && length >= 0x80;
     return minimal ? std::optional(Header{2 + count, length}) : std::nullopt;
 }
 
 bool isMinimalUnsigned(ByteView integer) {
-    if (integer.empty() || integer[0] >= 0x80) {
+    if (integer.empty() || integer[0] >= 0x80)
         return false;
-    }
     return integer[0] != 0 || integer.size() == 1 || integer[1] >= 0x80;
 }
 
 } // namespace
 
 std::optional<ByteView> DerReader::element(std::uint8_t tag) {
-    if (!nextIs(tag)) {
+    if (!nextIs(tag))
         return std::nullopt;
-    }
-    const auto header = readHeader(rest_);
-    if (!header || header->length > rest_.size() - header->size) {
+    const auto header = readHeader(m_rest);
+    if (!header || header->length > m_rest.size() - header->size)
         return std::nullopt;
-    }
-    const ByteView content = rest_.subspan(header->size, header->length);
-    rest_ = rest_.subspan(header->size + header->length);
+    const ByteView content = m_rest.subspan(header->size, header->length);
+    m_rest = m_rest.subspan(header->size + header->length);
     return content;
 }
 
@@ -61,10 +54,9 @@ std::optional<DerReader> DerReader::nested(std::uint8_t tag) {
 
 std::optional<ByteView> DerReader::unsignedInteger() {
     DerReader ahead = *this;
-    const auto content = ahead.element(der::integer);
-    if (!content || !isMinimalUnsigned(*content)) {
+    const auto content = ahead.element(der::INTEGER);
+    if (!content || !isMinimalUnsigned(*content))
         return std::nullopt;
-    }
     *this = ahead;
     return content->size() > 1 && content->front() == 0 ? content->subspan(1) : *content;
 }
@@ -72,19 +64,17 @@ std::optional<ByteView> DerReader::unsignedInteger() {
 bool DerReader::smallInteger(std::uint8_t value) {
     DerReader ahead = *this;
     const auto number = ahead.unsignedInteger();
-    if (!number || number->size() != 1 || number->front() != value) {
+    if (!number || number->size() != 1 || number->front() != value)
         return false;
-    }
     *this = ahead;
     return true;
 }
 
 std::optional<ByteView> DerReader::bitString() {
     DerReader ahead = *this;
-    const auto content = ahead.element(der::bitString);
-    if (!content || content->empty() || content->front() != 0) {
+    const auto content = ahead.element(der::BIT_STRING);
+    if (!content || content->empty() || content->front() != 0)
         return std::nullopt;
-    }
     *this = ahead;
     return content->subspan(1);
 }
@@ -92,9 +82,8 @@ std::optional<ByteView> DerReader::bitString() {
 bool DerReader::oid(ByteView expected) {
     DerReader ahead = *this;
     const auto content = ahead.oid();
-    if (!content || !std::ranges::equal(*content, expected)) {
+    if (!content || !std::ranges::equal(*content, expected))
         return false;
-    }
     *this = ahead;
     return true;
 }
@@ -102,29 +91,26 @@ bool DerReader::oid(ByteView expected) {
 bool DerReader::null() {
     DerReader ahead = *this;
     const auto content = ahead.element(der::null);
-    if (!content || !content->empty()) {
+    if (!content || !content->empty())
         return false;
-    }
     *this = ahead;
     return true;
 }
 
 DerWriter &DerWriter::element(std::uint8_t tag, ByteView content) {
-    out_.push_back(tag);
+    m_out.push_back(tag);
     const std::size_t length = content.size();
     if (length < 0x80) {
-        out_.push_back(static_cast<std::uint8_t>(length));
+        m_out.push_back(static_cast<std::uint8_t>(length));
     } else {
         unsigned count = 1;
-        while (length >> (8 * count) != 0) {
+        while (length >> (8 * count) != 0)
             ++count;
-        }
-        out_.push_back(static_cast<std::uint8_t>(0x80 + count));
-        while (count-- != 0) {
-            out_.push_back(static_cast<std::uint8_t>(length >> (8 * count)));
-        }
+        m_out.push_back(static_cast<std::uint8_t>(0x80 + count));
+        while (count-- != 0)
+            m_out.push_back(static_cast<std::uint8_t>(length >> (8 * count)));
     }
-    out_.insert(out_.end(), content.begin(), content.end());
+    m_out.insert(m_out.end(), content.begin(), content.end());
     return *this;
 }
 
@@ -132,11 +118,10 @@ DerWriter &DerWriter::unsignedInteger(ByteView number) {
     const ByteView digits = withoutLeadingZeros(number);
     SecretBytes content;
     content.reserve(digits.size() + 1);
-    if (digits.empty() || digits.front() >= 0x80) {
+    if (digits.empty() || digits.front() >= 0x80)
         content.push_back(0);
-    }
     content.insert(content.end(), digits.begin(), digits.end());
-    return element(der::integer, content);
+    return element(der::INTEGER, content);
 }
 
 DerWriter &DerWriter::bitString(ByteView wholeBytes) {
@@ -144,7 +129,7 @@ DerWriter &DerWriter::bitString(ByteView wholeBytes) {
     content.reserve(wholeBytes.size() + 1);
     content.push_back(0); // no unused bits
     content.insert(content.end(), wholeBytes.begin(), wholeBytes.end());
-    return element(der::bitString, content);
+    return element(der::BIT_STRING, content);
 }
 
 } // namespace tembra::crypto

@@ -11,12 +11,12 @@
 namespace tembra::crypto {
 
 namespace der {
-constexpr std::uint8_t integer = 0x02;
-constexpr std::uint8_t bitString = 0x03;
-constexpr std::uint8_t octetString = 0x04;
+constexpr std::uint8_t INTEGER = 0x02;
+constexpr std::uint8_t BIT_STRING = 0x03;
+constexpr std::uint8_t OCTET_STRING = 0x04;
 constexpr std::uint8_t null = 0x05;
-constexpr std::uint8_t oid = 0x06;
-constexpr std::uint8_t sequence = 0x30;
+constexpr std::uint8_t OID = 0x06;
+constexpr std::uint8_t SEQUENCE = 0x30;
 constexpr std::uint8_t explicitTag(unsigned number) {
     return static_cast<std::uint8_t>(0xA0 + number);
 }
@@ -27,15 +27,15 @@ constexpr std::uint8_t explicitTag(unsigned number) {
 // Lengths that are not minimal or reach beyond the end, and indefinite lengths, are refused.
 class DerReader {
 public:
-    explicit DerReader(ByteView bytes) : rest_(bytes) {}
+    explicit DerReader(ByteView bytes) : m_rest(bytes) {}
 
-    bool atEnd() const { return rest_.empty(); }
-    bool nextIs(std::uint8_t tag) const { return !rest_.empty() && rest_.front() == tag; }
+    bool atEnd() const { return m_rest.empty(); }
+    bool nextIs(std::uint8_t tag) const { return !m_rest.empty() && m_rest.front() == tag; }
 
     // The content of an element with this one-byte tag.
     std::optional<ByteView> element(std::uint8_t tag);
     // The inside of a SEQUENCE or an explicit tag.
-    std::optional<DerReader> sequence() { return nested(der::sequence); }
+    std::optional<DerReader> sequence() { return nested(der::SEQUENCE); }
     std::optional<DerReader> nested(std::uint8_t tag);
 
     // A non-negative, minimally encoded INTEGER without its sign byte; zero comes out as one zero
@@ -45,14 +45,14 @@ public:
     bool smallInteger(std::uint8_t value);
     // A BIT STRING of whole bytes.
     std::optional<ByteView> bitString();
-    std::optional<ByteView> octetString() { return element(der::octetString); }
-    std::optional<ByteView> oid() { return element(der::oid); }
+    std::optional<ByteView> octetString() { return element(der::OCTET_STRING); }
+    std::optional<ByteView> oid() { return element(der::OID); }
     // True when the next element is this OBJECT IDENTIFIER (encoded content), which is then taken.
     bool oid(ByteView expected);
     bool null();
 
 private:
-    ByteView rest_;
+    ByteView m_rest;
 };
 
 // Writes elements one after another; a constructed one takes the finished inner writer. The buffer
@@ -60,21 +60,23 @@ private:
 class DerWriter {
 public:
     DerWriter &element(std::uint8_t tag, ByteView content);
-    DerWriter &nested(std::uint8_t tag, const DerWriter &inner) { return element(tag, inner.out_); }
-    DerWriter &sequence(const DerWriter &inner) { return nested(der::sequence, inner); }
+    DerWriter &nested(std::uint8_t tag, const DerWriter &inner) {
+        return element(tag, inner.m_out);
+    }
+    DerWriter &sequence(const DerWriter &inner) { return nested(der::SEQUENCE, inner); }
 
     // The big-endian number, minimally encoded whatever zeros it leads with; empty means 0.
     DerWriter &unsignedInteger(ByteView number);
     DerWriter &bitString(ByteView wholeBytes);
-    DerWriter &octetString(ByteView content) { return element(der::octetString, content); }
-    DerWriter &oid(ByteView content) { return element(der::oid, content); }
+    DerWriter &octetString(ByteView content) { return element(der::OCTET_STRING, content); }
+    DerWriter &oid(ByteView content) { return element(der::OID, content); }
     DerWriter &null() { return element(der::null, {}); }
 
-    const SecretBytes &secretBytes() const { return out_; }
-    Bytes bytes() const { return {out_.begin(), out_.end()}; }
+    const SecretBytes &secretBytes() const { return m_out; }
+    Bytes bytes() const { return {m_out.begin(), m_out.end()}; }
 
 private:
-    SecretBytes out_;
+    SecretBytes m_out;
 };
 
 } // namespace tembra::crypto

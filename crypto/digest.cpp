@@ -31,45 +31,44 @@ gcry_md_hd_t copyOf(void *handle) {
 
 } // namespace
 
-Digest::Digest(DigestAlgorithm algorithm) : handle_(nullptr) {
+Digest::Digest(DigestAlgorithm algorithm) : m_handle(nullptr) {
     initialiseGcrypt();
     gcry_md_hd_t handle = nullptr;
     // Secure memory, because PINs and plaintext pass through hashes as well.
     check(gcry_md_open(&handle, gcryptNumber(algorithm), GCRY_MD_FLAG_SECURE), "hash");
-    handle_ = handle;
+    m_handle = handle;
 }
 
-Digest::Digest(const Digest &other) : handle_(copyOf(other.handle_)) {}
+Digest::Digest(const Digest &other) : m_handle(copyOf(other.m_handle)) {}
 
-Digest::Digest(Digest &&other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+Digest::Digest(Digest &&other) noexcept : m_handle(std::exchange(other.m_handle, nullptr)) {}
 
 Digest &Digest::operator=(Digest other) noexcept {
-    std::swap(handle_, other.handle_);
+    std::swap(m_handle, other.m_handle);
     return *this;
 }
 
 Digest::~Digest() {
-    gcry_md_close(handleOf(handle_)); // which takes null
+    gcry_md_close(handleOf(m_handle)); // which takes null
 }
 
 void Digest::update(ByteView data) {
-    gcry_md_write(handleOf(handle_), data.data(), data.size());
+    gcry_md_write(handleOf(m_handle), data.data(), data.size());
 }
 
 Bytes Digest::value() const {
-    Bytes out(gcry_md_get_algo_dlen(gcry_md_get_algo(handleOf(handle_))));
+    Bytes out(gcry_md_get_algo_dlen(gcry_md_get_algo(handleOf(m_handle))));
     value(out);
     return out;
 }
 
 void Digest::value(std::span<std::uint8_t> out) const {
     const Digest finished(*this); // reading a hash ends it
-    const int algorithm = gcry_md_get_algo(handleOf(finished.handle_));
-    const auto *bytes = gcry_md_read(handleOf(finished.handle_), algorithm);
+    const int algorithm = gcry_md_get_algo(handleOf(finished.m_handle));
+    const auto *bytes = gcry_md_read(handleOf(finished.m_handle), algorithm);
     const ByteView hash(bytes, gcry_md_get_algo_dlen(algorithm));
-    if (hash.size() != out.size()) {
+    if (hash.size() != out.size())
         throw std::length_error("hash and buffer differ in length");
-    }
     std::ranges::copy(hash, out.begin());
 }
 

@@ -12,8 +12,8 @@ namespace tembra::crypto {
 
 enum class DigestAlgorithm { sm3, sha1, sha256 };
 
-constexpr std::size_t sm3Size = 32;
-using Sm3Digest = std::array<std::uint8_t, sm3Size>;
+constexpr std::size_t SM3_SIZE = 32;
+using Sm3Digest = std::array<std::uint8_t, SM3_SIZE>;
 
 // A running hash. Copies carry the state on independently. Not for use by two threads at once.
 class Digest {
@@ -32,7 +32,7 @@ public:
     void value(std::span<std::uint8_t> out) const;
 
 private:
-    void *handle_; // gcry_md_hd_t, kept out of this header
+    void *m_handle; // gcry_md_hd_t, kept out of this header
 };
 
 // The whole hash in one call.

@@ -5,15 +5,12 @@ namespace tembra::crypto {
 namespace {
 
 int digitValue(char digit) {
-    if (digit >= '0' && digit <= '9') {
+    if (digit >= '0' && digit <= '9')
         return digit - '0';
-    }
-    if (digit >= 'a' && digit <= 'f') {
+    if (digit >= 'a' && digit <= 'f')
         return digit - 'a' + 10;
-    }
-    if (digit >= 'A' && digit <= 'F') {
+    if (digit >= 'A' && digit <= 'F')
         return digit - 'A' + 10;
-    }
     return -1;
 }
 
@@ -31,17 +28,15 @@ std::string toHex(ByteView bytes) {
 }
 
 std::optional<Bytes> fromHex(std::string_view text) {
-    if (text.size() % 2 != 0) {
+    if (text.size() % 2 != 0)
         return std::nullopt;
-    }
     Bytes out;
     out.reserve(text.size() / 2);
     for (std::size_t i = 0; i < text.size(); i += 2) {
         const int high = digitValue(text[i]);
         const int low = digitValue(text[i + 1]);
-        if (high < 0 || low < 0) {
+        if (high < 0 || low < 0)
             return std::nullopt;
-        }
         out.push_back(static_cast<std::uint8_t>(high * 16 + low));
     }
     return out;

@@ -8,70 +8,67 @@ namespace tembra::crypto {
 
 namespace {
 
+constexpr std::string_view MAGIC = "_KEYPAIR";
+constexpr std::uint32_t ALGORITHM_RSA = 1;
+constexpr std::uint32_t ALGORITHM_ECC = 4;
+constexpr std::uint32_t CURVE_SM2 = 7;
 
-constexpr std::string_view magic = "_KEYPAIR";
-constexpr std::uint32_t algorithmRsa = 1;
-constexpr std::uint32_t algorithmEcc = 4;
-constexpr std::uint32_t curveSm2 = 7;
-
-constexpr std::array rsaSecretFields = {&RsaPrivateKey::d,  &RsaPrivateKey::p,
-                                        &RsaPrivateKey::q,  &RsaPrivateKey::dP,
-                                        &RsaPrivateKey::dQ, &RsaPrivateKey::qInv};
+constexpr std::array RSA_SECRET_FIELDS = {&RsaPrivateKey::d,  &RsaPrivateKey::p,
+                                          &RsaPrivateKey::q,  &RsaPrivateKey::dP,
+                                          &RsaPrivateKey::dQ, &RsaPrivateKey::qInv};
 
 // A cursor that only shrinks. A read beyond the end takes nothing and spoils the cursor for good.
 class Cursor {
 public:
-    explicit Cursor(ByteView bytes) : rest_(bytes) {}
+    explicit Cursor(ByteView bytes) : m_rest(bytes) {}
 
     ByteView take(std::size_t count) {
-        if (count > rest_.size()) {
-            good_ = false;
+        if (count > m_rest.size()) {
+            m_good = false;
             return {};
         }
-        const ByteView taken = rest_.first(count);
-        rest_ = rest_.subspan(count);
+        const ByteView taken = m_rest.first(count);
+        m_rest = m_rest.subspan(count);
         return taken;
     }
     std::uint32_t number() {
         std::uint32_t value = 0;
-        for (const std::uint8_t digit : take(4)) {
+        for (const std::uint8_t digit : take(4))
             value = value << 8 | digit;
-        }
         return value;
     }
     // A field after its length, without leading zeros.
     ByteView prefixed() {
         const ByteView field = take(number());
-        good_ = good_ && !field.empty() && field.front() != 0;
+        m_good = m_good && !field.empty() && field.front() != 0;
         return field;
     }
-    bool finished() const { return good_ && rest_.empty(); }
+    bool finished() const { return m_good && m_rest.empty(); }
 
 private:
-    ByteView rest_;
-    bool good_ = true;
+    ByteView m_rest;
+    bool m_good = true;
 };
 
 class Writer {
 public:
-    void raw(ByteView bytes) { out_.insert(out_.end(), bytes.begin(), bytes.end()); }
+    void raw(ByteView bytes) { m_out.insert(m_out.end(), bytes.begin(), bytes.end()); }
     void number(std::size_t value) {
-        for (const int shift : {24, 16, 8, 0}) {
-            out_.push_back(static_cast<std::uint8_t>(value >> shift));
-        }
+        for (const int shift : {24, 16, 8, 0})
+            m_out.push_back(static_cast<std::uint8_t>(value >> shift));
     }
     void prefixed(ByteView field) {
         number(field.size());
         raw(field);
     }
     void start(std::uint32_t algorithm) {
-        out_.insert(out_.end(), magic.begin(), magic.end());
+        m_out.insert(m_out.end(), MAGIC.begin(), MAGIC.end());
         number(algorithm);
     }
-    SecretBytes take() { return std::move(out_); }
+    SecretBytes take() { return std::move(m_out); }
 
 private:
-    SecretBytes out_;
+    SecretBytes m_out;
 };
 
 bool isModulusSize(std::size_t bytes) {
@@ -80,24 +77,22 @@ bool isModulusSize(std::size_t bytes) {
 
 SecretBytes encode(const RsaPrivateKey &key) {
     Writer writer;
-    if (!isModulusSize(key.n.size()) || key.publicKey().bits() != key.n.size() * 8) {
+    if (!isModulusSize(key.n.size()) || key.publicKey().bits() != key.n.size() * 8)
         return {};
-    }
-    writer.start(algorithmRsa);
+    writer.start(ALGORITHM_RSA);
     writer.number(key.n.size() * 8);
     writer.prefixed(key.n);
     writer.prefixed(key.e);
-    for (const auto field : rsaSecretFields) {
+    for (const auto field : RSA_SECRET_FIELDS)
         writer.prefixed(key.*field);
-    }
     return writer.take();
 }
 
 SecretBytes encode(const Sm2KeyPair &key) {
     Writer writer;
-    writer.start(algorithmEcc);
-    writer.number(curveSm2);
-    writer.number(crypto::sm2Size);
+    writer.start(ALGORITHM_ECC);
+    writer.number(CURVE_SM2);
+    writer.number(crypto::SM2_SIZE);
     writer.raw(key.publicKey.x);
     writer.raw(key.publicKey.y);
     writer.raw(key.d);
@@ -111,29 +106,26 @@ std::optional<PrivateKey> decodeRsa(Cursor cursor) {
     const ByteView e = cursor.prefixed();
     key.n.assign(n.begin(), n.end());
     key.e.assign(e.begin(), e.end());
-    for (const auto field : rsaSecretFields) {
+    for (const auto field : RSA_SECRET_FIELDS) {
         const ByteView value = cursor.prefixed();
         (key.*field).assign(value.begin(), value.end());
     }
     if (!cursor.finished() || !isModulusSize(key.n.size()) || bits != key.n.size() * 8 ||
-        key.publicKey().bits() != bits || !crypto::isConsistent(key)) {
+        key.publicKey().bits() != bits || !crypto::isConsistent(key))
         return std::nullopt;
-    }
     return key;
 }
 
 std::optional<PrivateKey> decodeEcc(Cursor cursor) {
-    if (cursor.number() != curveSm2 || cursor.number() != crypto::sm2Size) {
+    if (cursor.number() != CURVE_SM2 || cursor.number() != crypto::SM2_SIZE)
         return std::nullopt;
-    }
     Sm2KeyPair pair;
-    std::ranges::copy(cursor.take(crypto::sm2Size), pair.publicKey.x.begin());
-    std::ranges::copy(cursor.take(crypto::sm2Size), pair.publicKey.y.begin());
-    const ByteView d = cursor.take(crypto::sm2Size);
+    std::ranges::copy(cursor.take(crypto::SM2_SIZE), pair.publicKey.x.begin());
+    std::ranges::copy(cursor.take(crypto::SM2_SIZE), pair.publicKey.y.begin());
+    const ByteView d = cursor.take(crypto::SM2_SIZE);
     pair.d.assign(d.begin(), d.end());
-    if (!cursor.finished() || !crypto::isConsistent(pair)) {
+    if (!cursor.finished() || !crypto::isConsistent(pair))
         return std::nullopt;
-    }
     return pair;
 }
 
@@ -145,12 +137,11 @@ SecretBytes encodeKeyPairBlob(const PrivateKey &key) {
 
 std::optional<PrivateKey> decodeKeyPairBlob(ByteView blob) {
     Cursor cursor(blob);
-    if (!std::ranges::equal(cursor.take(magic.size()), magic)) {
+    if (!std::ranges::equal(cursor.take(MAGIC.size()), MAGIC))
         return std::nullopt;
-    }
     switch (cursor.number()) {
-    case algorithmRsa: return decodeRsa(cursor);
-    case algorithmEcc: return decodeEcc(cursor);
+    case ALGORITHM_RSA: return decodeRsa(cursor);
+    case ALGORITHM_ECC: return decodeEcc(cursor);
     default: return std::nullopt;
     }
 }

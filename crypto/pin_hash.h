@@ -5,7 +5,7 @@
 
 namespace tembra::crypto {
 
-constexpr unsigned pinHashDefaultIterations = 60000;
+constexpr unsigned PIN_HASH_DEFAULT_ITERATIONS = 60000;
 
 // Everything needed to test a PIN later; store all three.
 struct PinHash {
@@ -14,7 +14,7 @@ struct PinHash {
     Bytes hash; // 32 bytes
 };
 
-PinHash hashPin(ByteView pin, unsigned iterations = pinHashDefaultIterations);
+PinHash hashPin(ByteView pin, unsigned iterations = PIN_HASH_DEFAULT_ITERATIONS);
 
 // False for a wrong PIN and for a hash that cannot have come from hashPin.
 bool pinMatches(ByteView pin, const PinHash &stored);

@@ -21,12 +21,10 @@ std::optional<PrivateKey> either(std::optional<Key> key) {
 }
 
 std::optional<PrivateKey> decodeLabelled(const PemBlock &block) {
-    if (block.label == "PRIVATE KEY") {
+    if (block.label == "PRIVATE KEY")
         return decodePkcs8(block.data);
-    }
-    if (block.label == "RSA PRIVATE KEY") {
+    if (block.label == "RSA PRIVATE KEY")
         return either(decodePkcs1(block.data));
-    }
     return either(decodeSec1(block.data));
 }
 
@@ -40,31 +38,27 @@ bool isPrivateKeyLabel(std::string_view label) {
 SecretBytes encodePkcs1(const RsaPrivateKey &key) {
     DerWriter numbers;
     numbers.unsignedInteger({}).unsignedInteger(key.n).unsignedInteger(key.e);
-    for (const SecretBytes *number : {&key.d, &key.p, &key.q, &key.dP, &key.dQ, &key.qInv}) {
+    for (const SecretBytes *number : {&key.d, &key.p, &key.q, &key.dP, &key.dQ, &key.qInv})
         numbers.unsignedInteger(*number);
-    }
     return DerWriter().sequence(numbers).secretBytes();
 }
 
 std::optional<RsaPrivateKey> decodePkcs1(ByteView der) {
     DerReader reader(der);
     auto numbers = reader.sequence();
-    if (!numbers || !reader.atEnd() || !numbers->smallInteger(0)) {
+    if (!numbers || !reader.atEnd() || !numbers->smallInteger(0))
         return std::nullopt;
-    }
     RsaPrivateKey key;
     for (Bytes *number : {&key.n, &key.e}) {
         const auto value = numbers->unsignedInteger();
-        if (!value) {
+        if (!value)
             return std::nullopt;
-        }
         number->assign(value->begin(), value->end());
     }
     for (SecretBytes *number : {&key.d, &key.p, &key.q, &key.dP, &key.dQ, &key.qInv}) {
         const auto value = numbers->unsignedInteger();
-        if (!value) {
+        if (!value)
             return std::nullopt;
-        }
         number->assign(value->begin(), value->end());
     }
     return numbers->atEnd() ? std::optional(std::move(key)) : std::nullopt;
@@ -73,65 +67,55 @@ std::optional<RsaPrivateKey> decodePkcs1(ByteView der) {
 std::optional<Sm2KeyPair> decodeSec1(ByteView der) {
     DerReader reader(der);
     auto fields = reader.sequence();
-    if (!fields || !reader.atEnd() || !fields->smallInteger(1)) {
+    if (!fields || !reader.atEnd() || !fields->smallInteger(1))
         return std::nullopt;
-    }
     const auto d = fields->octetString();
     const auto publicKey = d ? sm2PublicKeyOf(*d) : std::nullopt;
-    if (!publicKey) {
+    if (!publicKey)
         return std::nullopt;
-    }
     if (fields->nextIs(der::explicitTag(0))) {
         auto curve = fields->nested(der::explicitTag(0));
-        if (!curve || !curve->oid(oids::sm2Curve) || !curve->atEnd()) {
+        if (!curve || !curve->oid(oids::SM2_CURVE) || !curve->atEnd())
             return std::nullopt;
-        }
     }
     if (fields->nextIs(der::explicitTag(1))) {
         auto point = fields->nested(der::explicitTag(1));
         const auto bits = point ? point->bitString() : std::nullopt;
-        if (!bits || !point->atEnd() || decodeSm2Point(*bits) != publicKey) {
+        if (!bits || !point->atEnd() || decodeSm2Point(*bits) != publicKey)
             return std::nullopt;
-        }
     }
-    if (!fields->atEnd()) {
+    if (!fields->atEnd())
         return std::nullopt;
-    }
     return Sm2KeyPair{*publicKey, SecretBytes(d->begin(), d->end())};
 }
 
 std::optional<PrivateKey> decodePkcs8(ByteView der) {
     DerReader reader(der);
     auto fields = reader.sequence();
-    if (!fields || !reader.atEnd() || !fields->smallInteger(0)) {
+    if (!fields || !reader.atEnd() || !fields->smallInteger(0))
         return std::nullopt;
-    }
     auto algorithm = fields->sequence();
     const auto key = fields->octetString();
     constexpr std::uint8_t attributes = der::explicitTag(0);
     if (!algorithm || !key || (fields->nextIs(attributes) && !fields->nested(attributes)) ||
-        !fields->atEnd()) {
+        !fields->atEnd())
         return std::nullopt;
-    }
-    if (algorithm->oid(oids::rsaEncryption) && algorithm->null() && algorithm->atEnd()) {
+    if (algorithm->oid(oids::RSA_ENCRYPTION) && algorithm->null() && algorithm->atEnd())
         return either(decodePkcs1(*key));
-    }
-    if (algorithm->oid(oids::ecPublicKey) && algorithm->oid(oids::sm2Curve) && algorithm->atEnd()) {
+    if (algorithm->oid(oids::EC_PUBLIC_KEY) && algorithm->oid(oids::SM2_CURVE) &&
+        algorithm->atEnd())
         return either(decodeSec1(*key));
-    }
     return std::nullopt;
 }
 
 std::optional<PrivateKey> decodePrivateKeyPem(std::string_view pem) {
     const auto blocks = decodePem(pem);
-    if (!blocks) {
+    if (!blocks)
         return std::nullopt;
-    }
     const auto block = std::ranges::find_if(
         *blocks, [](const PemBlock &candidate) { return isPrivateKeyLabel(candidate.label); });
-    if (block == blocks->end()) {
+    if (block == blocks->end())
         return std::nullopt;
-    }
     auto key = decodeLabelled(*block);
     return key && isConsistentKey(*key) ? std::move(key) : std::nullopt;
 }

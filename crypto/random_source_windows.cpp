@@ -11,9 +11,8 @@ namespace {
 
 // Everything that is worth a warning goes where libgcrypt would write it.
 void logWithoutNotes(void *, int level, const char *format, std::va_list arguments) {
-    if (level != GCRY_LOG_INFO && level != GCRY_LOG_CONT) {
+    if (level != GCRY_LOG_INFO && level != GCRY_LOG_CONT)
         std::vfprintf(stderr, format, arguments);
-    }
 }
 
 } // namespace

@@ -12,7 +12,7 @@ namespace tembra::crypto {
 
 namespace {
 
-constexpr std::size_t rsaMinBits = 512;
+constexpr std::size_t RSA_MIN_BITS = 512;
 
 bool isOdd(ByteView number) {
     return !number.empty() && (number.back() & 1) != 0;
@@ -42,20 +42,17 @@ std::optional<SecretBytes> privateOperation(const RsaPrivateKey &key, ByteView b
     const Mpi q = secretMpiFrom(key.q);
     const Mpi qInv = secretMpiFrom(key.qInv);
     const Mpi in = secretMpiFrom(block);
-    if (gcry_mpi_cmp(in.get(), n.get()) >= 0) {
+    if (gcry_mpi_cmp(in.get(), n.get()) >= 0)
         return std::nullopt;
-    }
     const Sexp secret = buildSexp("(private-key(rsa(n %M)(e %M)(d %M)(p %M)(q %M)(u %M)))", n.get(),
                                   e.get(), d.get(), q.get(), p.get(), qInv.get());
     const Sexp data = buildSexp("(enc-val(flags raw)(rsa(a %M)))", in.get());
     gcry_sexp_t raw = nullptr;
-    if (gcry_pk_decrypt(&raw, data.get(), secret.get()) != 0) {
+    if (gcry_pk_decrypt(&raw, data.get(), secret.get()) != 0)
         return std::nullopt;
-    }
     const Mpi out = numberIn(Sexp(raw), "value");
-    if (!out) {
+    if (!out)
         return std::nullopt;
-    }
     SecretBytes result(key.n.size());
     store(out.get(), result);
     return result;
@@ -92,9 +89,8 @@ std::size_t RsaPublicKey::bits() const {
 }
 
 std::optional<RsaPrivateKey> generateRsaKey(unsigned bits) {
-    if (bits != 1024 && bits != 2048) {
+    if (bits != 1024 && bits != 2048)
         return std::nullopt;
-    }
     initialiseGcrypt();
     // The flag asks for the same random numbers that the other keys are made of; without it
     // libgcrypt mixes in its jitter generator, whose memory it keeps for good.
@@ -120,24 +116,21 @@ std::optional<RsaPrivateKey> generateRsaKey(unsigned bits) {
 
 bool isUsable(const RsaPublicKey &key) {
     const auto hasNoLeadingZero = [](ByteView number) { return !number.empty() && number[0] != 0; };
-    if (!hasNoLeadingZero(key.n) || !hasNoLeadingZero(key.e) || key.bits() < rsaMinBits ||
-        key.bits() > rsaMaxBits || !isOdd(key.n) || !isOdd(key.e) || key.e == Bytes{1}) {
+    if (!hasNoLeadingZero(key.n) || !hasNoLeadingZero(key.e) || key.bits() < RSA_MIN_BITS ||
+        key.bits() > RSA_MAX_BITS || !isOdd(key.n) || !isOdd(key.e) || key.e == Bytes{1})
         return false;
-    }
     return key.e.size() < key.n.size() || (key.e.size() == key.n.size() && key.e < key.n);
 }
 
 bool isConsistent(const RsaPrivateKey &key) {
-    if (!isUsable(key.publicKey()) || !isOdd(key.p) || !isOdd(key.q)) {
+    if (!isUsable(key.publicKey()) || !isOdd(key.p) || !isOdd(key.q))
         return false;
-    }
     initialiseGcrypt();
     const Mpi n = mpiFrom(key.n), e = mpiFrom(key.e), d = secretMpiFrom(key.d);
     const Mpi p = secretMpiFrom(key.p), q = secretMpiFrom(key.q);
     if (gcry_mpi_cmp_ui(p.get(), 2) <= 0 || gcry_mpi_cmp_ui(q.get(), 2) <= 0 ||
-        gcry_mpi_cmp(d.get(), n.get()) >= 0) {
+        gcry_mpi_cmp(d.get(), n.get()) >= 0)
         return false;
-    }
     const Mpi product = newSecretMpi();
     gcry_mpi_mul(product.get(), p.get(), q.get());
     const Mpi qInv = secretMpiFrom(key.qInv);
@@ -149,44 +142,39 @@ bool isConsistent(const RsaPrivateKey &key) {
 
 std::optional<Bytes> rsaSign(const RsaPrivateKey &key, ByteView data) {
     const auto block = padForSignature(data, key.n.size());
-    if (!block || !isUsable(key.publicKey())) {
+    if (!block || !isUsable(key.publicKey()))
         return std::nullopt;
-    }
     const auto signature = privateOperation(key, *block);
-    if (!signature) {
+    if (!signature)
         return std::nullopt;
-    }
     return Bytes(signature->begin(), signature->end());
 }
 
 bool rsaVerify(const RsaPublicKey &key, ByteView data, ByteView signature) {
     const auto block = padForSignature(data, key.n.size());
     if (!block || !isUsable(key) || signature.size() != key.n.size() ||
-        !std::ranges::lexicographical_compare(signature, key.n)) {
+        !std::ranges::lexicographical_compare(signature, key.n))
         return false;
-    }
     return equalConstantTime(publicOperation(key, signature), *block);
 }
 
 std::optional<Bytes> rsaEncrypt(const RsaPublicKey &key, ByteView plain) {
     const auto block = padForEncryption(plain, key.n.size());
-    if (!block || !isUsable(key)) {
+    if (!block || !isUsable(key))
         return std::nullopt;
-    }
     return publicOperation(key, *block);
 }
 
 std::optional<SecretBytes> rsaDecrypt(const RsaPrivateKey &key, ByteView cipher) {
-    if (!isUsable(key.publicKey()) || cipher.size() != key.n.size()) {
+    if (!isUsable(key.publicKey()) || cipher.size() != key.n.size())
         return std::nullopt;
-    }
     const auto block = privateOperation(key, cipher);
     return block ? unpadEncryption(*block) : std::nullopt;
 }
 
 Bytes sha256DigestInfo(ByteView hash) {
     return DerWriter()
-        .sequence(DerWriter().sequence(DerWriter().oid(oids::sha256).null()).octetString(hash))
+        .sequence(DerWriter().sequence(DerWriter().oid(oids::SHA256).null()).octetString(hash))
         .bytes();
 }
 

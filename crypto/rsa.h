@@ -27,7 +27,7 @@ struct RsaPrivateKey {
     RsaPublicKey publicKey() const { return {n, e}; }
 };
 
-constexpr std::size_t rsaMaxBits = 4096;
+constexpr std::size_t RSA_MAX_BITS = 4096;
 
 // A key with e = 65537; empty unless bits is 1024 or 2048.
 std::optional<RsaPrivateKey> generateRsaKey(unsigned bits);

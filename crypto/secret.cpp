@@ -5,19 +5,16 @@ namespace tembra::crypto {
 void wipe(void *memory, std::size_t length) noexcept {
     // Writes through a volatile pointer are side effects, which no optimiser may drop.
     auto *byte = static_cast<volatile std::uint8_t *>(memory);
-    while (length-- != 0) {
+    while (length-- != 0)
         *byte++ = 0;
-    }
 }
 
 bool equalConstantTime(ByteView a, ByteView b) noexcept {
-    if (a.size() != b.size()) {
+    if (a.size() != b.size())
         return false;
-    }
     unsigned difference = 0;
-    for (std::size_t i = 0; i < a.size(); ++i) {
+    for (std::size_t i = 0; i < a.size(); ++i)
         difference |= static_cast<unsigned>(a[i] ^ b[i]);
-    }
     return difference == 0;
 }
 

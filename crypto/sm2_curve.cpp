@@ -8,14 +8,13 @@ Sm2Curve::Sm2Curve() {
     initialiseGcrypt();
     gcry_ctx_t context = nullptr;
     check(gcry_mpi_ec_new(&context, nullptr, "sm2p256v1"), "SM2 curve");
-    context_.reset(context);
+    m_context.reset(context);
 }
 
 Mpi Sm2Curve::parameter(const char *name) const {
-    Mpi value(gcry_mpi_ec_get_mpi(name, context_.get(), 1));
-    if (!value) {
+    Mpi value(gcry_mpi_ec_get_mpi(name, m_context.get(), 1));
+    if (!value)
         throw std::runtime_error("SM2 curve parameter");
-    }
     return value;
 }
 
@@ -24,7 +23,7 @@ bool Sm2Curve::contains(const Sm2PublicKey &key) const {
     const Mpi x = mpiFrom(key.x);
     const Mpi y = mpiFrom(key.y);
     return gcry_mpi_cmp(x.get(), p.get()) < 0 && gcry_mpi_cmp(y.get(), p.get()) < 0 &&
-           gcry_mpi_ec_curve_point(point(key).get(), context_.get()) != 0;
+           gcry_mpi_ec_curve_point(point(key).get(), m_context.get()) != 0;
 }
 
 bool Sm2Curve::isPrivateKey(gcry_mpi_t d) const {
@@ -36,13 +35,13 @@ bool Sm2Curve::isPrivateKey(gcry_mpi_t d) const {
 Mpi Sm2Curve::randomScalar() const {
     Mpi scalar = newSecretMpi();
     do {
-        gcry_mpi_randomize(scalar.get(), sm2Size * 8, GCRY_STRONG_RANDOM);
+        gcry_mpi_randomize(scalar.get(), SM2_SIZE * 8, GCRY_STRONG_RANDOM);
     } while (!isPrivateKey(scalar.get()));
     return scalar;
 }
 
 Point Sm2Curve::generator() const {
-    return Point(gcry_mpi_ec_get_point("g", context_.get(), 1));
+    return Point(gcry_mpi_ec_get_point("g", m_context.get(), 1));
 }
 
 Point Sm2Curve::point(const Sm2PublicKey &affine) const {
@@ -53,12 +52,11 @@ Point Sm2Curve::point(const Sm2PublicKey &affine) const {
 
 std::optional<Sm2PublicKey> Sm2Curve::multiply(gcry_mpi_t scalar, const Point &point) const {
     const Point product(gcry_mpi_point_new(0));
-    gcry_mpi_ec_mul(product.get(), scalar, point.get(), context_.get());
+    gcry_mpi_ec_mul(product.get(), scalar, point.get(), m_context.get());
     const Mpi x = newSecretMpi();
     const Mpi y = newSecretMpi();
-    if (gcry_mpi_ec_get_affine(x.get(), y.get(), product.get(), context_.get()) != 0) {
+    if (gcry_mpi_ec_get_affine(x.get(), y.get(), product.get(), m_context.get()) != 0)
         return std::nullopt;
-    }
     Sm2PublicKey out;
     store(x.get(), out.x);
     store(y.get(), out.y);

@@ -23,7 +23,7 @@ public:
     std::optional<Sm2PublicKey> multiply(gcry_mpi_t scalar, const Point &point) const;
 
 private:
-    Context context_;
+    Context m_context;
 };
 
 } // namespace tembra::crypto

@@ -26,19 +26,17 @@ Bytes encodeSm2Signature(const Sm2Signature &signature) {
 std::optional<Sm2Signature> decodeSm2Signature(ByteView der) {
     DerReader reader(der);
     auto fields = reader.sequence();
-    if (!fields || !reader.atEnd()) {
+    if (!fields || !reader.atEnd())
         return std::nullopt;
-    }
     const auto r = readNumber(*fields);
     const auto s = readNumber(*fields);
-    if (!r || !s || !fields->atEnd()) {
+    if (!r || !s || !fields->atEnd())
         return std::nullopt;
-    }
     return Sm2Signature{*r, *s};
 }
 
 Bytes flattenSm2Ciphertext(const Sm2Ciphertext &cipher) {
-    Bytes out(sm2PointSize + cipher.c2.size() + sm2Size);
+    Bytes out(SM2_POINT_SIZE + cipher.c2.size() + SM2_SIZE);
     auto next = std::ranges::copy(encodeSm2Point(cipher.c1), out.begin()).out;
     next = std::ranges::copy(cipher.c2, next).out;
     std::ranges::copy(cipher.c3, next);
@@ -58,16 +56,14 @@ Bytes encodeSm2Ciphertext(const Sm2Ciphertext &cipher) {
 std::optional<Sm2Ciphertext> decodeSm2Ciphertext(ByteView der) {
     DerReader reader(der);
     auto fields = reader.sequence();
-    if (!fields || !reader.atEnd()) {
+    if (!fields || !reader.atEnd())
         return std::nullopt;
-    }
     const auto x = readNumber(*fields);
     const auto y = readNumber(*fields);
     const auto c3 = fields->octetString();
     const auto c2 = fields->octetString();
-    if (!x || !y || !c3 || c3->size() != sm2Size || !c2 || !fields->atEnd()) {
+    if (!x || !y || !c3 || c3->size() != SM2_SIZE || !c2 || !fields->atEnd())
         return std::nullopt;
-    }
     Sm2Ciphertext cipher{{*x, *y}, Bytes(c2->begin(), c2->end()), {}};
     std::ranges::copy(*c3, cipher.c3.begin());
     return cipher;

@@ -53,7 +53,7 @@ Out exclusiveOr(ByteView a, const SecretBytes &stream) {
 
 SecretBytes sm2Kdf(ByteView z, std::size_t length) {
     SecretBytes out;
-    out.reserve(length + sm3Size);
+    out.reserve(length + SM3_SIZE);
     Digest prefix(DigestAlgorithm::sm3);
     prefix.update(z);
     for (std::uint32_t counter = 1; out.size() < length; ++counter) {
@@ -62,8 +62,8 @@ SecretBytes sm2Kdf(ByteView z, std::size_t length) {
             static_cast<std::uint8_t>(counter >> 8), static_cast<std::uint8_t>(counter)};
         Digest block = prefix;
         block.update(number);
-        out.resize(out.size() + sm3Size);
-        block.value(std::span(out).last(sm3Size));
+        out.resize(out.size() + SM3_SIZE);
+        block.value(std::span(out).last(SM3_SIZE));
     }
     out.resize(length);
     return out;
@@ -71,43 +71,36 @@ SecretBytes sm2Kdf(ByteView z, std::size_t length) {
 
 std::optional<Sm2Ciphertext> sm2Encrypt(const Sm2PublicKey &key, ByteView plain) {
     const Sm2Curve curve;
-    if (!curve.contains(key)) {
+    if (!curve.contains(key))
         return std::nullopt;
-    }
     for (;;) {
         const Mpi k = curve.randomScalar();
         const auto c1 = curve.multiply(k.get(), curve.generator());
         auto point = curve.multiply(k.get(), curve.point(key));
-        if (!c1 || !point) {
+        if (!c1 || !point)
             return std::nullopt;
-        }
         const SharedPoint shared(*point);
         const SecretBytes stream = shared.keyStream(plain.size());
-        if (isUsableStream(stream)) {
+        if (isUsableStream(stream))
             return Sm2Ciphertext{*c1, exclusiveOr<Bytes>(plain, stream), shared.checkValue(plain)};
-        }
     }
 }
 
 std::optional<SecretBytes> sm2Decrypt(ByteView d, const Sm2Ciphertext &cipher) {
     const Sm2Curve curve;
     const Mpi scalar = secretMpiFrom(d);
-    if (d.size() != sm2Size || !curve.isPrivateKey(scalar.get()) || !curve.contains(cipher.c1)) {
+    if (d.size() != SM2_SIZE || !curve.isPrivateKey(scalar.get()) || !curve.contains(cipher.c1))
         return std::nullopt;
-    }
     auto point = curve.multiply(scalar.get(), curve.point(cipher.c1));
-    if (!point) {
+    if (!point)
         return std::nullopt;
-    }
     const SharedPoint shared(*point);
     const SecretBytes stream = shared.keyStream(cipher.c2.size());
-    if (!isUsableStream(stream)) {
+    if (!isUsableStream(stream))
         return std::nullopt;
-    }
     auto plain = exclusiveOr<SecretBytes>(cipher.c2, stream);
-    if (!equalConstantTime(shared.checkValue(plain), cipher.c3)) {
+    if (!equalConstantTime(shared.checkValue(plain), cipher.c3))
         return std::nullopt;
-    }
     return plain;
 }
 

@@ -11,8 +11,8 @@
 
 namespace tembra::crypto {
 
-constexpr std::size_t sm2Size = 32;
-using Sm2Number = std::array<std::uint8_t, sm2Size>;
+constexpr std::size_t SM2_SIZE = 32;
+using Sm2Number = std::array<std::uint8_t, SM2_SIZE>;
 
 struct Sm2PublicKey {
     Sm2Number x{};

@@ -8,9 +8,9 @@
 
 namespace tembra::crypto {
 
-constexpr std::uint8_t uncompressedPoint = 0x04;
-constexpr std::size_t sm2PointSize = 1 + 2 * sm2Size;
-using Sm2EncodedPoint = std::array<std::uint8_t, sm2PointSize>;
+constexpr std::uint8_t UNCOMPRESSED_POINT = 0x04;
+constexpr std::size_t SM2_POINT_SIZE = 1 + 2 * SM2_SIZE;
+using Sm2EncodedPoint = std::array<std::uint8_t, SM2_POINT_SIZE>;
 
 Sm2EncodedPoint encodeSm2Point(const Sm2PublicKey &key);
 

@@ -7,7 +7,7 @@ namespace tembra::crypto {
 
 namespace {
 
-constexpr std::size_t maxSignerId = 8191; // its length in bits travels in 16 bits
+constexpr std::size_t MAX_SIGNER_ID = 8191; // its length in bits travels in 16 bits
 
 // The signature of e with the random number k: r = e + x of kG, s = (k - rd) / (1 + d), modulo n.
 // Empty for the few k that give no good r or s. (libgcrypt could do it, but would keep its jitter
@@ -16,25 +16,22 @@ std::optional<Sm2Signature> trySign(const Sm2Curve &curve, const Mpi &d, const M
                                     const Mpi &k) {
     const Mpi n = curve.parameter("n");
     const auto point = curve.multiply(k.get(), curve.generator());
-    if (!point) {
+    if (!point)
         return std::nullopt;
-    }
     const Mpi r = newMpi();
     gcry_mpi_addm(r.get(), e.get(), mpiFrom(point->x).get(), n.get());
     const Mpi scratch = newSecretMpi();
     gcry_mpi_addm(scratch.get(), r.get(), k.get(), n.get());
-    if (gcry_mpi_cmp_ui(r.get(), 0) == 0 || gcry_mpi_cmp_ui(scratch.get(), 0) == 0) {
+    if (gcry_mpi_cmp_ui(r.get(), 0) == 0 || gcry_mpi_cmp_ui(scratch.get(), 0) == 0)
         return std::nullopt;
-    }
     const Mpi inverse = newSecretMpi();
     gcry_mpi_add_ui(inverse.get(), d.get(), 1);
     gcry_mpi_invm(inverse.get(), inverse.get(), n.get());
     gcry_mpi_mulm(scratch.get(), r.get(), d.get(), n.get());
     gcry_mpi_subm(scratch.get(), k.get(), scratch.get(), n.get());
     gcry_mpi_mulm(scratch.get(), scratch.get(), inverse.get(), n.get());
-    if (gcry_mpi_cmp_ui(scratch.get(), 0) == 0) {
+    if (gcry_mpi_cmp_ui(scratch.get(), 0) == 0)
         return std::nullopt;
-    }
     Sm2Signature signature;
     store(r.get(), signature.r);
     store(scratch.get(), signature.s);
@@ -44,9 +41,8 @@ std::optional<Sm2Signature> trySign(const Sm2Curve &curve, const Mpi &d, const M
 } // namespace
 
 std::optional<Sm3Digest> sm2SignerDigest(const Sm2PublicKey &key, std::string_view signerId) {
-    if (signerId.size() > maxSignerId) {
+    if (signerId.size() > MAX_SIGNER_ID)
         return std::nullopt;
-    }
     const auto bits = signerId.size() * 8;
     Bytes text = {static_cast<std::uint8_t>(bits >> 8), static_cast<std::uint8_t>(bits & 0xFF)};
     text.insert(text.end(), signerId.begin(), signerId.end());
@@ -64,20 +60,16 @@ std::optional<Sm3Digest> sm2SignerDigest(const Sm2PublicKey &key, std::string_vi
 std::optional<Sm2Signature> sm2Sign(const Sm2KeyPair &pair, ByteView digest) {
     const Sm2Curve curve;
     const Mpi d = secretMpiFrom(pair.d);
-    if (digest.size() != sm3Size || pair.d.size() != sm2Size || !curve.isPrivateKey(d.get())) {
+    if (digest.size() != SM3_SIZE || pair.d.size() != SM2_SIZE || !curve.isPrivateKey(d.get()))
         return std::nullopt;
-    }
-    for (;;) {
-        if (auto signature = trySign(curve, d, mpiFrom(digest), curve.randomScalar())) {
+    for (;;)
+        if (auto signature = trySign(curve, d, mpiFrom(digest), curve.randomScalar()))
             return signature;
-        }
-    }
 }
 
 bool sm2Verify(const Sm2PublicKey &publicKey, ByteView digest, const Sm2Signature &signature) {
-    if (digest.size() != sm3Size || !isOnSm2Curve(publicKey)) {
+    if (digest.size() != SM3_SIZE || !isOnSm2Curve(publicKey))
         return false;
-    }
     const Sm2EncodedPoint q = encodeSm2Point(publicKey);
     const Sexp key = buildSexp("(public-key(ecc(curve sm2p256v1)(flags sm2)(q %b)))",
                                static_cast<int>(q.size()), static_cast<const void *>(q.data()));

@@ -11,7 +11,7 @@
 namespace tembra::crypto {
 
 // The signer's identity that is used when the parties agreed on none (GM/T 0009).
-constexpr std::string_view sm2DefaultSignerId = "1234567812345678";
+constexpr std::string_view SM2_DEFAULT_SIGNER_ID = "1234567812345678";
 
 struct Sm2Signature {
     Sm2Number r{};
@@ -23,7 +23,7 @@ struct Sm2Signature {
 // Z, the SM3 digest of the signer's identity (at most 8191 bytes), the curve and the public key.
 // Empty when the identity is too long.
 std::optional<Sm3Digest> sm2SignerDigest(const Sm2PublicKey &key,
-                                         std::string_view signerId = sm2DefaultSignerId);
+                                         std::string_view signerId = SM2_DEFAULT_SIGNER_ID);
 
 // Signs a digest of exactly 32 bytes, SM3(Z || message) as a rule; empty when the length or the key
 // is wrong.

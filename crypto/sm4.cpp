@@ -12,7 +12,7 @@ using Cipher =
     std::unique_ptr<std::remove_pointer_t<gcry_cipher_hd_t>, Releaser<gcry_cipher_close>>;
 
 bool lengthsFit(Sm4Mode mode, ByteView key, ByteView iv) {
-    return key.size() == sm4KeySize && (mode == Sm4Mode::ecb || iv.size() == sm4BlockSize);
+    return key.size() == SM4_KEY_SIZE && (mode == Sm4Mode::ecb || iv.size() == SM4_BLOCK_SIZE);
 }
 
 Cipher openCipher(Sm4Mode mode, ByteView key, ByteView iv) {
@@ -22,25 +22,21 @@ Cipher openCipher(Sm4Mode mode, ByteView key, ByteView iv) {
     check(gcry_cipher_open(&handle, GCRY_CIPHER_SM4, number, GCRY_CIPHER_SECURE), "SM4");
     Cipher cipher(handle);
     check(gcry_cipher_setkey(handle, key.data(), key.size()), "SM4 key");
-    if (mode == Sm4Mode::cbc) {
+    if (mode == Sm4Mode::cbc)
         check(gcry_cipher_setiv(handle, iv.data(), iv.size()), "SM4 IV");
-    }
     return cipher;
 }
 
 // Takes PKCS #7 padding off; false when it is wrong.
 bool removePadding(SecretBytes &plain) {
-    if (plain.empty()) {
+    if (plain.empty())
         return false;
-    }
     const std::size_t count = plain.back();
-    if (count == 0 || count > sm4BlockSize) {
+    if (count == 0 || count > SM4_BLOCK_SIZE)
         return false;
-    }
     const auto padding = std::span(plain).last(count);
-    if (std::any_of(padding.begin(), padding.end(), [&](auto byte) { return byte != count; })) {
+    if (std::any_of(padding.begin(), padding.end(), [&](auto byte) { return byte != count; }))
         return false;
-    }
     plain.resize(plain.size() - count);
     return true;
 }
@@ -49,17 +45,15 @@ bool removePadding(SecretBytes &plain) {
 
 std::optional<Bytes> sm4Encrypt(Sm4Mode mode, Sm4Padding padding, ByteView key, ByteView iv,
                                 ByteView plain) {
-    if (!lengthsFit(mode, key, iv)) {
+    if (!lengthsFit(mode, key, iv))
         return std::nullopt;
-    }
     SecretBytes padded(plain.begin(), plain.end());
     if (padding == Sm4Padding::pkcs7) {
-        const std::size_t count = sm4BlockSize - plain.size() % sm4BlockSize;
+        const std::size_t count = SM4_BLOCK_SIZE - plain.size() % SM4_BLOCK_SIZE;
         padded.resize(plain.size() + count, static_cast<std::uint8_t>(count));
     }
-    if (padded.size() % sm4BlockSize != 0) {
+    if (padded.size() % SM4_BLOCK_SIZE != 0)
         return std::nullopt;
-    }
     Bytes out(padded.size());
     if (!out.empty()) {
         const Cipher cipher = openCipher(mode, key, iv);
@@ -72,9 +66,8 @@ std::optional<Bytes> sm4Encrypt(Sm4Mode mode, Sm4Padding padding, ByteView key, 
 
 std::optional<SecretBytes> sm4Decrypt(Sm4Mode mode, Sm4Padding padding, ByteView key, ByteView iv,
                                       ByteView cipherText) {
-    if (!lengthsFit(mode, key, iv) || cipherText.size() % sm4BlockSize != 0) {
+    if (!lengthsFit(mode, key, iv) || cipherText.size() % SM4_BLOCK_SIZE != 0)
         return std::nullopt;
-    }
     SecretBytes out(cipherText.size());
     if (!out.empty()) {
         const Cipher cipher = openCipher(mode, key, iv);
@@ -82,18 +75,16 @@ std::optional<SecretBytes> sm4Decrypt(Sm4Mode mode, Sm4Padding padding, ByteView
                                   cipherText.size()),
               "SM4");
     }
-    if (padding == Sm4Padding::pkcs7 && !removePadding(out)) {
+    if (padding == Sm4Padding::pkcs7 && !removePadding(out))
         return std::nullopt;
-    }
     return out;
 }
 
 std::optional<Sm4Block> sm4EncryptBlock(ByteView key, ByteView block) {
     const auto out = sm4Encrypt(Sm4Mode::ecb, Sm4Padding::none, key, {}, block);
     Sm4Block result{};
-    if (!out || out->size() != result.size()) {
+    if (!out || out->size() != result.size())
         return std::nullopt;
-    }
     std::copy(out->begin(), out->end(), result.begin());
     return result;
 }

@@ -11,9 +11,9 @@
 
 namespace tembra::crypto {
 
-constexpr std::size_t sm4BlockSize = 16;
-constexpr std::size_t sm4KeySize = 16;
-using Sm4Block = std::array<std::uint8_t, sm4BlockSize>;
+constexpr std::size_t SM4_BLOCK_SIZE = 16;
+constexpr std::size_t SM4_KEY_SIZE = 16;
+using Sm4Block = std::array<std::uint8_t, SM4_BLOCK_SIZE>;
 
 enum class Sm4Mode { ecb, cbc };
 enum class Sm4Padding { none = 0, pkcs7 = 1 }; // numbered as BLOCKCIPHERPARAM's PaddingType

@@ -12,7 +12,7 @@ using namespace tembra::fuzz;
 
 namespace {
 
-const ULONG codes[] = {SAR_FAIL,
+const ULONG CODES[] = {SAR_FAIL,
                        SAR_USER_NOT_LOGGED_IN,
                        0x0A00000D,
                        SAR_DECRYPTPADERR,
@@ -39,7 +39,7 @@ void planFaults(Input &in, ProviderRun &run) {
     for (unsigned faults = in.byte() % 4; faults > 0; --faults) {
         const std::string &function = in.pick(test::scriptedFunctions());
         const int nth = 1 + in.byte() % 8;
-        const ULONG code = in.pick(codes);
+        const ULONG code = in.pick(CODES);
         if (function.find("Free") != std::string::npos)
             run.forgiveHostBlocks();
         // A host library that says 1 says success, and then it has given something.

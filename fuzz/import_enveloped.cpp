@@ -8,7 +8,7 @@ using namespace tembra::fuzz;
 
 namespace {
 
-const ULONG answers[] = {SAR_OK,     SAR_OK,     SAR_OK, SAR_USER_NOT_LOGGED_IN, 0x0A00000D,
+const ULONG ANSWERS[] = {SAR_OK,     SAR_OK,     SAR_OK, SAR_USER_NOT_LOGGED_IN, 0x0A00000D,
                          0x0A00001E, 0x0B000033, 1,      SAR_DEVICE_REMOVED};
 
 bool same(const void *field, const ExactBlock &blob, std::size_t at, std::size_t size) {
@@ -56,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     insertTokenForImports(input);
     const OneDevice device;
     const char *import = input.byte() & 1u ? "SKF_ImportRSAKeyPair" : "SKF_ImportECCKeyPair";
-    if (const ULONG answer = input.pick(answers))
+    if (const ULONG answer = input.pick(ANSWERS))
         test::planAnswer(import, 1, answer);
     const ExactBlock blob(input.rest());
     checkShare(blob);

@@ -10,7 +10,7 @@ using namespace tembra::fuzz;
 
 namespace {
 
-const ULONG capabilities[] = {SGD_SM1_ECB, SGD_SSF33_ECB, SGD_SMS4_ECB, 0x00000001, 0x00000400};
+const ULONG CAPABILITIES[] = {SGD_SM1_ECB, SGD_SSF33_ECB, SGD_SMS4_ECB, 0x00000001, 0x00000400};
 
 } // namespace
 
@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     Input input(data, size);
     ProviderRun run(input);
     insertTokenForImports(input);
-    test::script().memory.devices.front().info.AlgSymCap = input.pick(capabilities);
+    test::script().memory.devices.front().info.AlgSymCap = input.pick(CAPABILITIES);
     const OneDevice device;
     test::allowPlainRsa(input.byte() & 1u ? 2048 : 1024);
     const Bytes answers = input.bytes(input.byte());

@@ -9,8 +9,8 @@ using namespace tembra::fuzz;
 
 namespace {
 
-const ULONG answers[] = {SAR_OK, SAR_OK, SAR_OK, SAR_USER_NOT_LOGGED_IN, 3, SAR_FAIL};
-const int algorithms[] = {ORVEL_PKI_ALGORITHM_SM2_ENC, ORVEL_PKI_ALGORITHM_SM2_ENC,
+const ULONG ANSWERS[] = {SAR_OK, SAR_OK, SAR_OK, SAR_USER_NOT_LOGGED_IN, 3, SAR_FAIL};
+const int ALGORITHMS[] = {ORVEL_PKI_ALGORITHM_SM2_ENC, ORVEL_PKI_ALGORITHM_SM2_ENC,
                           ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC, ORVEL_PKI_ALGORITHM_SM2_SIGN};
 
 } // namespace
@@ -21,10 +21,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     insertToken({input.once(4) ? test::rsa("c", 1024, true, true) : test::ecc("c", true, true)});
     const OneDevice device;
     SPI_KEYPAIR_HANDLE pair = DeviceGetKeypair(device, input.byte() % 2);
-    const int algorithm = input.pick(algorithms);
+    const int algorithm = input.pick(ALGORITHMS);
     const int hash = input.once(8) ? 0x7001 : ORVEL_PKI_ALGORITHM_SM3;
     const void *param = input.once(8) ? nullptr : &hash;
-    if (const ULONG answer = input.pick(answers)) {
+    if (const ULONG answer = input.pick(ANSWERS)) {
         test::planAnswer("SKF_ECCDecrypt", 1, answer);
         test::planAnswer("SKF_RSADecrypt", 1, answer);
     }

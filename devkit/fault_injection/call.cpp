@@ -9,7 +9,7 @@ namespace tembra::door {
 
 namespace {
 
-constexpr std::size_t maxBytesShown = 32;
+constexpr std::size_t MAX_BYTES_SHOWN = 32;
 
 std::string hexNumber(const char *format, unsigned long long value) {
     char text[32];
@@ -24,36 +24,34 @@ std::string pointerText(const void *value) {
 
 } // namespace
 
-Call::Call(const char *function) noexcept : function_(function) {
+Call::Call(const char *function) noexcept : m_function(function) {
     try {
         const auto arrival = State::instance().arrive(function);
-        sequence_ = arrival.sequence;
-        fault_ = arrival.fault;
-        journaled_ = arrival.journaled;
+        m_sequence = arrival.sequence;
+        m_fault = arrival.fault;
+        m_journaled = arrival.journaled;
     } catch (...) { // a call that cannot be watched goes on unwatched
     }
-    if (journaled_) {
-        start_ = Clock::now();
-    }
+    if (m_journaled)
+        m_start = Clock::now();
 }
 
 template <typename Format>
 Call &Call::append(const char *name, Format format) noexcept {
-    if (journaled_) {
+    if (m_journaled) {
         try {
             field(name, format());
         } catch (...) {
-            journaled_ = false;
+            m_journaled = false;
         }
     }
     return *this;
 }
 
 void Call::field(const char *name, std::string_view json) {
-    std::string &fields = inOutputs_ ? outputs_ : arguments_;
-    if (!fields.empty()) {
+    std::string &fields = m_inOutputs ? m_outputs : m_arguments;
+    if (!fields.empty())
         fields += ',';
-    }
     fields.append("\"").append(name).append("\":").append(json);
 }
 
@@ -71,12 +69,11 @@ Call &Call::text(const char *name, const char *value) noexcept {
 
 Call &Call::bytes(const char *name, const void *data, std::size_t length) noexcept {
     return append(name, [&]() -> std::string {
-        if (data == nullptr) {
+        if (data == nullptr)
             return "null";
-        }
         const std::span content(static_cast<const std::uint8_t *>(data), length);
         return "{\"len\":" + std::to_string(length) +
-               ",\"hex\":" + jsonHex(content, maxBytesShown) + "}";
+               ",\"hex\":" + jsonHex(content, MAX_BYTES_SHOWN) + "}";
     });
 }
 
@@ -85,49 +82,48 @@ Call &Call::secret(const char *name, const void *value) noexcept {
 }
 
 Call &Call::outputs() noexcept {
-    inOutputs_ = true;
+    m_inOutputs = true;
     return *this;
 }
 
 std::uint32_t Call::fault() noexcept {
-    answeredByPlan_ = true;
-    record(*fault_);
-    return *fault_;
+    m_answeredByPlan = true;
+    record(*m_fault);
+    return *m_fault;
 }
 
 void Call::recordHandle(const void *value) noexcept {
-    if (journaled_) {
+    if (m_journaled) {
         try {
-            result_ = pointerText(value);
+            m_result = pointerText(value);
         } catch (...) {
-            journaled_ = false;
+            m_journaled = false;
         }
     }
 }
 
 void Call::record(std::uint32_t code) noexcept {
-    if (journaled_) {
+    if (m_journaled) {
         try {
-            result_ = hexNumber("\"0x%08llX\"", code);
+            m_result = hexNumber("\"0x%08llX\"", code);
         } catch (...) {
-            journaled_ = false;
+            m_journaled = false;
         }
     }
 }
 
 Call::~Call() {
-    if (!journaled_) {
+    if (!m_journaled)
         return;
-    }
     try {
         const auto duration =
-            std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - start_);
-        std::string line = "{\"seq\":" + std::to_string(sequence_);
+            std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - m_start);
+        std::string line = "{\"seq\":" + std::to_string(m_sequence);
         line += ",\"thread\":" + std::to_string(threadNumber());
-        line += ",\"function\":" + jsonText(function_);
-        line += ",\"args\":{" + arguments_ + "},\"out\":{" + outputs_ + "}";
-        line += ",\"result\":" + result_;
-        line += std::string(",\"planned\":") + (answeredByPlan_ ? "true" : "false");
+        line += ",\"function\":" + jsonText(m_function);
+        line += ",\"args\":{" + m_arguments + "},\"out\":{" + m_outputs + "}";
+        line += ",\"result\":" + m_result;
+        line += std::string(",\"planned\":") + (m_answeredByPlan ? "true" : "false");
         line += ",\"us\":" + std::to_string(duration.count()) + "}\n";
         State::instance().write(line);
     } catch (...) { // a line for which there is no memory is lost

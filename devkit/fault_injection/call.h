@@ -42,17 +42,16 @@ public:
     Call &outputs() noexcept;
 
     // Whether the plan answers this call; fault() is then the answer and is recorded as such.
-    bool planned() const noexcept { return fault_.has_value(); }
+    bool planned() const noexcept { return m_fault.has_value(); }
     std::uint32_t fault() noexcept;
 
     // Records the answer, a code or a handle, and passes it on.
     template <typename Result>
     Result result(Result value) noexcept {
-        if constexpr (std::is_pointer_v<Result>) {
+        if constexpr (std::is_pointer_v<Result>)
             recordHandle(value);
-        } else {
+        else
             record(static_cast<std::uint32_t>(value));
-        }
         return value;
     }
 
@@ -62,11 +61,10 @@ public:
     Result answer(Result onException, Body &&body) noexcept {
         if (planned()) {
             const std::uint32_t code = fault();
-            if constexpr (std::is_pointer_v<Result>) {
+            if constexpr (std::is_pointer_v<Result>)
                 return nullptr;
-            } else {
+            else
                 return static_cast<Result>(code);
-            }
         }
         try {
             return result<Result>(std::forward<Body>(body)());
@@ -84,16 +82,16 @@ private:
     template <typename Format>
     Call &append(const char *name, Format format) noexcept;
 
-    const char *function_;
-    std::uint64_t sequence_ = 0;
-    std::optional<std::uint32_t> fault_;
-    bool journaled_ = false;
-    bool answeredByPlan_ = false;
-    bool inOutputs_ = false;
-    Clock::time_point start_{};
-    std::string arguments_; // the inside of a JSON object
-    std::string outputs_;
-    std::string result_ = "null";
+    const char *m_function;
+    std::uint64_t m_sequence = 0;
+    std::optional<std::uint32_t> m_fault;
+    bool m_journaled = false;
+    bool m_answeredByPlan = false;
+    bool m_inOutputs = false;
+    Clock::time_point m_start{};
+    std::string m_arguments; // the inside of a JSON object
+    std::string m_outputs;
+    std::string m_result = "null";
 };
 
 } // namespace tembra::door

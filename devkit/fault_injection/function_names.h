@@ -9,7 +9,7 @@
 namespace tembra::door {
 
 // In the order of the bytes, for the search below.
-constexpr std::array<std::string_view, 62> functionNames = {
+constexpr std::array<std::string_view, 62> FUNCTION_NAMES = {
     "OrvelPKICryptoDecodeECCKeyPair",
     "OrvelPKICryptoDecodeECCPubKey",
     "OrvelPKICryptoDecodeRSAPubKey",
@@ -77,17 +77,16 @@ constexpr std::array<std::string_view, 62> functionNames = {
 // The place of a name in the table, or its size.
 constexpr std::size_t functionIndex(std::string_view name) {
     std::size_t low = 0;
-    std::size_t high = functionNames.size();
+    std::size_t high = FUNCTION_NAMES.size();
     while (low < high) {
         const std::size_t middle = low + (high - low) / 2;
-        if (functionNames[middle] < name) {
+        if (FUNCTION_NAMES[middle] < name)
             low = middle + 1;
-        } else {
+        else
             high = middle;
-        }
     }
-    const bool found = low < functionNames.size() && functionNames[low] == name;
-    return found ? low : functionNames.size();
+    const bool found = low < FUNCTION_NAMES.size() && FUNCTION_NAMES[low] == name;
+    return found ? low : FUNCTION_NAMES.size();
 }
 
 } // namespace tembra::door

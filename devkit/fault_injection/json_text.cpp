@@ -6,7 +6,7 @@ namespace tembra::door {
 
 namespace {
 
-constexpr char hexDigits[] = "0123456789abcdef";
+constexpr char HEX_DIGITS[] = "0123456789abcdef";
 
 unsigned char byteAt(std::string_view text, std::size_t at) {
     return static_cast<unsigned char>(text[at]);
@@ -16,14 +16,11 @@ unsigned char byteAt(std::string_view text, std::size_t at) {
 std::size_t multibyteLength(std::string_view text) {
     const unsigned lead = byteAt(text, 0);
     const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4 || text.size() < length) {
+    if (lead < 0xC2 || lead > 0xF4 || text.size() < length)
         return 0;
-    }
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byteAt(text, i) & 0xC0) != 0x80) {
+    for (std::size_t i = 1; i < length; ++i)
+        if ((byteAt(text, i) & 0xC0) != 0x80)
             return 0;
-        }
-    }
     const unsigned second = byteAt(text, 1);
     const bool overlong = (lead == 0xE0 && second < 0xA0) || (lead == 0xF0 && second < 0x90);
     const bool surrogate = lead == 0xED && second >= 0xA0;
@@ -39,8 +36,8 @@ void appendAscii(std::string &out, char c) {
         out += c;
     } else {
         out += "\\u00";
-        out += hexDigits[static_cast<unsigned char>(c) >> 4];
-        out += hexDigits[static_cast<unsigned char>(c) & 0x0F];
+        out += HEX_DIGITS[static_cast<unsigned char>(c) >> 4];
+        out += HEX_DIGITS[static_cast<unsigned char>(c) & 0x0F];
     }
 }
 
@@ -64,8 +61,8 @@ std::string jsonText(std::string_view text) {
 std::string jsonHex(std::span<const std::uint8_t> bytes, std::size_t limit) {
     std::string out = "\"";
     for (const std::uint8_t byte : bytes.first(std::min(limit, bytes.size()))) {
-        out += hexDigits[byte >> 4];
-        out += hexDigits[byte & 0x0F];
+        out += HEX_DIGITS[byte >> 4];
+        out += HEX_DIGITS[byte & 0x0F];
     }
     return out + "\"";
 }

@@ -9,14 +9,13 @@ namespace tembra::door {
 
 namespace {
 
-constexpr std::uint64_t forEver = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t FOR_EVER = std::numeric_limits<std::uint64_t>::max();
 
 std::string_view trim(std::string_view text) {
     constexpr std::string_view space = " \t\r\n";
     const auto first = text.find_first_not_of(space);
-    if (first == std::string_view::npos) {
+    if (first == std::string_view::npos)
         return {};
-    }
     return text.substr(first, text.find_last_not_of(space) - first + 1);
 }
 
@@ -34,46 +33,40 @@ bool parseNumber(std::string_view text, Number &out) {
 
 bool Plan::parseWhich(std::string_view text, Entry &entry) {
     if (text == "*") {
-        entry.last = forEver;
+        entry.last = FOR_EVER;
         return true;
     }
     const bool open = text.ends_with('+');
-    if (open) {
+    if (open)
         text.remove_suffix(1);
-    }
-    if (!parseNumber(text, entry.first) || entry.first == 0) {
+    if (!parseNumber(text, entry.first) || entry.first == 0)
         return false;
-    }
-    entry.last = open ? forEver : entry.first;
+    entry.last = open ? FOR_EVER : entry.first;
     return true;
 }
 
 std::optional<Plan::Entry> Plan::parseEntry(std::string_view text) {
     const auto colon = text.find(':');
     const auto equals = text.find('=');
-    if (colon == std::string_view::npos || equals == std::string_view::npos || equals < colon) {
+    if (colon == std::string_view::npos || equals == std::string_view::npos || equals < colon)
         return std::nullopt;
-    }
     Entry entry;
     const auto name = text.substr(0, colon);
     if (name != "*") {
         entry.function = functionIndex(name);
-        if (*entry.function == functionNames.size()) {
+        if (*entry.function == FUNCTION_NAMES.size())
             return std::nullopt;
-        }
     }
     if (!parseWhich(text.substr(colon + 1, equals - colon - 1), entry) ||
-        !parseNumber(text.substr(equals + 1), entry.code)) {
+        !parseNumber(text.substr(equals + 1), entry.code))
         return std::nullopt;
-    }
     return entry;
 }
 
 std::optional<Plan> Plan::parse(std::string_view text, std::string &badEntry) {
     Plan plan;
-    if (trim(text).empty()) {
+    if (trim(text).empty())
         return plan;
-    }
     for (;;) {
         const auto comma = text.find(',');
         const auto piece = trim(text.substr(0, comma));
@@ -82,21 +75,19 @@ std::optional<Plan> Plan::parse(std::string_view text, std::string &badEntry) {
             badEntry = piece;
             return std::nullopt;
         }
-        plan.entries_.push_back(*entry);
-        if (comma == std::string_view::npos) {
+        plan.m_entries.push_back(*entry);
+        if (comma == std::string_view::npos)
             return plan;
-        }
         text.remove_prefix(comma + 1);
     }
 }
 
 std::optional<std::uint32_t> Plan::faultFor(std::size_t function, CallNumbers numbers) const {
-    for (const Entry &entry : entries_) {
+    for (const Entry &entry : m_entries) {
         const std::uint64_t number = entry.function ? numbers.ofFunction : numbers.ofAll;
         if ((!entry.function || *entry.function == function) && number >= entry.first &&
-            number <= entry.last) {
+            number <= entry.last)
             return entry.code;
-        }
     }
     return std::nullopt;
 }

@@ -22,7 +22,7 @@ public:
     // Reads a text; empty when an entry is bad, which then stands in badEntry.
     static std::optional<Plan> parse(std::string_view text, std::string &badEntry);
 
-    bool isEmpty() const { return entries_.empty(); }
+    bool isEmpty() const { return m_entries.empty(); }
 
     // The code that the plan has for this call of the function at this place of functionNames.
     std::optional<std::uint32_t> faultFor(std::size_t function, CallNumbers numbers) const;
@@ -37,7 +37,7 @@ private:
     static std::optional<Entry> parseEntry(std::string_view text);
     static bool parseWhich(std::string_view text, Entry &entry);
 
-    std::vector<Entry> entries_;
+    std::vector<Entry> m_entries;
 };
 
 } // namespace tembra::door

@@ -28,7 +28,7 @@ public:
     void append(std::string_view piece) noexcept;
 
 private:
-    std::intptr_t handle_;
+    std::intptr_t m_handle;
 };
 
 } // namespace tembra::door

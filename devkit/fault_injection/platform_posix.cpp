@@ -17,21 +17,21 @@ std::uint64_t threadNumber() {
 }
 
 AppendFile::AppendFile(const std::string &path)
-    : handle_(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR)) {}
+    : m_handle(::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR)) {
+}
 
 AppendFile::~AppendFile() {
-    if (isOpen()) {
-        ::close(static_cast<int>(handle_));
-    }
+    if (isOpen())
+        ::close(static_cast<int>(m_handle));
 }
 
 bool AppendFile::isOpen() const {
-    return handle_ >= 0;
+    return m_handle >= 0;
 }
 
 void AppendFile::append(std::string_view piece) noexcept {
     [[maybe_unused]] const auto written =
-        ::write(static_cast<int>(handle_), piece.data(), piece.size());
+        ::write(static_cast<int>(m_handle), piece.data(), piece.size());
 }
 
 } // namespace tembra::door

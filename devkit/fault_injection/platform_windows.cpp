@@ -41,12 +41,10 @@ std::optional<std::string> environmentVariable(const char *name) {
         SetLastError(ERROR_SUCCESS);
         const DWORD length =
             GetEnvironmentVariableW(key.c_str(), value.data(), static_cast<DWORD>(value.size()));
-        if (length == 0 && GetLastError() == ERROR_ENVVAR_NOT_FOUND) {
+        if (length == 0 && GetLastError() == ERROR_ENVVAR_NOT_FOUND)
             return std::nullopt;
-        }
-        if (length < value.size()) {
+        if (length < value.size())
             return narrow(std::wstring_view(value).substr(0, length));
-        }
         value.resize(length); // which counts the closing NUL when the buffer was too short
     }
 }
@@ -56,19 +54,18 @@ std::uint64_t threadNumber() {
 }
 
 AppendFile::AppendFile(const std::string &path)
-    : handle_(reinterpret_cast<std::intptr_t>(
+    : m_handle(reinterpret_cast<std::intptr_t>(
           CreateFileW(wide(path).c_str(), FILE_APPEND_DATA,
                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
                       FILE_ATTRIBUTE_NORMAL, nullptr))) {}
 
 AppendFile::~AppendFile() {
-    if (isOpen()) {
-        CloseHandle(asHandle(handle_));
-    }
+    if (isOpen())
+        CloseHandle(asHandle(m_handle));
 }
 
 bool AppendFile::isOpen() const {
-    return asHandle(handle_) != INVALID_HANDLE_VALUE;
+    return asHandle(m_handle) != INVALID_HANDLE_VALUE;
 }
 
 // The system appends atomically, but Wine finds the end and writes there in two steps.
@@ -76,7 +73,8 @@ void AppendFile::append(std::string_view piece) noexcept {
     static std::mutex mutex;
     const std::lock_guard lock(mutex);
     DWORD written = 0;
-    WriteFile(asHandle(handle_), piece.data(), static_cast<DWORD>(piece.size()), &written, nullptr);
+    WriteFile(asHandle(m_handle), piece.data(), static_cast<DWORD>(piece.size()), &written,
+              nullptr);
 }
 
 } // namespace tembra::door

@@ -11,36 +11,33 @@ State &State::instance() {
 }
 
 State::State() {
-    if (const auto plan = environmentVariable("TEMBRA_SOFT_TOKEN_FAULTS")) {
+    if (const auto plan = environmentVariable("TEMBRA_SOFT_TOKEN_FAULTS"))
         setFaults(*plan);
-    }
-    if (const auto path = environmentVariable("TEMBRA_SOFT_TOKEN_JOURNAL")) {
+    if (const auto path = environmentVariable("TEMBRA_SOFT_TOKEN_JOURNAL"))
         setJournal(*path);
-    }
 }
 
 State::Arrival State::arrive(std::string_view function) {
     const std::size_t index = functionIndex(function);
-    const CallNumbers numbers{++counts_[index], ++all_};
+    const CallNumbers numbers{++m_counts[index], ++m_all};
     Arrival arrival;
-    arrival.journaled = hasJournal_;
-    arrival.sequence = ++sequence_;
-    if (hasPlan_) {
-        const std::lock_guard lock(mutex_);
-        arrival.fault = plan_.faultFor(index, numbers);
+    arrival.journaled = m_hasJournal;
+    arrival.sequence = ++m_sequence;
+    if (m_hasPlan) {
+        const std::lock_guard lock(m_mutex);
+        arrival.fault = m_plan.faultFor(index, numbers);
     }
     return arrival;
 }
 
 void State::write(std::string_view line) noexcept {
-    if (const auto file = journal()) {
+    if (const auto file = journal())
         file->append(line);
-    }
 }
 
 std::shared_ptr<AppendFile> State::journal() {
-    const std::lock_guard lock(mutex_);
-    return journal_;
+    const std::lock_guard lock(m_mutex);
+    return m_journal;
 }
 
 bool State::setFaults(std::string_view text) {
@@ -50,13 +47,12 @@ bool State::setFaults(std::string_view text) {
         std::fprintf(stderr, "fault plan refused, bad entry \"%s\"\n", badEntry.c_str());
         return false;
     }
-    const std::lock_guard lock(mutex_);
-    plan_ = std::move(*plan);
-    hasPlan_ = !plan_.isEmpty();
-    for (auto &count : counts_) {
+    const std::lock_guard lock(m_mutex);
+    m_plan = std::move(*plan);
+    m_hasPlan = !m_plan.isEmpty();
+    for (auto &count : m_counts)
         count = 0;
-    }
-    all_ = 0;
+    m_all = 0;
     return true;
 }
 
@@ -69,15 +65,15 @@ bool State::setJournal(std::string_view path) {
             return false;
         }
     }
-    const std::lock_guard lock(mutex_);
-    journal_ = std::move(file);
-    hasJournal_ = journal_ != nullptr;
+    const std::lock_guard lock(m_mutex);
+    m_journal = std::move(file);
+    m_hasJournal = m_journal != nullptr;
     return true;
 }
 
 std::uint64_t State::count(std::string_view function) const {
     const std::size_t index = functionIndex(function);
-    return index < functionNames.size() ? counts_[index].load() : 0;
+    return index < FUNCTION_NAMES.size() ? m_counts[index].load() : 0;
 }
 
 } // namespace tembra::door

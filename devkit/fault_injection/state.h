@@ -32,22 +32,22 @@ public:
     bool setFaults(std::string_view text);
     bool setJournal(std::string_view path);
     std::uint64_t count(std::string_view function) const;
-    std::uint64_t countAll() const { return all_; }
+    std::uint64_t countAll() const { return m_all; }
 
 private:
     State();
     std::shared_ptr<AppendFile> journal();
 
-    std::atomic<std::uint64_t> sequence_ = 0;
-    std::atomic<std::uint64_t> all_ = 0;
+    std::atomic<std::uint64_t> m_sequence = 0;
+    std::atomic<std::uint64_t> m_all = 0;
     // One more for a name that is not in the table.
-    std::array<std::atomic<std::uint64_t>, functionNames.size() + 1> counts_{};
-    std::atomic<bool> hasPlan_ = false;
-    std::atomic<bool> hasJournal_ = false;
+    std::array<std::atomic<std::uint64_t>, FUNCTION_NAMES.size() + 1> m_counts{};
+    std::atomic<bool> m_hasPlan = false;
+    std::atomic<bool> m_hasJournal = false;
 
-    std::mutex mutex_; // guards what follows
-    Plan plan_;
-    std::shared_ptr<AppendFile> journal_;
+    std::mutex m_mutex; // guards what follows
+    Plan m_plan;
+    std::shared_ptr<AppendFile> m_journal;
 };
 
 } // namespace tembra::door

@@ -13,9 +13,8 @@ struct Pending {
     std::vector<unsigned char *> buffers;
 
     ~Pending() {
-        for (unsigned char *buffer : buffers) {
+        for (unsigned char *buffer : buffers)
             takeBack(Kind::buffer, buffer);
-        }
     }
 };
 
@@ -25,9 +24,8 @@ int deliver(std::initializer_list<Outgoing> outputs) {
     Pending pending;
     pending.buffers.reserve(outputs.size());
     for (const Outgoing &output : outputs) {
-        if (output.content.size() > std::numeric_limits<int>::max()) {
+        if (output.content.size() > std::numeric_limits<int>::max())
             throw std::length_error("output longer than an int says");
-        }
         pending.buffers.push_back(handOut(Kind::buffer, output.content));
     }
     auto buffer = pending.buffers.begin();

@@ -17,16 +17,12 @@ inline crypto::ByteView view(const unsigned char *data, int length) {
 // Whether every pointer and length can be worked with.
 inline bool given(std::initializer_list<const void *> pointers,
                   std::initializer_list<int> lengths = {}) {
-    for (const void *pointer : pointers) {
-        if (pointer == nullptr) {
+    for (const void *pointer : pointers)
+        if (pointer == nullptr)
             return false;
-        }
-    }
-    for (const int length : lengths) {
-        if (length < 0) {
+    for (const int length : lengths)
+        if (length < 0)
             return false;
-        }
-    }
     return true;
 }
 

@@ -19,9 +19,8 @@ int OrvelPKICryptoDecodeRSAPubKey(const unsigned char *key, int keyLen, unsigned
     return call.answer<int>(0, [&] {
         const auto decoded = crypto::decodePublicKey(encoding);
         const auto *rsa = decoded ? std::get_if<crypto::RsaPublicKey>(&*decoded) : nullptr;
-        if (rsa == nullptr || !host::given({n, nLen, e, eLen})) {
+        if (rsa == nullptr || !host::given({n, nLen, e, eLen}))
             return 0;
-        }
         call.outputs().bytes("n", rsa->n.data(), rsa->n.size());
         call.bytes("e", rsa->e.data(), rsa->e.size());
         return host::deliver({{{n, nLen}, rsa->n}, {{e, eLen}, rsa->e}});
@@ -36,9 +35,8 @@ int OrvelPKICryptoDecodeECCPubKey(const unsigned char *key, int keyLen, int *cur
     return call.answer<int>(0, [&] {
         const auto decoded = crypto::decodePublicKey(encoding);
         const auto *sm2 = decoded ? std::get_if<crypto::Sm2PublicKey>(&*decoded) : nullptr;
-        if (sm2 == nullptr || !host::given({curve, x, xLen, y, yLen})) {
+        if (sm2 == nullptr || !host::given({curve, x, xLen, y, yLen}))
             return 0;
-        }
         call.outputs().bytes("x", sm2->x.data(), sm2->x.size());
         call.bytes("y", sm2->y.data(), sm2->y.size());
         const int result = host::deliver({{{x, xLen}, sm2->x}, {{y, yLen}, sm2->y}});
@@ -55,9 +53,8 @@ int OrvelPKICryptoDecodeECCKeyPair(const unsigned char *blob, int blobLen, int *
     return call.answer<int>(0, [&] {
         const auto decoded = crypto::decodeKeyPairBlob(host::view(blob, blobLen));
         const auto *sm2 = decoded ? std::get_if<crypto::Sm2KeyPair>(&*decoded) : nullptr;
-        if (sm2 == nullptr || !host::given({curve, x, xLen, y, yLen, d, dLen})) {
+        if (sm2 == nullptr || !host::given({curve, x, xLen, y, yLen, d, dLen}))
             return 0;
-        }
         const auto &publicKey = sm2->publicKey;
         call.outputs().bytes("x", publicKey.x.data(), publicKey.x.size());
         call.bytes("y", publicKey.y.data(), publicKey.y.size()).secret("d", sm2->d.data());
@@ -75,9 +72,8 @@ int OrvelPKICryptoRSAPrivKeyToDER(const unsigned char *blob, int blobLen, unsign
     return call.answer<int>(0, [&] {
         const auto decoded = crypto::decodeKeyPairBlob(host::view(blob, blobLen));
         const auto *rsa = decoded ? std::get_if<crypto::RsaPrivateKey>(&*decoded) : nullptr;
-        if (rsa == nullptr || !host::given({der, derLen})) {
+        if (rsa == nullptr || !host::given({der, derLen}))
             return 0;
-        }
         const crypto::SecretBytes encoded = crypto::encodePkcs1(*rsa);
         call.outputs().secret("der", encoded.data());
         return host::deliver({{{der, derLen}, encoded}});

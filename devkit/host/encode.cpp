@@ -29,9 +29,8 @@ int OrvelPKICryptoEncodeRSAPubKey(const unsigned char *n, int nLen, const unsign
     call.bytes("e", exponent.data(), exponent.size());
     return call.answer<int>(0, [&] {
         const crypto::RsaPublicKey key{stripped(modulus), stripped(exponent)};
-        if (key.n.empty() || key.e.empty() || !host::given({out, outLen})) {
+        if (key.n.empty() || key.e.empty() || !host::given({out, outLen}))
             return 0;
-        }
         const crypto::Bytes encoded = crypto::encodePublicKey(key);
         call.outputs().bytes("out", encoded.data(), encoded.size());
         return host::deliver({{{out, outLen}, encoded}});
@@ -50,9 +49,8 @@ int OrvelPKICryptoEncodeECCPubKey(int curve, const unsigned char *x, int xLen,
         const auto shortX = crypto::toSm2Number(first);
         const auto shortY = crypto::toSm2Number(second);
         if (curve != ORVEL_PKI_ECC_CURVE_SM2 || first.empty() || second.empty() || !shortX ||
-            !shortY || !host::given({out, outLen})) {
+            !shortY || !host::given({out, outLen}))
             return 0;
-        }
         const crypto::Bytes encoded =
             crypto::encodePublicKey(crypto::Sm2PublicKey{*shortX, *shortY});
         call.outputs().bytes("out", encoded.data(), encoded.size());
@@ -69,9 +67,8 @@ int OrvelPKICryptoEncodeECCSignature(const unsigned char *r, int rLen, const uns
     return call.answer<int>(0, [&] {
         const auto shortR = crypto::toSm2Number(first);
         const auto shortS = crypto::toSm2Number(second);
-        if (first.empty() || second.empty() || !shortR || !shortS || !host::given({out, outLen})) {
+        if (first.empty() || second.empty() || !shortR || !shortS || !host::given({out, outLen}))
             return 0;
-        }
         const crypto::Bytes encoded = crypto::encodeSm2Signature({*shortR, *shortS});
         call.outputs().bytes("out", encoded.data(), encoded.size());
         return host::deliver({{{out, outLen}, encoded}});

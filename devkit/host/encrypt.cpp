@@ -15,9 +15,8 @@ std::optional<crypto::Bytes> encryptSm2(const crypto::PublicKey &key, const void
                                         crypto::ByteView plain) {
     const auto *sm2 = std::get_if<crypto::Sm2PublicKey>(&key);
     if (sm2 == nullptr || param == nullptr ||
-        *static_cast<const int *>(param) != ORVEL_PKI_ALGORITHM_SM3) {
+        *static_cast<const int *>(param) != ORVEL_PKI_ALGORITHM_SM3)
         return std::nullopt;
-    }
     const auto cipher = crypto::sm2Encrypt(*sm2, plain);
     return cipher ? std::optional(crypto::flattenSm2Ciphertext(*cipher)) : std::nullopt;
 }
@@ -31,9 +30,8 @@ std::optional<crypto::Bytes> encryptRsa(const crypto::PublicKey &key, const void
 std::optional<crypto::Bytes> encrypt(void *publicKey, int algo, const void *param,
                                      crypto::ByteView plain) {
     const auto key = crypto::decodePublicKey(host::contentOf(publicKey));
-    if (!key) {
+    if (!key)
         return std::nullopt;
-    }
     switch (algo) {
     case ORVEL_PKI_ALGORITHM_SM2_ENC: return encryptSm2(*key, param, plain);
     case ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC: return encryptRsa(*key, param, plain);
@@ -51,13 +49,11 @@ extern "C" int OrvelPKICryptoPublicKeyEncrypt(void *publicKey, int algo, const v
     call.secret("data", data).number("dataLen", dataLen);
     return call.answer<int>(0, [&] {
         if (!host::given({data, out, outLen}, {dataLen}) ||
-            !host::isA(host::Kind::publicKey, publicKey)) {
+            !host::isA(host::Kind::publicKey, publicKey))
             return 0;
-        }
         const auto cipher = encrypt(publicKey, algo, param, host::view(data, dataLen));
-        if (!cipher) {
+        if (!cipher)
             return 0;
-        }
         call.outputs().bytes("out", cipher->data(), cipher->size());
         return host::deliver({{{out, outLen}, *cipher}});
     });

@@ -33,9 +33,8 @@ const Header *headerOf(const void *block) {
 unsigned char *handOut(Kind kind, crypto::ByteView content) {
     // A byte more, so that an empty content is a block as well.
     auto *header = static_cast<Header *>(std::malloc(sizeof(Header) + content.size() + 1));
-    if (header == nullptr) {
+    if (header == nullptr)
         throw std::bad_alloc();
-    }
     *header = {content.size(), kind};
     std::ranges::copy(content, bytesOf(header));
     ++live;
@@ -51,9 +50,8 @@ bool isA(Kind kind, const void *block) {
 }
 
 bool takeBack(Kind kind, void *block) {
-    if (!isA(kind, block)) {
+    if (!isA(kind, block))
         return false;
-    }
     Header *header = static_cast<Header *>(block) - 1;
     crypto::wipe(header, sizeof(Header) + header->length);
     std::free(header);

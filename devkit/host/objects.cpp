@@ -46,9 +46,8 @@ int OrvelPKICryptoGenerateRandom(void *device, int len, unsigned char *out) {
     door::Call call("OrvelPKICryptoGenerateRandom");
     call.handle("device", device).number("len", len).handle("out", out);
     return call.answer<int>(0, [&] {
-        if (!host::given({out}, {len}) || !host::isA(Kind::device, device)) {
+        if (!host::given({out}, {len}) || !host::isA(Kind::device, device))
             return 0;
-        }
         crypto::fillRandom({out, static_cast<std::size_t>(len)});
         return 1;
     });
@@ -60,13 +59,11 @@ int OrvelPKICryptoImportPublicKey(void *device, const unsigned char *key, int ke
     const auto encoding = host::view(key, keyLen);
     call.handle("device", device).bytes("key", encoding.data(), encoding.size());
     return call.answer<int>(0, [&] {
-        if (!host::given({key, publicKey}, {keyLen}) || !host::isA(Kind::device, device)) {
+        if (!host::given({key, publicKey}, {keyLen}) || !host::isA(Kind::device, device))
             return 0;
-        }
         const auto decoded = crypto::decodePublicKey(encoding);
-        if (!decoded || !crypto::isUsable(*decoded)) {
+        if (!decoded || !crypto::isUsable(*decoded))
             return 0;
-        }
         *publicKey = host::handOut(Kind::publicKey, encoding);
         call.outputs().handle("publicKey", *publicKey);
         return 1;

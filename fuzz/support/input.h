@@ -14,13 +14,13 @@ using Bytes = std::vector<unsigned char>;
 
 class Input {
 public:
-    Input(const std::uint8_t *data, std::size_t size) : data_(data), size_(size) {}
+    Input(const std::uint8_t *data, std::size_t size) : m_data(data), m_size(size) {}
 
-    bool done() const { return size_ == 0; }
+    bool done() const { return m_size == 0; }
     std::uint8_t byte() { return done() ? std::uint8_t{0} : *take(1); }
     std::uint32_t number() {
         std::uint32_t value = 0;
-        const std::size_t count = std::min<std::size_t>(4, size_);
+        const std::size_t count = std::min<std::size_t>(4, m_size);
         std::memcpy(&value, take(count), count);
         return value;
     }
@@ -32,39 +32,39 @@ public:
     }
     // Exactly as many; zeros stand for what is missing.
     Bytes bytes(std::size_t count) {
-        const std::size_t there = std::min(count, size_);
+        const std::size_t there = std::min(count, m_size);
         const std::uint8_t *from = take(there);
         Bytes bytes(from, from + there);
         bytes.resize(count);
         return bytes;
     }
-    Bytes rest() { return bytes(size_); }
+    Bytes rest() { return bytes(m_size); }
 
 private:
     const std::uint8_t *take(std::size_t count) {
-        const std::uint8_t *taken = data_;
-        data_ += count;
-        size_ -= count;
+        const std::uint8_t *taken = m_data;
+        m_data += count;
+        m_size -= count;
         return taken;
     }
 
-    const std::uint8_t *data_;
-    std::size_t size_;
+    const std::uint8_t *m_data;
+    std::size_t m_size;
 };
 
 // A copy in a heap block of exactly its size, so that a byte read behind it is noticed.
 class ExactBlock {
 public:
     explicit ExactBlock(const Bytes &bytes)
-        : data_(new unsigned char[bytes.size()]), size_(bytes.size()) {
-        std::copy(bytes.begin(), bytes.end(), data_.get());
+        : m_data(new unsigned char[bytes.size()]), m_size(bytes.size()) {
+        std::copy(bytes.begin(), bytes.end(), m_data.get());
     }
-    unsigned char *data() const { return data_.get(); }
-    int size() const { return static_cast<int>(size_); }
+    unsigned char *data() const { return m_data.get(); }
+    int size() const { return static_cast<int>(m_size); }
 
 private:
-    std::unique_ptr<unsigned char[]> data_;
-    std::size_t size_;
+    std::unique_ptr<unsigned char[]> m_data;
+    std::size_t m_size;
 };
 
 } // namespace tembra::fuzz

@@ -5,10 +5,10 @@
 namespace tembra::fuzz {
 namespace {
 
-const int ciphers[] = {ORVEL_PKI_ALGORITHM_SM1_ECB, ORVEL_PKI_ALGORITHM_SM1_CBC,
+const int CIPHERS[] = {ORVEL_PKI_ALGORITHM_SM1_ECB, ORVEL_PKI_ALGORITHM_SM1_CBC,
                        ORVEL_PKI_ALGORITHM_SMS4_ECB, ORVEL_PKI_ALGORITHM_SMS4_CBC,
                        ORVEL_PKI_ALGORITHM_SSF33_CBC};
-const int algorithms[] = {ORVEL_PKI_ALGORITHM_RSA,
+const int ALGORITHMS[] = {ORVEL_PKI_ALGORITHM_RSA,
                           ORVEL_PKI_ALGORITHM_ECC,
                           ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC,
                           ORVEL_PKI_ALGORITHM_SM2_ENC,
@@ -18,8 +18,8 @@ const int algorithms[] = {ORVEL_PKI_ALGORITHM_RSA,
                           ORVEL_PKI_ALGORITHM_SSF33_ECB,
                           0x30,
                           2};
-const int usages[] = {1, 2, 3, 5, 7, 11, 0, 40, -1};
-const TembraEccParam curves[] = {{7, 0}, {7, 0}, {7, 0}, {7, 1}, {6, 0}};
+const int USAGES[] = {1, 2, 3, 5, 7, 11, 0, 40, -1};
+const TembraEccParam CURVES[] = {{7, 0}, {7, 0}, {7, 0}, {7, 1}, {6, 0}};
 
 // Not too many, for an input to be done soon.
 void discover(Session &s) {
@@ -30,7 +30,7 @@ void discover(Session &s) {
 // The algorithm that belongs to the pair, or any.
 int algorithmOf(Session &s, SPI_KEYPAIR_HANDLE pair, int rsa, int ecc) {
     if (pair == nullptr || s.in.once(8))
-        return s.in.pick(algorithms);
+        return s.in.pick(ALGORITHMS);
     return DeviceGetKeypairAlgorithm(pair) == ORVEL_PKI_ALGORITHM_RSA ? rsa : ecc;
 }
 
@@ -38,7 +38,7 @@ const void *anyParam(Session &s) {
     static const int hashes[] = {ORVEL_PKI_ALGORITHM_SM3, 0};
     switch (s.in.byte() % 4) {
     case 0: return nullptr;
-    case 1: return &s.in.pick(curves);
+    case 1: return &s.in.pick(CURVES);
     default: return &hashes[0];
     }
 }
@@ -46,10 +46,10 @@ const void *anyParam(Session &s) {
 void generate(Session &s) {
     SPI_DEVICE_HANDLE device = s.any(s.devices);
     const bool rsa = s.in.once(2);
-    const int algorithm = s.in.once(8) ? s.in.pick(algorithms) : rsa ? 1 : 4;
+    const int algorithm = s.in.once(8) ? s.in.pick(ALGORITHMS) : rsa ? 1 : 4;
     const int sizes[] = {rsa ? 1024 : 256, rsa ? 2048 : 256, 0, 512};
     const int bits = s.in.pick(sizes);
-    const void *param = s.in.once(8) ? anyParam(s) : rsa ? nullptr : &s.in.pick(curves);
+    const void *param = s.in.once(8) ? anyParam(s) : rsa ? nullptr : &s.in.pick(CURVES);
     const Text label(s.in, {"new", "c0", "n1", "n2", ""});
     SPI_KEYPAIR_HANDLE pair = nullptr;
     const int result = DeviceGenerateKeypair(device, algorithm, bits, param, s.in.once(8) ? 1 : 2,
@@ -93,7 +93,7 @@ void newCiphers(Session &s) {
     SPI_DEVICE_HANDLE device = s.any(s.devices);
     const ExactBlock key(s.in.bytes(16));
     const ExactBlock iv(s.in.bytes(16));
-    const int algorithm = s.in.once(8) ? s.in.pick(algorithms) : s.in.pick(ciphers);
+    const int algorithm = s.in.once(8) ? s.in.pick(ALGORITHMS) : s.in.pick(CIPHERS);
     const int encrypts = s.in.byte() % 2;
     for (int count = s.in.once(8) ? 66 : 1; count > 0; --count) {
         s.keep(s.ciphers,
@@ -136,7 +136,7 @@ int anyOffset(Session &s) {
 }
 
 // In the order of the table of entry points.
-const Operation table[] = {
+const Operation TABLE[] = {
     discover,
     [](Session &s) { DeviceGetDeviceCount(s.any(s.sets)); },
     [](Session &s) {
@@ -268,9 +268,9 @@ const Operation table[] = {
     },
     [](Session &s) {
         SPI_DEVICE_HANDLE device = s.any(s.devices);
-        const int algorithm = s.in.once(2) ? s.in.pick(ciphers) : s.in.pick(algorithms);
+        const int algorithm = s.in.once(2) ? s.in.pick(CIPHERS) : s.in.pick(ALGORITHMS);
         const int bits = s.in.once(2) ? 1024 : 512;
-        const int usage = s.in.pick(usages);
+        const int usage = s.in.pick(USAGES);
         DeviceIsSupportedAlgorithm2(device, algorithm, bits, usage, anyParam(s));
     },
 };
@@ -278,7 +278,7 @@ const Operation table[] = {
 } // namespace
 
 std::span<const Operation> operations() {
-    return table;
+    return TABLE;
 }
 
 } // namespace tembra::fuzz

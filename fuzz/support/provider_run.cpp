@@ -48,9 +48,9 @@ ProviderRun::~ProviderRun() {
     ProviderAllocator::failAt(0);
     require(ProviderAllocator::live() == 0, "the provider has lost memory");
     require(script().host.foreignFrees == 0, "memory given back that is not the host library's");
-    require(script().host.blocks.empty() || !wantsBlocksBack_, "memory of the host library lost");
+    require(script().host.blocks.empty() || !m_wantsBlocksBack, "memory of the host library lost");
     require(script().memory.containersClosedTwice == 0, "a container closed twice");
-    require(script().memory.open() == 0 || !wantsHandlesBack_, "a token handle left open");
+    require(script().memory.open() == 0 || !m_wantsHandlesBack, "a token handle left open");
 }
 
 test::ApplicationModel &insertToken(std::initializer_list<test::ContainerModel> containers) {
@@ -68,13 +68,13 @@ void insertTokenForImports(Input &input) {
     insertToken({input.pick(containers)});
 }
 
-OneDevice::OneDevice() : set_(DeviceGetAllDevices()), device_(DeviceGetDevice(set_, 0)) {
-    require(device_ != nullptr, "the token is not found");
+OneDevice::OneDevice() : m_set(DeviceGetAllDevices()), m_device(DeviceGetDevice(m_set, 0)) {
+    require(m_device != nullptr, "the token is not found");
 }
 
 OneDevice::~OneDevice() {
-    DeviceFreeDevice(device_);
-    DeviceFreeDevices(set_);
+    DeviceFreeDevice(m_device);
+    DeviceFreeDevices(m_set);
 }
 
 } // namespace tembra::fuzz

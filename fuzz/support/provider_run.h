@@ -27,13 +27,13 @@ public:
     ProviderRun &operator=(const ProviderRun &) = delete;
 
     // The provider leaves handles open when the token or memory fails it at some places.
-    void forgiveOpenHandles() { wantsHandlesBack_ = false; }
+    void forgiveOpenHandles() { m_wantsHandlesBack = false; }
     // The host library was told to refuse what is given back to it.
-    void forgiveHostBlocks() { wantsBlocksBack_ = false; }
+    void forgiveHostBlocks() { m_wantsBlocksBack = false; }
 
 private:
-    bool wantsHandlesBack_ = true;
-    bool wantsBlocksBack_ = true;
+    bool m_wantsHandlesBack = true;
+    bool m_wantsBlocksBack = true;
 };
 
 // A device with one application, "app", that holds these containers.
@@ -50,11 +50,11 @@ public:
     OneDevice(const OneDevice &) = delete;
     OneDevice &operator=(const OneDevice &) = delete;
 
-    operator SPI_DEVICE_HANDLE() const { return device_; }
+    operator SPI_DEVICE_HANDLE() const { return m_device; }
 
 private:
-    SPI_DEVICESET_HANDLE set_;
-    SPI_DEVICE_HANDLE device_;
+    SPI_DEVICESET_HANDLE m_set;
+    SPI_DEVICE_HANDLE m_device;
 };
 
 } // namespace tembra::fuzz

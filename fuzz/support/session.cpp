@@ -64,9 +64,9 @@ Session::~Session() {
         freeSet(set);
     // A deletion leaves the container record in memory, one reference too many on the device, and
     // slots beyond the count.
-    for (TembraContainer *container : keptContainers_)
+    for (TembraContainer *container : m_keptContainers)
         freeContainer(container);
-    for (TembraDevice *device : keptDevices_) {
+    for (TembraDevice *device : m_keptDevices) {
         for (int i = device->m_containerCount; i < CONTAINER_COUNT_MAX; ++i)
             freeContainer(device->m_containers[i]);
         tembra::freeDevice(device);
@@ -104,9 +104,9 @@ void Session::deletePair() {
     const int index = pair == nullptr ? 0 : pair->m_index;
     const int result = DeviceDeleteKeypair(pair);
     if (result == 1) {
-        keptDevices_.insert(device);
+        m_keptDevices.insert(device);
         if (device->m_containers[index] == nullptr)
-            keptContainers_.push_back(container);
+            m_keptContainers.push_back(container);
     }
 }
 

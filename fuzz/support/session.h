@@ -61,8 +61,8 @@ public:
 private:
     void releaseDependents(SPI_DEVICE_HANDLE device);
 
-    std::set<TembraDevice *> keptDevices_;
-    std::vector<TembraContainer *> keptContainers_;
+    std::set<TembraDevice *> m_keptDevices;
+    std::vector<TembraContainer *> m_keptContainers;
 };
 
 } // namespace tembra::fuzz

@@ -67,12 +67,11 @@ bool parseBytes(const char *text, Value &value) {
     }
     if (*text++ != ':')
         return false;
-    while (*text != '\0') {
+    while (*text != '\0')
         if (hexDigit(*text) >= 0)
             value.append(static_cast<unsigned char>(parseHex(text)));
         else
             ++text;
-    }
     return true;
 }
 

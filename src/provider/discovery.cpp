@@ -145,9 +145,8 @@ SPI_DEVICESET_HANDLE DeviceGetAllDevices(void) {
         TRACE_ERROR("SKF_EnumDev fail, error : 0x%08X", rv);
         return hSet;
     }
-    while (const char *name = names.next()) {
+    while (const char *name = names.next())
         if (!addDevice(hSet, name))
             break;
-    }
     return hSet;
 }

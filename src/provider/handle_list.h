@@ -63,10 +63,9 @@ void removeHandle(Record **const &list, std::int32_t &count, const Record *recor
 // Destroys a list with the records in it, when their device is destroyed.
 template <typename Record>
 void freeHandleList(Record **list, std::int32_t count) {
-    for (std::int32_t i = 0; list && i < count; ++i) {
+    for (std::int32_t i = 0; list && i < count; ++i)
         if (list[i])
             closeAndFree(list[i]);
-    }
     std::free(list);
 }
 

@@ -181,9 +181,8 @@ int DeviceIsSupportedAlgorithm2(SPI_DEVICE_HANDLE hDevice, int algo, int keyLen,
     TRACE_DEBUG("usage : %d", usage);
     if (!hDevice)
         return 0;
-    for (const Row &row : rows) {
+    for (const Row &row : rows)
         if (row.algo == algo)
             return answerRow(row, {hDevice->m_info, keyLen, usage, param}, __func__);
-    }
     return 0;
 }

@@ -155,7 +155,7 @@ TEST(Encodings, RoundTripAndCutAtEveryByte) {
     expectOnlyWholeDecodes(rsa, decodePublicKey);
     expectOnlyWholeDecodes(sm2, decodePublicKey);
     const auto curve =
-        std::search(sm2.begin(), sm2.end(), oids::sm2Curve.begin(), oids::sm2Curve.end());
+        std::search(sm2.begin(), sm2.end(), oids::SM2_CURVE.begin(), oids::SM2_CURVE.end());
     std::ranges::copy(*fromHex("2A8648CE3D030107"), curve);
     EXPECT_FALSE(decodePublicKey(sm2)) << "P-256";
 

@@ -24,19 +24,19 @@ std::uint32_t callOf(const char *function) {
 
 class Journal : public testing::Test {
 protected:
-    Journal() { EXPECT_EQ(setJournal(path.string().c_str()), 1); }
+    Journal() { EXPECT_EQ(setJournal(m_path.string().c_str()), 1); }
     ~Journal() override { setJournal(nullptr); }
 
     std::vector<Json> lines() const {
-        std::istringstream file(test::readFile(path));
+        std::istringstream file(test::readFile(m_path));
         std::vector<Json> out;
         for (std::string line; std::getline(file, line);)
             out.push_back(Json::parse(line)); // throws on anything but JSON
         return out;
     }
 
-    const test::TemporaryDirectory directory;
-    const std::filesystem::path path = directory.path() / "journal";
+    const test::TemporaryDirectory m_directory;
+    const std::filesystem::path m_path = m_directory.path() / "journal";
 };
 
 } // namespace
@@ -69,7 +69,7 @@ TEST(Plan, AnswersTheCallsItNames) {
     EXPECT_EQ(callCount("OrvelPKICryptoFreeMemory"), 0U);
     EXPECT_EQ(callCount("SKF_EnumDev"), 1U);
     setFaults(nullptr);
-    EXPECT_TRUE(std::ranges::is_sorted(functionNames)) << "or some would not be found";
+    EXPECT_TRUE(std::ranges::is_sorted(FUNCTION_NAMES)) << "or some would not be found";
 }
 
 TEST(Plan, BadTextIsRefusedAsAWhole) {
@@ -99,7 +99,7 @@ TEST_F(Journal, RecordsArgumentsAndResults) {
         call.secret("pin", "123456").outputs().number("len", 16);
         call.answer<std::uint32_t>(1, [] { return 0x0A00002Du; });
     }
-    EXPECT_EQ(setJournal((path / "below" / "a" / "file").string().c_str()), 0)
+    EXPECT_EQ(setJournal((m_path / "below" / "a" / "file").string().c_str()), 0)
         << "the old one stays";
     callOf("SKF_GenRandom");
     Call("SKF_EnumDev").answer<std::uint32_t>(0x0A00000E, []() -> std::uint32_t { throw 1; });

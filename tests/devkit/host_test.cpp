@@ -20,22 +20,24 @@ int lengthOf(const auto &bytes) {
 
 class Host : public testing::Test {
 protected:
-    Host() : sm2_(crypto::encodePublicKey(pair_.publicKey)) { EXPECT_EQ(import(sm2_, &key_), 1); }
+    Host() : m_sm2(crypto::encodePublicKey(m_pair.publicKey)) {
+        EXPECT_EQ(import(m_sm2, &m_key), 1);
+    }
     ~Host() override {
-        EXPECT_EQ(OrvelPKICryptoFreePublicKey(key_), 1);
-        EXPECT_EQ(OrvelPKICryptoFreeDevice(device_), 1);
+        EXPECT_EQ(OrvelPKICryptoFreePublicKey(m_key), 1);
+        EXPECT_EQ(OrvelPKICryptoFreeDevice(m_device), 1);
         EXPECT_EQ(TembraHostKitLiveBlocks(), 0U);
     }
     int import(const Bytes &encoded, void **key) const {
-        return OrvelPKICryptoImportPublicKey(device_, encoded.data(), lengthOf(encoded), key);
+        return OrvelPKICryptoImportPublicKey(m_device, encoded.data(), lengthOf(encoded), key);
     }
 
-    const crypto::Sm2KeyPair pair_ = crypto::generateSm2KeyPair();
-    const Bytes sm2_;
-    void *device_ = OrvelPKICryptoGetPseudoDevice();
-    void *key_ = nullptr;
-    unsigned char *out_ = nullptr;
-    int length_ = 0;
+    const crypto::Sm2KeyPair m_pair = crypto::generateSm2KeyPair();
+    const Bytes m_sm2;
+    void *m_device = OrvelPKICryptoGetPseudoDevice();
+    void *m_key = nullptr;
+    unsigned char *m_out = nullptr;
+    int m_length = 0;
 };
 
 // The call with each argument in turn null or negative.
@@ -58,7 +60,7 @@ void expectEachRefused(int (*function)(Parameters...),
 } // namespace
 
 TEST_F(Host, KeysOffTheCurveOrTooSmallAreNotImported) {
-    auto off = pair_.publicKey;
+    auto off = m_pair.publicKey;
     off.y[3] ^= 1;
     const crypto::RsaPublicKey small = {{0x0F}, {3}};
     for (const Bytes &encoded :
@@ -72,41 +74,41 @@ TEST_F(Host, KeysOffTheCurveOrTooSmallAreNotImported) {
 TEST_F(Host, NullArgumentsAndNegativeLengthsAreRefused) {
     const int sm3 = 0x7000;
     unsigned char byte = 1;
-    int *const n = &length_;
-    unsigned char **const out = &out_;
-    expectEachRefused(OrvelPKICryptoFreeDevice, device_);
+    int *const n = &m_length;
+    unsigned char **const out = &m_out;
+    expectEachRefused(OrvelPKICryptoFreeDevice, m_device);
     expectEachRefused(OrvelPKICryptoFreeMemory, &byte);
-    expectEachRefused(OrvelPKICryptoFreePublicKey, key_);
-    expectEachRefused(OrvelPKICryptoGenerateRandom, device_, 1, &byte);
-    expectEachRefused(OrvelPKICryptoImportPublicKey, device_, &byte, 1, &key_);
-    expectEachRefused(OrvelPKICryptoPublicKeyEncrypt, key_, 64, &sm3, &byte, 1, out, n);
+    expectEachRefused(OrvelPKICryptoFreePublicKey, m_key);
+    expectEachRefused(OrvelPKICryptoGenerateRandom, m_device, 1, &byte);
+    expectEachRefused(OrvelPKICryptoImportPublicKey, m_device, &byte, 1, &m_key);
+    expectEachRefused(OrvelPKICryptoPublicKeyEncrypt, m_key, 64, &sm3, &byte, 1, out, n);
     expectEachRefused(OrvelPKICryptoEncodeRSAPubKey, &byte, 1, &byte, 1, out, n);
     expectEachRefused(OrvelPKICryptoEncodeECCPubKey, 7, &byte, 1, &byte, 1, out, n);
     expectEachRefused(OrvelPKICryptoEncodeECCSignature, &byte, 1, &byte, 1, out, n);
     const auto encrypt = [&](int algorithm, const int *hash) {
-        return OrvelPKICryptoPublicKeyEncrypt(key_, algorithm, hash, &byte, 1, out, n);
+        return OrvelPKICryptoPublicKeyEncrypt(m_key, algorithm, hash, &byte, 1, out, n);
     };
-    EXPECT_EQ(encrypt(64, &length_), 0); // no hash
-    EXPECT_EQ(encrypt(16, nullptr), 0);  // RSA
+    EXPECT_EQ(encrypt(64, &m_length), 0); // no hash
+    EXPECT_EQ(encrypt(16, nullptr), 0);   // RSA
     EXPECT_EQ(OrvelPKICryptoEncodeECCPubKey(6, &byte, 1, &byte, 1, out, n), 0);
     EXPECT_EQ(OrvelPKICryptoEncodeECCPubKey(7, &byte, 1, &byte, 0, out, n), 0);
-    EXPECT_EQ(OrvelPKICryptoFreeMemory(device_), 0); // another kind
+    EXPECT_EQ(OrvelPKICryptoFreeMemory(m_device), 0); // another kind
 
-    const auto blob = crypto::encodeKeyPairBlob(pair_);
-    const int size = lengthOf(sm2_), blobSize = lengthOf(blob);
-    expectEachRefused(OrvelPKICryptoDecodeECCPubKey, sm2_.data(), size, n, out, n, out, n);
-    EXPECT_EQ(OrvelPKICryptoDecodeRSAPubKey(sm2_.data(), size, out, n, out, n), 0);
+    const auto blob = crypto::encodeKeyPairBlob(m_pair);
+    const int size = lengthOf(m_sm2), blobSize = lengthOf(blob);
+    expectEachRefused(OrvelPKICryptoDecodeECCPubKey, m_sm2.data(), size, n, out, n, out, n);
+    EXPECT_EQ(OrvelPKICryptoDecodeRSAPubKey(m_sm2.data(), size, out, n, out, n), 0);
     expectEachRefused(OrvelPKICryptoDecodeECCKeyPair, blob.data(), blobSize, n, out, n, out, n, out,
                       n);
     expectEachRefused(OrvelPKICryptoRSAPrivKeyToDER, blob.data(), blobSize, out, n);
-    EXPECT_EQ(out_, nullptr);
+    EXPECT_EQ(m_out, nullptr);
 }
 
 TEST_F(Host, CallsGoThroughTheDoor) {
     unsigned char random = 0;
     ASSERT_EQ(TembraHostKitSetFaults("OrvelPKICryptoGenerateRandom:2=0xFFFFFFF8"), 1);
-    EXPECT_EQ(OrvelPKICryptoGenerateRandom(device_, 1, &random), 1);
-    EXPECT_EQ(OrvelPKICryptoGenerateRandom(device_, 1, &random), -8);
+    EXPECT_EQ(OrvelPKICryptoGenerateRandom(m_device, 1, &random), 1);
+    EXPECT_EQ(OrvelPKICryptoGenerateRandom(m_device, 1, &random), -8);
     EXPECT_EQ(TembraHostKitCallCount(nullptr), 2U);
     TembraHostKitSetFaults(nullptr);
 }

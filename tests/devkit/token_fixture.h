@@ -39,16 +39,16 @@ Names listed(auto function) {
 
 class TokenTest : public ::testing::Test {
 protected:
-    static constexpr const char *adminPin = "12345678";
-    static constexpr const char *userPin = "111111";
+    static constexpr const char *ADMIN_PIN = "12345678";
+    static constexpr const char *USER_PIN = "111111";
 
     TokenTest() {
-        setVariable("TEMBRA_SOFT_TOKEN_DIR", directory.path().string());
+        setVariable("TEMBRA_SOFT_TOKEN_DIR", m_directory.path().string());
         setVariable("TEMBRA_SOFT_TOKEN_PIN_ITERATIONS", "10");
         char made[45] = {};
         std::uint32_t size = sizeof made;
         EXPECT_EQ(SAR_OK, TembraSoftTokenCreate(nullptr, made, &size));
-        name = made;
+        m_name = made;
         addApplication("APP");
         open();
     }
@@ -60,30 +60,30 @@ protected:
 
     // It is the one to open from now on.
     void addApplication(const char *added) {
-        applicationName_ = added;
-        const TembraSoftTokenApplication options = {sizeof options, 0,        3,      0,
-                                                    added,          adminPin, userPin};
-        EXPECT_EQ(SAR_OK, TembraSoftTokenAddApplication(name.c_str(), &options));
+        m_applicationName = added;
+        const TembraSoftTokenApplication options = {sizeof options, 0,         3,       0,
+                                                    added,          ADMIN_PIN, USER_PIN};
+        EXPECT_EQ(SAR_OK, TembraSoftTokenAddApplication(m_name.c_str(), &options));
     }
     void open() {
-        EXPECT_EQ(SAR_OK, SKF_ConnectDev(name.data(), &device));
-        EXPECT_EQ(SAR_OK, SKF_OpenApplication(device, text(applicationName_), &application));
+        EXPECT_EQ(SAR_OK, SKF_ConnectDev(m_name.data(), &m_device));
+        EXPECT_EQ(SAR_OK, SKF_OpenApplication(m_device, text(m_applicationName), &m_application));
     }
     // These two and the containers. No handle is ever used again, so one that the test has closed
     // is none by now.
     void close() {
-        for (const HCONTAINER container : containers_)
+        for (const HCONTAINER container : m_containers)
             SKF_CloseContainer(container);
-        containers_.clear();
-        SKF_CloseApplication(application);
-        SKF_DisConnectDev(device);
+        m_containers.clear();
+        SKF_CloseApplication(m_application);
+        SKF_DisConnectDev(m_device);
     }
 
     ULONG showPin(ULONG type, const char *pin, ULONG *triesLeft = nullptr) {
-        return SKF_VerifyPIN(application, type, text(pin), triesLeft);
+        return SKF_VerifyPIN(m_application, type, text(pin), triesLeft);
     }
-    void login() { ASSERT_EQ(SAR_OK, showPin(USER_TYPE, userPin)); }
-    void loginAdmin() { ASSERT_EQ(SAR_OK, showPin(ADMIN_TYPE, adminPin)); }
+    void login() { ASSERT_EQ(SAR_OK, showPin(USER_TYPE, USER_PIN)); }
+    void loginAdmin() { ASSERT_EQ(SAR_OK, showPin(ADMIN_TYPE, ADMIN_PIN)); }
 
     HCONTAINER create(const std::string &container) { return got(SKF_CreateContainer, container); }
     HCONTAINER openContainer(const std::string &container) {
@@ -92,25 +92,25 @@ protected:
     HCONTAINER createSm2(const char *container) { // with a signature key
         ECCPUBLICKEYBLOB unused = {};
         EXPECT_EQ(SAR_OK, SKF_GenECCKeyPair(create(container), SGD_SM2_1, &unused));
-        return containers_.back();
+        return m_containers.back();
     }
     Names containers() {
-        return listed([&](auto... list) { return SKF_EnumContainer(application, list...); });
+        return listed([&](auto... list) { return SKF_EnumContainer(m_application, list...); });
     }
 
-    TemporaryDirectory directory;
-    std::string name;
-    DEVHANDLE device = nullptr;
-    HAPPLICATION application = nullptr;
+    TemporaryDirectory m_directory;
+    std::string m_name;
+    DEVHANDLE m_device = nullptr;
+    HAPPLICATION m_application = nullptr;
 
 private:
     HCONTAINER got(auto function, const std::string &container) {
-        EXPECT_EQ(SAR_OK, function(application, text(container), &containers_.emplace_back()));
-        return containers_.back();
+        EXPECT_EQ(SAR_OK, function(m_application, text(container), &m_containers.emplace_back()));
+        return m_containers.back();
     }
 
-    const char *applicationName_ = nullptr;
-    std::vector<HCONTAINER> containers_;
+    const char *m_applicationName = nullptr;
+    std::vector<HCONTAINER> m_containers;
 };
 
 } // namespace tembra::test

@@ -9,7 +9,7 @@
 namespace tembra::test {
 namespace {
 
-constexpr ULONG untouched = 99;
+constexpr ULONG UNTOUCHED = 99;
 
 using TokenPins = TokenTest;
 
@@ -19,75 +19,75 @@ TEST_F(TokenPins, TriesRunOutLastAndAreGivenBackByTheAdministrator) {
         ULONG result, left;
     } steps[] = {
         {"12345", SAR_PIN_LEN_RANGE, 3},    {"12345678901234567", SAR_PIN_LEN_RANGE, 3},
-        {"222222", SAR_PIN_INCORRECT, 2},   {userPin, SAR_OK, 3},
+        {"222222", SAR_PIN_INCORRECT, 2},   {USER_PIN, SAR_OK, 3},
         {"222222", SAR_PIN_INCORRECT, 2},   {"1111111", SAR_PIN_INCORRECT, 1},
-        {"11111122", SAR_PIN_INCORRECT, 0}, {userPin, SAR_PIN_LOCKED, 0},
+        {"11111122", SAR_PIN_INCORRECT, 0}, {USER_PIN, SAR_PIN_LOCKED, 0},
     };
-    const auto journal = directory.path() / "journal";
+    const auto journal = m_directory.path() / "journal";
     ASSERT_EQ(1, TembraSoftTokenSetJournal(journal.string().c_str()));
     for (const auto &step : steps) {
         SCOPED_TRACE(step.pin);
-        ULONG left = untouched;
+        ULONG left = UNTOUCHED;
         EXPECT_EQ(step.result, showPin(USER_TYPE, step.pin, &left));
         EXPECT_EQ(step.left, left);
         close(); // and read the file anew
         open();
     }
     const auto unblock = [&](const char *pin, const char *newPin, ULONG *left = nullptr) {
-        return SKF_UnblockPIN(application, text(pin), text(newPin), left);
+        return SKF_UnblockPIN(m_application, text(pin), text(newPin), left);
     };
-    ULONG most = untouched, left = untouched;
+    ULONG most = UNTOUCHED, left = UNTOUCHED;
     BOOL isDefault = 1;
     EXPECT_EQ(SAR_PIN_LOCKED,
-              SKF_ChangePIN(application, USER_TYPE, text(userPin), text("333333"), &left));
-    EXPECT_EQ(SAR_PIN_LEN_RANGE, unblock(adminPin, "1"));
+              SKF_ChangePIN(m_application, USER_TYPE, text(USER_PIN), text("333333"), &left));
+    EXPECT_EQ(SAR_PIN_LEN_RANGE, unblock(ADMIN_PIN, "1"));
     EXPECT_EQ(SAR_PIN_INCORRECT, unblock("87654321", "333333", &left));
     EXPECT_EQ(9U, left);
-    EXPECT_EQ(SAR_OK, unblock(adminPin, "333333"));
-    EXPECT_EQ(SAR_OK, SKF_GetPINInfo(application, USER_TYPE, &most, &left, &isDefault));
+    EXPECT_EQ(SAR_OK, unblock(ADMIN_PIN, "333333"));
+    EXPECT_EQ(SAR_OK, SKF_GetPINInfo(m_application, USER_TYPE, &most, &left, &isDefault));
     EXPECT_TRUE(most == 3 && left == 3 && isDefault == 0);
-    EXPECT_EQ(SAR_PIN_INCORRECT, showPin(USER_TYPE, userPin));
+    EXPECT_EQ(SAR_PIN_INCORRECT, showPin(USER_TYPE, USER_PIN));
     EXPECT_EQ(SAR_OK, showPin(USER_TYPE, "333333"));
     EXPECT_NE(SAR_OK, showPin(2, "333333")) << "neither user nor administrator";
 
     TembraSoftTokenSetJournal(nullptr);
     const std::string lines = readFile(journal);
     EXPECT_NE(std::string::npos, lines.find("\"SKF_UnblockPIN\""));
-    for (const std::string pin : {userPin, adminPin, "333333"})
+    for (const std::string pin : {USER_PIN, ADMIN_PIN, "333333"})
         EXPECT_EQ(std::string::npos, lines.find('"' + pin + '"')) << lines;
 }
 
 TEST_F(TokenPins, ALoginIsSharedByTheApplicationsHandlesAndEndsWithTheLast) {
     HAPPLICATION second = nullptr;
     const auto use = [](HAPPLICATION as) { return SKF_DeleteContainer(as, text("none")); };
-    ASSERT_EQ(SAR_OK, SKF_OpenApplication(device, text("APP"), &second));
+    ASSERT_EQ(SAR_OK, SKF_OpenApplication(m_device, text("APP"), &second));
     EXPECT_EQ(SAR_USER_NOT_LOGGED_IN, use(second));
     loginAdmin();
     EXPECT_EQ(SAR_USER_NOT_LOGGED_IN, use(second)) << "the administrator is no user";
     login();
     EXPECT_EQ(SAR_FILE_NOT_EXIST, use(second));
-    EXPECT_EQ(SAR_OK, SKF_CloseApplication(application));
+    EXPECT_EQ(SAR_OK, SKF_CloseApplication(m_application));
     EXPECT_EQ(SAR_FILE_NOT_EXIST, use(second));
     EXPECT_EQ(SAR_OK, SKF_CloseApplication(second));
-    ASSERT_EQ(SAR_OK, SKF_OpenApplication(device, text("APP"), &application));
-    EXPECT_EQ(SAR_USER_NOT_LOGGED_IN, use(application));
+    ASSERT_EQ(SAR_OK, SKF_OpenApplication(m_device, text("APP"), &m_application));
+    EXPECT_EQ(SAR_USER_NOT_LOGGED_IN, use(m_application));
     login();
     EXPECT_EQ(SAR_PIN_INCORRECT, showPin(USER_TYPE, "222222"));
-    EXPECT_EQ(SAR_USER_NOT_LOGGED_IN, use(application));
+    EXPECT_EQ(SAR_USER_NOT_LOGGED_IN, use(m_application));
     login();
-    EXPECT_EQ(SAR_OK, SKF_ClearSecureState(application));
-    EXPECT_EQ(SAR_USER_NOT_LOGGED_IN, use(application));
+    EXPECT_EQ(SAR_OK, SKF_ClearSecureState(m_application));
+    EXPECT_EQ(SAR_USER_NOT_LOGGED_IN, use(m_application));
 }
 
 TEST_F(TokenPins, DeviceAuthenticationAnswersTheLastChallengeOnce) {
     const Bytes key = *crypto::fromHex("12345678123456781234567812345678");
     Bytes block(16);
-    EXPECT_NE(SAR_OK, SKF_DevAuth(device, block.data(), 16)) << "no challenge yet";
-    EXPECT_EQ(SAR_OK, SKF_GenRandom(device, block.data(), 8));
+    EXPECT_NE(SAR_OK, SKF_DevAuth(m_device, block.data(), 16)) << "no challenge yet";
+    EXPECT_EQ(SAR_OK, SKF_GenRandom(m_device, block.data(), 8));
     auto proof = *crypto::sm4EncryptBlock(key, block);
-    EXPECT_EQ(SAR_INDATALENERR, SKF_DevAuth(device, proof.data(), 15));
-    EXPECT_EQ(SAR_OK, SKF_DevAuth(device, proof.data(), 16));
-    EXPECT_NE(SAR_OK, SKF_DevAuth(device, proof.data(), 16)) << "replayed";
+    EXPECT_EQ(SAR_INDATALENERR, SKF_DevAuth(m_device, proof.data(), 15));
+    EXPECT_EQ(SAR_OK, SKF_DevAuth(m_device, proof.data(), 16));
+    EXPECT_NE(SAR_OK, SKF_DevAuth(m_device, proof.data(), 16)) << "replayed";
 }
 
 } // namespace

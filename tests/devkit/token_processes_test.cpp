@@ -39,12 +39,12 @@ protected:
         ::kill(child, SIGKILL);
         statusOf(child);
     }
-    bool logIn() { return showPin(USER_TYPE, userPin) == SAR_OK; }
+    bool logIn() { return showPin(USER_TYPE, USER_PIN) == SAR_OK; }
     // Not checked on the way: a child may be killed at any of these.
     bool makeKey(const std::string &container) {
         HCONTAINER made = nullptr;
         ECCPUBLICKEYBLOB blob = {};
-        const bool created = SKF_CreateContainer(application, text(container), &made) == SAR_OK;
+        const bool created = SKF_CreateContainer(m_application, text(container), &made) == SAR_OK;
         const bool generated = SKF_GenECCKeyPair(made, SGD_SM2_1, &blob) == SAR_OK;
         return SKF_CloseContainer(made) == SAR_OK && created && generated;
     }
@@ -69,7 +69,7 @@ TEST_F(TokenProcesses, AKillAtAnyMomentLeavesATokenThatOpens) {
         const pid_t child = start([&] {
             logIn();
             for (int i = 0;; i = (i + 1) % 20) {
-                SKF_DeleteContainer(application, text(std::to_string(i)));
+                SKF_DeleteContainer(m_application, text(std::to_string(i)));
                 makeKey(std::to_string(i));
             }
             return true;
@@ -113,7 +113,7 @@ TEST_F(TokenProcesses, AKillWinsNoFreeTriesAtThePin) {
     const auto triesLeft = [&] {
         ULONG left = 99;
         open();
-        EXPECT_EQ(SAR_OK, SKF_GetPINInfo(application, USER_TYPE, nullptr, &left, nullptr));
+        EXPECT_EQ(SAR_OK, SKF_GetPINInfo(m_application, USER_TYPE, nullptr, &left, nullptr));
         close();
         return left;
     };
@@ -131,9 +131,10 @@ TEST_F(TokenProcesses, ALockedDeviceKeepsOthersFromChangesUntilItsHolderIsDone) 
     int pipe[2] = {};
     ASSERT_EQ(0, ::pipe(pipe));
     const pid_t holder = start([&] {
-        const bool locked = SKF_LockDev(device, 0) == SAR_OK && SKF_LockDev(device, 0) == SAR_OK;
-        const bool works = logIn() && makeKey("held");         // its own changes go on
-        const bool unlocked = SKF_UnlockDev(device) == SAR_OK; // one of two holds is left
+        const bool locked =
+            SKF_LockDev(m_device, 0) == SAR_OK && SKF_LockDev(m_device, 0) == SAR_OK;
+        const bool works = logIn() && makeKey("held");           // its own changes go on
+        const bool unlocked = SKF_UnlockDev(m_device) == SAR_OK; // one of two holds is left
         (void)!::write(pipe[1], locked && works && unlocked ? "y" : "n", 1);
         ::pause();
         return true;
@@ -144,9 +145,9 @@ TEST_F(TokenProcesses, ALockedDeviceKeepsOthersFromChangesUntilItsHolderIsDone) 
     open();
     EXPECT_EQ(Names{"held"}, containers()) << "reading goes on";
     const auto startTime = std::chrono::steady_clock::now();
-    EXPECT_NE(SAR_OK, SKF_LockDev(device, 50));
+    EXPECT_NE(SAR_OK, SKF_LockDev(m_device, 50));
     EXPECT_LE(50ms, std::chrono::steady_clock::now() - startTime);
-    EXPECT_NE(SAR_OK, SKF_UnlockDev(device)) << "not its lock";
+    EXPECT_NE(SAR_OK, SKF_UnlockDev(m_device)) << "not its lock";
     std::thread killer([&] {
         std::this_thread::sleep_for(50ms);
         ::kill(holder, SIGKILL);
@@ -155,18 +156,18 @@ TEST_F(TokenProcesses, ALockedDeviceKeepsOthersFromChangesUntilItsHolderIsDone) 
     EXPECT_LE(90ms, std::chrono::steady_clock::now() - startTime);
     killer.join();
     statusOf(holder);
-    EXPECT_EQ(SAR_OK, SKF_LockDev(device, 0xFFFFFFFF));
+    EXPECT_EQ(SAR_OK, SKF_LockDev(m_device, 0xFFFFFFFF));
     close(); // gives the lock back
-    EXPECT_EQ(0, statusOf(start([&] { return SKF_LockDev(device, 0) == SAR_OK; })));
+    EXPECT_EQ(0, statusOf(start([&] { return SKF_LockDev(m_device, 0) == SAR_OK; })));
 }
 
 TEST_F(TokenProcesses, FilesAreTheirOwnersAlone) {
     const mode_t mask = ::umask(0);
-    ASSERT_EQ(1, TembraSoftTokenSetJournal((directory.path() / "journal").c_str()));
+    ASSERT_EQ(1, TembraSoftTokenSetJournal((m_directory.path() / "journal").c_str()));
     addApplication("OTHER"); // writes the token's file anew
     ::umask(mask);
     TembraSoftTokenSetJournal(nullptr);
-    for (const auto &entry : std::filesystem::directory_iterator(directory.path())) {
+    for (const auto &entry : std::filesystem::directory_iterator(m_directory.path())) {
         struct stat status = {};
         ASSERT_EQ(0, ::stat(entry.path().c_str(), &status));
         EXPECT_EQ(0600U, status.st_mode & 0777U) << entry.path();

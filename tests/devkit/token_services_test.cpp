@@ -13,23 +13,23 @@ protected:
     TokenServices() { login(); }
 
     ULONG createFile(const std::string &file, ULONG size, ULONG rights) {
-        return SKF_CreateFile(application, text(file), size, rights, rights);
+        return SKF_CreateFile(m_application, text(file), size, rights, rights);
     }
     ULONG write(const std::string &file, ULONG offset, Bytes data) {
-        return SKF_WriteFile(application, text(file), offset, data.data(),
+        return SKF_WriteFile(m_application, text(file), offset, data.data(),
                              static_cast<ULONG>(data.size()));
     }
     ULONG read(const std::string &file, ULONG offset, ULONG size) {
         Bytes data(size + 1);
         ULONG length = size;
-        return SKF_ReadFile(application, text(file), offset, size, data.data(), &length);
+        return SKF_ReadFile(m_application, text(file), offset, size, data.data(), &length);
     }
 };
 
 TEST_F(TokenServices, ListsNameWhatIsThere) {
     const auto devices = [](char *list, ULONG *size) { return SKF_EnumDev(1, list, size); };
-    const auto applications = [&](auto... list) { return SKF_EnumApplication(device, list...); };
-    const auto files = [&](auto... list) { return SKF_EnumFiles(application, list...); };
+    const auto applications = [&](auto... list) { return SKF_EnumApplication(m_device, list...); };
+    const auto files = [&](auto... list) { return SKF_EnumFiles(m_application, list...); };
     EXPECT_EQ(Names{"APP"}, listed(applications));
     EXPECT_EQ(Names{}, containers());
     EXPECT_EQ(Names{}, listed(files));
@@ -40,8 +40,8 @@ TEST_F(TokenServices, ListsNameWhatIsThere) {
     open();
     EXPECT_EQ((Names{"one", "\xB6\xFE"}), containers());
     EXPECT_EQ(Names{"file"}, listed(files));
-    EXPECT_EQ(Names{name}, listed(devices));
-    EXPECT_EQ(SAR_OK, TembraSoftTokenUnplug(name.c_str()));
+    EXPECT_EQ(Names{m_name}, listed(devices));
+    EXPECT_EQ(SAR_OK, TembraSoftTokenUnplug(m_name.c_str()));
     EXPECT_EQ(Names{}, listed(devices));
 }
 
@@ -49,12 +49,13 @@ TEST_F(TokenServices, AContainersNameIsTakenOnceAndSixtyFourAreTheMost) {
     HCONTAINER handle = nullptr;
     for (int i = 0; i < 64; ++i)
         create(std::to_string(i));
-    EXPECT_EQ(SAR_REACH_MAX_CONTAINER_COUNT, SKF_CreateContainer(application, text("x"), &handle));
-    EXPECT_EQ(SAR_FILE_ALREADY_EXIST, SKF_CreateContainer(application, text("5"), &handle));
-    EXPECT_EQ(SAR_OK, SKF_DeleteContainer(application, text("5")));
-    EXPECT_NE(SAR_OK, SKF_DeleteContainer(application, text("5")));
-    EXPECT_NE(SAR_OK, SKF_OpenContainer(application, text("5"), &handle));
-    EXPECT_NE(SAR_OK, SKF_CreateContainer(application, text(std::string(65, 'x')), &handle));
+    EXPECT_EQ(SAR_REACH_MAX_CONTAINER_COUNT,
+              SKF_CreateContainer(m_application, text("x"), &handle));
+    EXPECT_EQ(SAR_FILE_ALREADY_EXIST, SKF_CreateContainer(m_application, text("5"), &handle));
+    EXPECT_EQ(SAR_OK, SKF_DeleteContainer(m_application, text("5")));
+    EXPECT_NE(SAR_OK, SKF_DeleteContainer(m_application, text("5")));
+    EXPECT_NE(SAR_OK, SKF_OpenContainer(m_application, text("5"), &handle));
+    EXPECT_NE(SAR_OK, SKF_CreateContainer(m_application, text(std::string(65, 'x')), &handle));
     create(std::string(64, 'x'));
 }
 
@@ -77,7 +78,7 @@ TEST_F(TokenServices, FilesKeepTheirRightsAndSizes) {
     for (const auto &[file, right] : rights)
         ASSERT_EQ(SAR_OK, createFile(file, 10, right));
     EXPECT_EQ((Names{"anyone", "both", "user"}), accessible());
-    EXPECT_EQ(SAR_OK, SKF_ClearSecureState(application));
+    EXPECT_EQ(SAR_OK, SKF_ClearSecureState(m_application));
     EXPECT_EQ(Names{"anyone"}, accessible());
     EXPECT_EQ(SAR_USER_NOT_LOGGED_IN, createFile("another", 10, 0));
     loginAdmin();
@@ -93,8 +94,8 @@ TEST_F(TokenServices, CiphersThatAreNotThereOrLackSomethingAreRefused) {
     HANDLE key = nullptr;
     ULONG length = 16;
     for (const ULONG algorithm : {SGD_SM1_ECB, SGD_SM1_CBC, SGD_SSF33_ECB, SGD_SSF33_CBC})
-        EXPECT_EQ(SAR_NOTSUPPORTYETERR, SKF_SetSymmKey(device, data.data(), algorithm, &key));
-    ASSERT_EQ(SAR_OK, SKF_SetSymmKey(device, data.data(), SGD_SMS4_CBC, &key));
+        EXPECT_EQ(SAR_NOTSUPPORTYETERR, SKF_SetSymmKey(m_device, data.data(), algorithm, &key));
+    ASSERT_EQ(SAR_OK, SKF_SetSymmKey(m_device, data.data(), SGD_SMS4_CBC, &key));
     EXPECT_EQ(SAR_INVALIDPARAMERR, SKF_EncryptInit(key, {})) << "no IV";
     EXPECT_EQ(SAR_OK, SKF_EncryptInit(key, {{}, 16, 0, 0}));
     EXPECT_EQ(SAR_OK, SKF_DecryptInit(key, {{}, 16, 0, 0}));
@@ -114,7 +115,7 @@ TEST_F(TokenServices, DigestsTakePiecesAndASigner) {
     std::string id = "1234567812345678", message = "message digest";
     const auto bytes = [](std::string &text) { return reinterpret_cast<BYTE *>(text.data()); };
     HANDLE handle = nullptr;
-    ASSERT_EQ(SAR_OK, SKF_DigestInit(device, SGD_SM3, &signer, bytes(id), 16, &handle));
+    ASSERT_EQ(SAR_OK, SKF_DigestInit(m_device, SGD_SM3, &signer, bytes(id), 16, &handle));
     EXPECT_EQ(SAR_OK, SKF_DigestUpdate(handle, bytes(message), 7));
     EXPECT_EQ(SAR_OK, SKF_DigestUpdate(handle, bytes(message) + 7, 7));
     Bytes value(32);

@@ -26,22 +26,22 @@ struct Answer {
     bool forGood = false;
 };
 // General failure, not logged in, removed; then every other code that a call site tells apart.
-const std::vector<Answer> tokenAnswers = {{SAR_FAIL},
-                                          {SAR_FAIL, true},
-                                          {SAR_USER_NOT_LOGGED_IN},
-                                          {SAR_USER_NOT_LOGGED_IN, true},
-                                          {SAR_DEVICE_REMOVED},
-                                          {SAR_DEVICE_REMOVED, true},
-                                          {0x0A00000D},
-                                          {0x0A00001E},
-                                          {0x0B000033},
-                                          {0x000000B3},
-                                          {SAR_PIN_INCORRECT},
-                                          {SAR_PIN_LOCKED},
-                                          {SAR_PIN_LEN_RANGE},
-                                          {1},
-                                          {3}};
-const std::vector<Answer> hostAnswers = {{0}, {0, true}, {0xFFFFFFFD}, {0xFFFFFFFD, true}};
+const std::vector<Answer> TOKEN_ANSWERS = {{SAR_FAIL},
+                                           {SAR_FAIL, true},
+                                           {SAR_USER_NOT_LOGGED_IN},
+                                           {SAR_USER_NOT_LOGGED_IN, true},
+                                           {SAR_DEVICE_REMOVED},
+                                           {SAR_DEVICE_REMOVED, true},
+                                           {0x0A00000D},
+                                           {0x0A00001E},
+                                           {0x0B000033},
+                                           {0x000000B3},
+                                           {SAR_PIN_INCORRECT},
+                                           {SAR_PIN_LOCKED},
+                                           {SAR_PIN_LEN_RANGE},
+                                           {1},
+                                           {3}};
+const std::vector<Answer> HOST_ANSWERS = {{0}, {0, true}, {0xFFFFFFFD}, {0xFFFFFFFD, true}};
 
 struct Figures {
     unsigned scenarios = 0, faults = 0, runs = 0;
@@ -121,14 +121,14 @@ Lines failureLines() {
 class FaultLoops : public ::testing::Test {
 protected:
     void TearDown() override {
-        EXPECT_FALSE(watch_.leaked()) << "a secret stood in memory that was freed";
+        EXPECT_FALSE(m_watch.leaked()) << "a secret stood in memory that was freed";
     }
 
     // Runs the scenario as far as it goes under the faults that are planned. Wants nothing lost.
     const Outcome &run(const Scenario &scenario, const CallFault &call, unsigned allocation,
                        bool forGood) {
         ++figures.runs;
-        outcome_ = {};
+        m_outcome = {};
         resetScript();
         Session::kept() = {};
         trace().setLevel(scenario.traceLevel == nullptr
@@ -141,36 +141,37 @@ protected:
         callFault() = call;
         ProviderAllocator::failAt(allocation, forGood);
         play(scenario);
-        outcome_.refused = ProviderAllocator::refused();
-        outcome_.hits = callFault().hits;
+        m_outcome.refused = ProviderAllocator::refused();
+        m_outcome.hits = callFault().hits;
         callFault() = {};
         ProviderAllocator::failAt(0);
-        outcome_.failures = failureLines();
+        m_outcome.failures = failureLines();
         wantNothingLost();
-        return outcome_;
+        return m_outcome;
     }
 
     void watchHostLibrary() {
         script().OrvelPKICryptoFreeMemory.run([this](void *block) {
             const auto &blocks = script().host.blocks;
             if (const auto found = blocks.find(block); found != blocks.end())
-                watch_.look(block, found->second);
+                m_watch.look(block, found->second);
             return script().OrvelPKICryptoFreeMemory.usual(block);
         });
     }
 
     const Outcome &runClean(const Scenario &scenario) {
         run(scenario, {}, 0, false);
-        EXPECT_EQ(outcome_.failed, nullptr) << outcome_.failed->entry << " failed without a fault";
-        devices_ = outcome_.devices;
-        isQuiet_ = outcome_.failures.empty();
-        return outcome_;
+        EXPECT_EQ(m_outcome.failed, nullptr)
+            << m_outcome.failed->entry << " failed without a fault";
+        m_devices = m_outcome.devices;
+        m_isQuiet = m_outcome.failures.empty();
+        return m_outcome;
     }
 
     // The step in which the call with this place in the journal was made; null for those that give
     // handles back.
     const Step *stepOf(std::size_t call) const {
-        for (const Step &step : outcome_.steps)
+        for (const Step &step : m_outcome.steps)
             if (call >= step.callsBegin && call < step.callsEnd)
                 return &step;
         return nullptr;
@@ -180,9 +181,9 @@ protected:
     void expectMemoryFailure(bool once) const;
     void loopOverCalls(char library, const std::vector<Answer> &answers);
 
-    std::set<std::string> entries_;
-    Outcome outcome_;
-    bool asksForHeldLock_ = false; // the asking thread then waits to the end of the process
+    std::set<std::string> m_entries;
+    Outcome m_outcome;
+    bool m_asksForHeldLock = false; // the asking thread then waits to the end of the process
 
 private:
     void play(const Scenario &scenario) {
@@ -191,36 +192,36 @@ private:
             scenario.run(session);
         } catch (const Session::Ended &) {
         }
-        entries_.insert(session.entries.begin(), session.entries.end());
-        outcome_.steps = session.steps();
-        outcome_.devices =
+        m_entries.insert(session.entries.begin(), session.entries.end());
+        m_outcome.steps = session.steps();
+        m_outcome.devices =
             session.set == nullptr ? 0 : static_cast<std::size_t>(session.set->m_count);
-        if (outcome_.steps.back().result != 1)
-            outcome_.failed = &outcome_.steps.back();
+        if (m_outcome.steps.back().result != 1)
+            m_outcome.failed = &m_outcome.steps.back();
         // Memory was short for the copy of a certificate that the token has taken.
-        outcome_.holdsLock = outcome_.failed != nullptr && ProviderAllocator::refused() > 0 &&
-                             outcome_.failed->entry == "DeviceUpdateCertificate" &&
-                             script().journal.back() == "SKF_ImportCertificate";
+        m_outcome.holdsLock = m_outcome.failed != nullptr && ProviderAllocator::refused() > 0 &&
+                              m_outcome.failed->entry == "DeviceUpdateCertificate" &&
+                              script().journal.back() == "SKF_ImportCertificate";
     }
 
     void wantNothingLost() {
         if (Session::kept().device != nullptr)
             freeKept();
         EXPECT_EQ(ProviderAllocator::live(), 0u) << "blocks of the provider lost";
-        EXPECT_LE(script().memory.open(), openByContract(outcome_, devices_)) << "handles lost";
+        EXPECT_LE(script().memory.open(), openByContract(m_outcome, m_devices)) << "handles lost";
         EXPECT_EQ(script().host.blocks.size(), 0u) << "memory of the host library lost";
         EXPECT_EQ(script().host.foreignFrees, 0);
         EXPECT_EQ(script().memory.containersClosedTwice, 0);
-        if (!outcome_.holdsLock || asksForHeldLock_) {
-            ASSERT_EQ(lockIsFree(), !outcome_.holdsLock);
+        if (!m_outcome.holdsLock || m_asksForHeldLock) {
+            ASSERT_EQ(lockIsFree(), !m_outcome.holdsLock);
         }
         EXPECT_EQ(DeviceEnd(), 1);
         EXPECT_LE(script().host.pseudoDevices, 0);
     }
 
-    std::size_t devices_ = 99; // that a clean run finds
-    bool isQuiet_ = false;     // a clean run writes no failure
-    SecretWatch watch_{secrets()};
+    std::size_t m_devices = 99; // that a clean run finds
+    bool m_isQuiet = false;     // a clean run writes no failure
+    SecretWatch m_watch{secrets()};
 };
 
 std::string kindOf(const Step &step, std::size_t call) {
@@ -241,15 +242,15 @@ std::string kindOf(const Step &step, std::size_t call) {
 }
 
 void FaultLoops::expectAnswer(std::uint32_t code) const {
-    const Step *step = stepOf(outcome_.hits.front());
-    std::string call = script().journal[outcome_.hits.front()];
+    const Step *step = stepOf(m_outcome.hits.front());
+    std::string call = script().journal[m_outcome.hits.front()];
     if (step == nullptr) {
         EXPECT_TRUE(givesBack(call)) << call;
         return;
     }
     // The first failure that the entry point does not put up with decides.
     Expectation wanted = {1, ""};
-    for (const std::size_t hit : outcome_.hits) {
+    for (const std::size_t hit : m_outcome.hits) {
         if (wanted.result == 1 && stepOf(hit) == step) {
             call = script().journal[hit];
             wanted = expected(kindOf(*step, hit), call, code);
@@ -257,25 +258,25 @@ void FaultLoops::expectAnswer(std::uint32_t code) const {
     }
     EXPECT_EQ(step->result, wanted.result) << step->entry << " after " << call;
     const bool isNamed = std::any_of(
-        outcome_.failures.begin(), outcome_.failures.end(), [&](const std::string &line) {
+        m_outcome.failures.begin(), m_outcome.failures.end(), [&](const std::string &line) {
             return line.find(wanted.line.empty() ? call + " fail" : wanted.line) != line.npos;
         });
     EXPECT_EQ(isNamed, !wanted.line.empty())
         << step->entry << " after " << call << ": " << wanted.line;
-    if (isQuiet_ && wanted.result != 1) { // an import also says what it was reading
-        EXPECT_LE(outcome_.failures.size(), wanted.line.empty() ? 0u : 2u) << call;
+    if (m_isQuiet && wanted.result != 1) { // an import also says what it was reading
+        EXPECT_LE(m_outcome.failures.size(), wanted.line.empty() ? 0u : 2u) << call;
     }
 }
 
 void FaultLoops::expectMemoryFailure(bool once) const {
-    if (outcome_.failed == nullptr)
+    if (m_outcome.failed == nullptr)
         return; // nothing but a line of the trace, or a key pair, was left out
-    EXPECT_EQ(outcome_.failed->result, 0) << outcome_.failed->entry;
+    EXPECT_EQ(m_outcome.failed->result, 0) << m_outcome.failed->entry;
     // Key pairs without memory for their record are left out silently.
     const std::set<std::string> silent = {"DeviceNewHash", "DeviceNewCipher",
                                           "DeviceGetKeypairCount"};
-    if (once && silent.count(outcome_.failed->entry) == 0 && !outcome_.holdsLock) {
-        EXPECT_FALSE(outcome_.failures.empty()) << outcome_.failed->entry;
+    if (once && silent.count(m_outcome.failed->entry) == 0 && !m_outcome.holdsLock) {
+        EXPECT_FALSE(m_outcome.failures.empty()) << m_outcome.failed->entry;
     }
 }
 
@@ -288,7 +289,7 @@ void FaultLoops::loopOverCalls(char library, const std::vector<Answer> &answers)
                              ", code " + std::to_string(code) + (forGood ? " for good" : ""));
                 if (run(scenario, {library, n, code, forGood}, 0, false).hits.empty())
                     break;
-                figures.faults += static_cast<unsigned>(outcome_.hits.size());
+                figures.faults += static_cast<unsigned>(m_outcome.hits.size());
                 expectAnswer(code);
                 runClean(scenario);
             }
@@ -305,7 +306,7 @@ TEST_F(FaultLoops, ScenariosPassAllEntryPoints) {
         runClean(scenario);
         ++figures.scenarios;
     }
-    for (const std::string &entry : entries_)
+    for (const std::string &entry : m_entries)
         all.erase(entry.substr(0, entry.find(' ')));
     // The end of every session.
     EXPECT_THAT(all, ::testing::UnorderedElementsAre("DeviceFreeCipher", "DeviceFreeDevice",
@@ -322,7 +323,7 @@ TEST_F(FaultLoops, AllocationsFail) {
                              (forGood ? " for good" : ""));
                 if (run(scenario, {}, n, forGood).refused == 0)
                     break;
-                figures.faults += outcome_.refused;
+                figures.faults += m_outcome.refused;
                 expectMemoryFailure(!forGood);
                 runClean(scenario);
             }
@@ -331,20 +332,20 @@ TEST_F(FaultLoops, AllocationsFail) {
 }
 
 TEST_F(FaultLoops, TokenCallsFail) {
-    loopOverCalls('S', tokenAnswers);
+    loopOverCalls('S', TOKEN_ANSWERS);
 }
 
 TEST_F(FaultLoops, HostCallsFail) {
-    loopOverCalls('O', hostAnswers);
+    loopOverCalls('O', HOST_ANSWERS);
 }
 
 TEST_F(FaultLoops, OnlyALostCopyOfACertificateLeavesTheLockHeld) {
-    asksForHeldLock_ = true;
+    m_asksForHeldLock = true;
     const Scenario &scenario =
         *std::find_if(scenarios().begin(), scenarios().end(), [](const Scenario &at) {
             return at.name == std::string("update certificates");
         });
-    for (unsigned n = 1; !outcome_.holdsLock; ++n)
+    for (unsigned n = 1; !m_outcome.holdsLock; ++n)
         ASSERT_NE(run(scenario, {}, n, false).refused, 0u) << "the path was not met";
 }
 
@@ -354,7 +355,7 @@ class PrintFigures : public ::testing::Environment {
                     figures.faults, figures.runs);
     }
 };
-const auto *const printFigures [[maybe_unused]] =
+const auto *const PRINT_FIGURES [[maybe_unused]] =
     ::testing::AddGlobalTestEnvironment(new PrintFigures);
 
 } // namespace

@@ -7,11 +7,11 @@
 namespace tembra::test {
 namespace {
 
-constexpr int sign = ORVEL_PKI_KEYPAIRTYPE_SIGNATURE;
-constexpr int encrypt = ORVEL_PKI_KEYPAIRTYPE_ENCRYPT;
-constexpr int sm3 = ORVEL_PKI_ALGORITHM_SM3;
-constexpr TembraEccParam sm2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
-const Bytes certificate(40, 0x30);
+constexpr int SIGN = ORVEL_PKI_KEYPAIRTYPE_SIGNATURE;
+constexpr int ENCRYPT = ORVEL_PKI_KEYPAIRTYPE_ENCRYPT;
+constexpr int SM3 = ORVEL_PKI_ALGORITHM_SM3;
+constexpr TembraEccParam SM2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
+const Bytes CERTIFICATE(40, 0x30);
 
 int sizeOf(const Bytes &bytes) {
     return static_cast<int>(bytes.size());
@@ -26,8 +26,8 @@ Bytes secret(std::size_t size, std::uint32_t seed) {
     }
     return bytes;
 }
-const Bytes scalar = secret(32, 1), der = secret(608, 2), symmetricKey = secret(16, 3),
-            plaintext = secret(30, 4);
+const Bytes SCALAR = secret(32, 1), DER = secret(608, 2), SYMMETRIC_KEY = secret(16, 3),
+            PLAINTEXT = secret(30, 4);
 
 void insertToken() {
     DeviceModel &token = script().memory.addDevice("key");
@@ -36,7 +36,7 @@ void insertToken() {
     application.name = "app";
     application.containers = {ecc("c", true, true), rsa("r", 1024, true, true), {"empty"}};
     for (ContainerModel &container : application.containers)
-        container.signCertificate = container.encryptCertificate = certificate;
+        container.signCertificate = container.encryptCertificate = CERTIFICATE;
 }
 
 void insertTokens() {
@@ -49,7 +49,7 @@ void insertForPlainKeys() {
     insertToken();
     allowPlainRsa(1024);
     script().OrvelPKICryptoGenerateRandom.run([](void *, int length, unsigned char *out) {
-        std::copy_n(symmetricKey.begin(), length, out);
+        std::copy_n(SYMMETRIC_KEY.begin(), length, out);
         return 1;
     });
 }
@@ -82,7 +82,7 @@ void readKeys(Session &s) {
         const bool isSm2 = i < 2;
         SPI_KEYPAIR_HANDLE pair = DeviceGetKeypair(s.device, i);
         s.keep("DeviceGetKeypair", pair, pair != nullptr);
-        s.did("DeviceGetKeypairType", DeviceGetKeypairType(pair) == (i % 2 == 0 ? sign : encrypt));
+        s.did("DeviceGetKeypairType", DeviceGetKeypairType(pair) == (i % 2 == 0 ? SIGN : ENCRYPT));
         s.did("DeviceGetKeypairAlgorithm", DeviceGetKeypairAlgorithm(pair) == (isSm2 ? 4 : 1));
         s.did("DeviceGetKeypairBits", DeviceGetKeypairBits(pair) == (isSm2 ? 256 : 1024));
         s.got("DeviceGetKeypairLabel", [&](unsigned char *out, int size, int *length) {
@@ -93,7 +93,7 @@ void readKeys(Session &s) {
             s.got("DeviceGetCertificate", [&](unsigned char *out, int size, int *length) {
                 return DeviceGetCertificate(pair, 0, out, size, length);
             });
-        s.did("DeviceGetCertificate", read == certificate);
+        s.did("DeviceGetCertificate", read == CERTIFICATE);
 
         SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(pair);
         s.did("DeviceGetPublicKeyFromKeypair", key != nullptr);
@@ -112,23 +112,23 @@ void readKeys(Session &s) {
 void signAndDecrypt(Session &s) {
     s.discover();
     const Bytes data(32, 0x17);
-    Bytes cipher(65 + plaintext.size() + 32, 4);
-    for (std::size_t i = 0; i < plaintext.size(); ++i) // the token in memory masks it
-        cipher[65 + i] = plaintext[i] ^ 0x5A;
+    Bytes cipher(65 + PLAINTEXT.size() + 32, 4);
+    for (std::size_t i = 0; i < PLAINTEXT.size(); ++i) // the token in memory masks it
+        cipher[65 + i] = PLAINTEXT[i] ^ 0x5A;
     for (const bool isSm2 : {true, false}) {
         const char *label = isSm2 ? "c" : "r";
-        SPI_KEYPAIR_HANDLE pair = s.find(label, sign);
+        SPI_KEYPAIR_HANDLE pair = s.find(label, SIGN);
         s.got("DeviceSign", [&](unsigned char *out, int size, int *length) {
             return DeviceSign(pair, isSm2 ? 0x1000 : 0x100, nullptr, data.data(), 32, out, size,
                               length);
         });
-        pair = s.find(label, encrypt);
+        pair = s.find(label, ENCRYPT);
         const Bytes clear =
             s.got("DevicePrivateKeyDecrypt", [&](unsigned char *out, int size, int *length) {
-                return DevicePrivateKeyDecrypt(pair, isSm2 ? 0x40 : 0x10, &sm3, cipher.data(),
+                return DevicePrivateKeyDecrypt(pair, isSm2 ? 0x40 : 0x10, &SM3, cipher.data(),
                                                sizeOf(cipher), out, size, length);
             });
-        s.did("DevicePrivateKeyDecrypt", isSm2 ? clear == plaintext : clear.size() == 20);
+        s.did("DevicePrivateKeyDecrypt", isSm2 ? clear == PLAINTEXT : clear.size() == 20);
     }
 }
 
@@ -137,7 +137,7 @@ void generate(Session &s) {
     for (const auto &[label, isSm2] : {std::pair("first", true), {"second", false}, {"c3", true}}) {
         SPI_KEYPAIR_HANDLE pair = nullptr;
         const int result = DeviceGenerateKeypair(s.device, isSm2 ? 4 : 1, isSm2 ? 256 : 1024,
-                                                 isSm2 ? &sm2 : nullptr, sign, label, &pair);
+                                                 isSm2 ? &SM2 : nullptr, SIGN, label, &pair);
         s.keep("DeviceGenerateKeypair", pair, result);
     }
     s.did("DeviceGetKeypairCount", DeviceGetKeypairCount(s.device) == 7);
@@ -145,15 +145,15 @@ void generate(Session &s) {
 
 void deleteKeys(Session &s) {
     s.discover();
-    s.find("r", encrypt);
-    s.deletePair(s.find("r", sign));
+    s.find("r", ENCRYPT);
+    s.deletePair(s.find("r", SIGN));
     s.did("DeviceGetKeypairCount", DeviceGetKeypairCount(s.device) == 2);
 }
 
 void updateCertificates(Session &s) {
     s.discover();
     const Bytes longer(60, 0x31);
-    for (const int type : {sign, encrypt}) {
+    for (const int type : {SIGN, ENCRYPT}) {
         SPI_KEYPAIR_HANDLE pair = s.find("c", type);
         s.did("DeviceUpdateCertificate", DeviceUpdateCertificate(pair, longer.data(), 60));
         const Bytes read =
@@ -164,14 +164,14 @@ void updateCertificates(Session &s) {
             script().memory.devices.front().applications.front().containers.front();
         s.did("DeviceGetCertificate", read == longer);
         s.did("DeviceUpdateCertificate",
-              (type == sign ? kept.signCertificate : kept.encryptCertificate) == longer);
+              (type == SIGN ? kept.signCertificate : kept.encryptCertificate) == longer);
     }
 }
 
 void importPair(Session &s, const char *entry, const char *label, const Bytes &blob) {
     SPI_KEYPAIR_HANDLE pair = nullptr;
     const int result =
-        DeviceImportKeypair(s.device, blob.data(), sizeOf(blob), encrypt, label, &pair);
+        DeviceImportKeypair(s.device, blob.data(), sizeOf(blob), ENCRYPT, label, &pair);
     s.keep(entry, pair, result);
 }
 
@@ -183,8 +183,8 @@ void importEnveloped(Session &s) {
 
 void importPlain(Session &s) {
     s.discover();
-    importPair(s, "DeviceImportKeypair plain", "c", plainSm2(scalar));
-    importPair(s, "DeviceImportKeypair plain", "r", plainRsa(1024, der));
+    importPair(s, "DeviceImportKeypair plain", "c", plainSm2(SCALAR));
+    importPair(s, "DeviceImportKeypair plain", "r", plainRsa(1024, DER));
 }
 
 void usePins(Session &s) {
@@ -206,7 +206,7 @@ void hashAndEncipher(Session &s) {
     int length = 0;
     s.did("DeviceGenerateRandom", DeviceGenerateRandom(s.device, 2080, data.data()));
     s.did("DeviceGenerateRandom", data.back() == static_cast<unsigned char>(2080)); // in one call
-    SPI_HASH_HANDLE hash = DeviceNewHash(s.device, sm3);
+    SPI_HASH_HANDLE hash = DeviceNewHash(s.device, SM3);
     s.keepHash(hash);
     s.did("DeviceHashUpdate", DeviceHashUpdate(hash, data.data(), 2080));
     s.got("DeviceHashFinal", [&](unsigned char *value, int size, int *needed) {
@@ -254,7 +254,7 @@ const std::vector<Scenario> &scenarios() {
 }
 
 const std::vector<Bytes> &secrets() {
-    static const std::vector<Bytes> all = {scalar, der, symmetricKey, plaintext};
+    static const std::vector<Bytes> all = {SCALAR, DER, SYMMETRIC_KEY, PLAINTEXT};
     return all;
 }
 

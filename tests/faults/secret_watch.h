@@ -35,14 +35,14 @@ public:
 
     // What is given back to the host library.
     void look(const void *block, std::size_t size) {
-        leaked_ = leaked_ || holdsSecret(static_cast<const unsigned char *>(block), size);
+        m_leaked = m_leaked || holdsSecret(static_cast<const unsigned char *>(block), size);
     }
-    bool leaked() const { return leaked_; }
+    bool leaked() const { return m_leaked; }
 
 private:
     bool holdsSecret(const unsigned char *block, std::size_t size) const {
         for (std::size_t at = 0; at + 8 <= size; ++at)
-            if (begins_[pair(block + at)] && windows_.count(window(block + at)) > 0)
+            if (m_begins[pair(block + at)] && m_windows.count(window(block + at)) > 0)
                 return true;
         return false;
     }
@@ -54,14 +54,14 @@ private:
     }
     void add(const std::vector<unsigned char> &bytes) {
         for (std::size_t at = 0; at + 8 <= bytes.size(); ++at) {
-            windows_.insert(window(&bytes[at]));
-            begins_[pair(&bytes[at])] = true;
+            m_windows.insert(window(&bytes[at]));
+            m_begins[pair(&bytes[at])] = true;
         }
     }
 
-    std::unordered_set<std::uint64_t> windows_;
-    std::vector<bool> begins_ = std::vector<bool>(65536);
-    bool leaked_ = false;
+    std::unordered_set<std::uint64_t> m_windows;
+    std::vector<bool> m_begins = std::vector<bool>(65536);
+    bool m_leaked = false;
 };
 
 } // namespace tembra::test

@@ -9,15 +9,15 @@ Session::Kept &Session::kept() {
 
 void Session::did(const std::string &entry, int result) {
     const std::size_t callsEnd = script().journal.size();
-    steps_.push_back({entry, result, callsBegin_, callsEnd});
-    callsBegin_ = callsEnd;
+    m_steps.push_back({entry, result, m_callsBegin, callsEnd});
+    m_callsBegin = callsEnd;
     entries.insert(entry);
     if (result != 1)
         throw Ended();
 }
 
 const Step *Session::failed() const {
-    return steps_.empty() || steps_.back().result == 1 ? nullptr : &steps_.back();
+    return m_steps.empty() || m_steps.back().result == 1 ? nullptr : &m_steps.back();
 }
 
 void Session::discover(int index) {
@@ -35,18 +35,18 @@ SPI_KEYPAIR_HANDLE Session::find(const char *label, int type) {
 }
 
 void Session::keep(const std::string &entry, SPI_KEYPAIR_HANDLE pair, int result) {
-    pairs_.push_back(pair);
+    m_pairs.push_back(pair);
     did(entry, (pair != nullptr) == (result == 1) ? result : 99);
 }
 
 void Session::keepHash(SPI_HASH_HANDLE hash) {
-    hash_ = hash;
+    m_hash = hash;
     did("DeviceNewHash", hash != nullptr);
 }
 
 void Session::keepCipher(SPI_CIPHER_HANDLE cipher) {
-    DeviceFreeCipher(cipher_);
-    cipher_ = cipher;
+    DeviceFreeCipher(m_cipher);
+    m_cipher = cipher;
     did("DeviceNewCipher", cipher != nullptr);
 }
 
@@ -59,9 +59,9 @@ void Session::deletePair(SPI_KEYPAIR_HANDLE pair) {
 }
 
 Session::~Session() {
-    DeviceFreeHash(hash_);
-    DeviceFreeCipher(cipher_);
-    for (SPI_KEYPAIR_HANDLE pair : pairs_)
+    DeviceFreeHash(m_hash);
+    DeviceFreeCipher(m_cipher);
+    for (SPI_KEYPAIR_HANDLE pair : m_pairs)
         DeviceFreeKeypair(pair);
     DeviceFreeDevice(device);
     DeviceFreeDevices(set);

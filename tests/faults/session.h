@@ -23,7 +23,7 @@ public:
     // Thrown out of a scenario when a step has failed.
     struct Ended {};
 
-    Session() : callsBegin_(script().journal.size()) {}
+    Session() : m_callsBegin(script().journal.size()) {}
     // Gives every handle back.
     ~Session();
     Session(const Session &) = delete;
@@ -50,7 +50,7 @@ public:
     // Also notes what stays in memory by contract when it succeeds.
     void deletePair(SPI_KEYPAIR_HANDLE pair);
 
-    const std::vector<Step> &steps() const { return steps_; }
+    const std::vector<Step> &steps() const { return m_steps; }
     const Step *failed() const;
     std::set<std::string> entries{}; // everything called
 
@@ -66,11 +66,11 @@ public:
     static Kept &kept();
 
 private:
-    std::vector<Step> steps_;
-    std::size_t callsBegin_;
-    std::vector<SPI_KEYPAIR_HANDLE> pairs_;
-    SPI_HASH_HANDLE hash_ = nullptr;
-    SPI_CIPHER_HANDLE cipher_ = nullptr;
+    std::vector<Step> m_steps;
+    std::size_t m_callsBegin;
+    std::vector<SPI_KEYPAIR_HANDLE> m_pairs;
+    SPI_HASH_HANDLE m_hash = nullptr;
+    SPI_CIPHER_HANDLE m_cipher = nullptr;
 };
 
 } // namespace tembra::test

@@ -55,10 +55,10 @@ TEST_F(BufferProtocol, HoldsForEveryEntryPoint) {
     insert({model});
     const SPI_KEYPAIR_HANDLE key = pair("sm2", 2);
     const SPI_PUBLICKEY_HANDLE publicKey = DeviceGetPublicKeyFromKeypair(key);
-    const SPI_HASH_HANDLE hash = DeviceNewHash(device, ORVEL_PKI_ALGORITHM_SM3);
+    const SPI_HASH_HANDLE hash = DeviceNewHash(m_device, ORVEL_PKI_ALGORITHM_SM3);
     const Bytes zeros(16);
     const SPI_CIPHER_HANDLE cipher =
-        DeviceNewCipher(device, 1, ORVEL_PKI_ALGORITHM_SMS4_ECB, zeros.data(), 16, nullptr);
+        DeviceNewCipher(m_device, 1, ORVEL_PKI_ALGORITHM_SMS4_ECB, zeros.data(), 16, nullptr);
     Bytes sm2Cipher(100, 0x5A);
     sm2Cipher[0] = 4;
     const int sm3 = ORVEL_PKI_ALGORITHM_SM3;
@@ -69,9 +69,9 @@ TEST_F(BufferProtocol, HoldsForEveryEntryPoint) {
 
 #define CALL(name, ...) #name, [&](auto *out, int size, int *length) { return name(__VA_ARGS__); }
     const Entry entries[] = {
-        {CALL(DeviceGetSerialNumber, device, chars(out), size, length), text("TEST-0123456789A"),
+        {CALL(DeviceGetSerialNumber, m_device, chars(out), size, length), text("TEST-0123456789A"),
          17, true},
-        {CALL(DeviceGetLabel, device, chars(out), size, length), text("Test Token"), 11, true},
+        {CALL(DeviceGetLabel, m_device, chars(out), size, length), text("Test Token"), 11, true},
         {CALL(DeviceGetKeypairLabel, key, chars(out), size, length), text("sm2"), 4, true},
         {CALL(DeviceExportPublicKey, publicKey, out, size, length), encodedEccKey(true), 68, true},
         {CALL(DeviceGetCertificate, key, 0, out, size, length), model.signCertificate, 4, true},

@@ -6,8 +6,8 @@
 namespace tembra::test {
 namespace {
 
-constexpr int sm4Cbc = ORVEL_PKI_ALGORITHM_SMS4_CBC;
-constexpr int sm4Ecb = ORVEL_PKI_ALGORITHM_SMS4_ECB;
+constexpr int SM4_CBC = ORVEL_PKI_ALGORITHM_SMS4_CBC;
+constexpr int SM4_ECB = ORVEL_PKI_ALGORITHM_SMS4_ECB;
 
 Bytes counting(std::size_t size) {
     Bytes bytes(size);
@@ -20,7 +20,8 @@ class Ciphers : public ScriptedTest {
 protected:
     // The data through a new cipher in updates of these sizes, the last one repeated.
     Bytes run(int enc, int algo, const Bytes &data, std::vector<int> sizes, bool inPlace) {
-        SPI_CIPHER_HANDLE cipher = DeviceNewCipher(device, enc, algo, key.data(), 16, iv.data());
+        SPI_CIPHER_HANDLE cipher =
+            DeviceNewCipher(m_device, enc, algo, m_key.data(), 16, m_iv.data());
         EXPECT_NE(cipher, nullptr);
         Bytes out = inPlace ? data : Bytes(data.size());
         for (std::size_t at = 0, i = 0; at < data.size(); ++i) {
@@ -37,8 +38,8 @@ protected:
         return out;
     }
 
-    const Bytes key = counting(16);
-    const Bytes iv = Bytes(16, 0xA5);
+    const Bytes m_key = counting(16);
+    const Bytes m_iv = Bytes(16, 0xA5);
 };
 
 TEST_F(Ciphers, ChainAcrossPiecesAndCalls) {
@@ -49,8 +50,8 @@ TEST_F(Ciphers, ChainAcrossPiecesAndCalls) {
         restart(setting);
         resetDevices();
         insert({});
-        for (const int algo : {sm4Cbc, sm4Ecb}) {
-            const Bytes cipher = toyEncrypt(key, algo == sm4Cbc ? iv : Bytes(), plain);
+        for (const int algo : {SM4_CBC, SM4_ECB}) {
+            const Bytes cipher = toyEncrypt(m_key, algo == SM4_CBC ? m_iv : Bytes(), plain);
             for (const std::vector<int> &sizes :
                  {std::vector<int>{2560}, {16}, {16, 32, 1024}, {1040, 16}, {1024}}) {
                 for (const bool inPlace : {false, true}) {
@@ -65,20 +66,20 @@ TEST_F(Ciphers, ChainAcrossPiecesAndCalls) {
 TEST_F(Ciphers, EveryPieceIsAWholeOperation) {
     insert({});
     const Bytes plain = counting(2560);
-    const Bytes cipher = run(1, sm4Cbc, plain, {2560}, false);
+    const Bytes cipher = run(1, SM4_CBC, plain, {2560}, false);
     ASSERT_EQ(script().SKF_Encrypt.calls(), 3);
     const ULONG sizes[] = {1024, 1024, 512};
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(script().SKF_Encrypt.argument<2>(i), sizes[i]);
         const unsigned char *before =
-            i == 0 ? iv.data() : &cipher[1024 * static_cast<std::size_t>(i) - 16];
+            i == 0 ? m_iv.data() : &cipher[1024 * static_cast<std::size_t>(i) - 16];
         BLOCKCIPHERPARAM expected{};
         std::copy_n(before, 16, expected.IV);
         expected.IVLen = 16;
         const BLOCKCIPHERPARAM used = script().SKF_EncryptInit.argument<1>(i);
         EXPECT_EQ(std::memcmp(&used, &expected, sizeof used), 0) << i;
     }
-    run(0, sm4Ecb, plain, {2560}, false);
+    run(0, SM4_ECB, plain, {2560}, false);
     const BLOCKCIPHERPARAM none{};
     const BLOCKCIPHERPARAM used = script().SKF_DecryptInit.argument<1>();
     EXPECT_EQ(std::memcmp(&used, &none, sizeof used), 0);
@@ -101,23 +102,23 @@ TEST_F(Ciphers, AlgorithmsAndKeys) {
                  {-1, 0, false}};
     for (const auto &at : cases) {
         for (const unsigned char *param :
-             {iv.data(), static_cast<const unsigned char *>(nullptr)}) {
-            SPI_CIPHER_HANDLE cipher = DeviceNewCipher(device, 1, at.algo, key.data(), 16, param);
+             {m_iv.data(), static_cast<const unsigned char *>(nullptr)}) {
+            SPI_CIPHER_HANDLE cipher =
+                DeviceNewCipher(m_device, 1, at.algo, m_key.data(), 16, param);
             EXPECT_EQ(cipher != nullptr, at.token != 0 && (param != nullptr || !at.chained));
-            if (cipher != nullptr) {
+            if (cipher != nullptr)
                 EXPECT_EQ(script().SKF_SetSymmKey.argument<2>(), at.token);
-            }
             DeviceFreeCipher(cipher);
         }
     }
     EXPECT_THAT(trace().failures(), IsEmpty());
     for (const int size : {0, 8, 15, 17, 32, -16})
-        EXPECT_EQ(DeviceNewCipher(device, 1, sm4Ecb, key.data(), size, nullptr), nullptr);
+        EXPECT_EQ(DeviceNewCipher(m_device, 1, SM4_ECB, m_key.data(), size, nullptr), nullptr);
 }
 
 TEST_F(Ciphers, UpdateChecksItsArguments) {
     insert({});
-    SPI_CIPHER_HANDLE cipher = DeviceNewCipher(device, 1, sm4Ecb, key.data(), 16, nullptr);
+    SPI_CIPHER_HANDLE cipher = DeviceNewCipher(m_device, 1, SM4_ECB, m_key.data(), 16, nullptr);
     Bytes in(16), out(16, 0xEE);
     const struct {
         unsigned char *in;
@@ -146,7 +147,7 @@ TEST_F(Ciphers, UpdateChecksItsArguments) {
 
 TEST_F(Ciphers, FailuresOfTheTokenKeepTheChain) {
     insert({});
-    const Bytes plain = counting(48), cipherText = toyEncrypt(key, iv, plain);
+    const Bytes plain = counting(48), cipherText = toyEncrypt(m_key, m_iv, plain);
     const struct {
         int enc;
         std::function<void()> fault;
@@ -160,7 +161,7 @@ TEST_F(Ciphers, FailuresOfTheTokenKeepTheChain) {
     int length = 0;
     for (const auto &at : cases) {
         SPI_CIPHER_HANDLE cipher =
-            DeviceNewCipher(device, at.enc, sm4Cbc, key.data(), 16, iv.data());
+            DeviceNewCipher(m_device, at.enc, SM4_CBC, m_key.data(), 16, m_iv.data());
         const Bytes &in = at.enc ? plain : cipherText;
         EXPECT_EQ(DeviceCipherUpdate(cipher, in.data(), 16, out.data(), 16, &length), 1);
         at.fault();
@@ -169,7 +170,7 @@ TEST_F(Ciphers, FailuresOfTheTokenKeepTheChain) {
         EXPECT_EQ(out, at.enc ? cipherText : plain) << "the chain goes on where it was";
         DeviceFreeCipher(cipher);
     }
-    SPI_CIPHER_HANDLE cipher = DeviceNewCipher(device, 1, sm4Cbc, key.data(), 16, iv.data());
+    SPI_CIPHER_HANDLE cipher = DeviceNewCipher(m_device, 1, SM4_CBC, m_key.data(), 16, m_iv.data());
     mark();
     EXPECT_EQ(DeviceCipherUpdate(cipher, plain.data(), 17, out.data(), 48, &length), 0);
     EXPECT_EQ(trace().failures(), errors("cipherUpdate", "SKF_Encrypt fail, error = 0x0A000010"));

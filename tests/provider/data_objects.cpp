@@ -10,16 +10,16 @@ class DataObjects : public ScriptedTest {
 protected:
     void SetUp() override {
         ScriptedTest::SetUp();
-        application = &insert({});
+        m_application = &insert({});
     }
     void store(const char *name, std::size_t size) {
-        FileModel &file = application->files[name];
+        FileModel &file = m_application->files[name];
         for (std::size_t i = 0; i < size; ++i)
             file.content.push_back(static_cast<unsigned char>(i));
     }
-    ApplicationModel *application = nullptr;
-    unsigned char buffer[256] = {};
-    int length = 77;
+    ApplicationModel *m_application = nullptr;
+    unsigned char m_buffer[256] = {};
+    int m_length = 77;
 };
 
 TEST_F(DataObjects, RightsComeFromTheModeBlock) {
@@ -42,9 +42,9 @@ TEST_F(DataObjects, RightsComeFromTheModeBlock) {
     int id = 0;
     for (const auto &at : cases) {
         mark();
-        EXPECT_EQ(DeviceCreateData(device, ++id, at.mode.data(), 10), at.result);
+        EXPECT_EQ(DeviceCreateData(m_device, ++id, at.mode.data(), 10), at.result);
         if (at.result == 1) {
-            const FileModel &file = application->files.at(std::to_string(id));
+            const FileModel &file = m_application->files.at(std::to_string(id));
             EXPECT_EQ(file.readRights, at.read) << id;
             EXPECT_EQ(file.writeRights, at.write) << id;
             EXPECT_EQ(file.content.size(), 10u);
@@ -55,9 +55,9 @@ TEST_F(DataObjects, RightsComeFromTheModeBlock) {
         }
     }
     const char bad[] = {5};
-    EXPECT_EQ(DeviceCreateData(device, 1, bad, 10), -6) << "existence comes before the rights";
-    EXPECT_EQ(DeviceCreateData(device, 0x7FFFFFFF, "\2\3", 0), 1);
-    EXPECT_TRUE(application->files.contains("2147483647"));
+    EXPECT_EQ(DeviceCreateData(m_device, 1, bad, 10), -6) << "existence comes before the rights";
+    EXPECT_EQ(DeviceCreateData(m_device, 0x7FFFFFFF, "\2\3", 0), 1);
+    EXPECT_TRUE(m_application->files.contains("2147483647"));
 }
 
 TEST_F(DataObjects, ReadWhatThereIs) {
@@ -86,17 +86,17 @@ TEST_F(DataObjects, ReadWhatThereIs) {
     for (const auto &at : cases) {
         SCOPED_TRACE(std::to_string(at.offset) + ", " + std::to_string(at.size));
         mark();
-        length = 77;
-        EXPECT_EQ(DeviceReadDataEx(device, at.id, at.offset, at.query ? nullptr : buffer, at.size,
-                                   &length),
+        m_length = 77;
+        EXPECT_EQ(DeviceReadDataEx(m_device, at.id, at.offset, at.query ? nullptr : m_buffer,
+                                   at.size, &m_length),
                   at.result);
-        EXPECT_EQ(length, at.length);
+        EXPECT_EQ(m_length, at.length);
         EXPECT_EQ(trace().failures(), errors("DeviceReadDataEx", at.message));
     }
-    EXPECT_EQ(DeviceReadDataEx(device, 7, 100, buffer, 5, &length), 1);
+    EXPECT_EQ(DeviceReadDataEx(m_device, 7, 100, m_buffer, 5, &m_length), 1);
     EXPECT_EQ(script().SKF_ReadFile.argument<3>(), 0u) << "the token is asked for no bytes";
-    EXPECT_EQ(DeviceReadDataEx(device, 7, 42, buffer, 1, &length), 1);
-    EXPECT_EQ(buffer[0], 42);
+    EXPECT_EQ(DeviceReadDataEx(m_device, 7, 42, m_buffer, 1, &m_length), 1);
+    EXPECT_EQ(m_buffer[0], 42);
 }
 
 TEST_F(DataObjects, WriteWithinTheirSize) {
@@ -110,24 +110,24 @@ TEST_F(DataObjects, WriteWithinTheirSize) {
                  {7, -1, 1, -1, nullptr}, {-7, 0, 1, -1, nullptr},
                  {8, 0, 1, -7, nullptr},  {7, 0x7FFFFFFF, 0x7FFFFFFF, -1, beyond},
                  {7, 100, 1, -1, beyond}};
-    std::fill(std::begin(buffer), std::end(buffer), static_cast<unsigned char>(0xAA));
+    std::fill(std::begin(m_buffer), std::end(m_buffer), static_cast<unsigned char>(0xAA));
     for (const auto &at : cases) {
         mark();
-        EXPECT_EQ(DeviceWriteDataEx(device, at.id, at.offset, buffer, at.size), at.result)
+        EXPECT_EQ(DeviceWriteDataEx(m_device, at.id, at.offset, m_buffer, at.size), at.result)
             << at.offset;
         EXPECT_EQ(trace().failures(), errors("DeviceWriteDataEx", at.message));
     }
     EXPECT_EQ(script().SKF_WriteFile.calls(), 1);
-    EXPECT_EQ(application->files["7"].content[89], 89);
-    EXPECT_EQ(application->files["7"].content[90], 0xAA);
+    EXPECT_EQ(m_application->files["7"].content[89], 89);
+    EXPECT_EQ(m_application->files["7"].content[90], 0xAA);
 }
 
 TEST_F(DataObjects, AreDeleted) {
     store("0", 1);
-    EXPECT_EQ(DeviceDeleteData(device, -1), -1);
-    EXPECT_EQ(DeviceDeleteData(device, 1), -7);
-    EXPECT_EQ(DeviceDeleteData(device, 0), 1);
-    EXPECT_EQ(DeviceDeleteData(device, 0), -7);
+    EXPECT_EQ(DeviceDeleteData(m_device, -1), -1);
+    EXPECT_EQ(DeviceDeleteData(m_device, 1), -7);
+    EXPECT_EQ(DeviceDeleteData(m_device, 0), 1);
+    EXPECT_EQ(DeviceDeleteData(m_device, 0), -7);
     EXPECT_THAT(trace().failures(), IsEmpty());
 }
 
@@ -157,7 +157,7 @@ TEST_F(DataObjects, ListsAreReadWithinTheirBuffer) {
             return SAR_OK;
         });
         store("7", 1);
-        EXPECT_EQ(DeviceDeleteData(device, 7), at.found ? 1 : -7) << at.list.size();
+        EXPECT_EQ(DeviceDeleteData(m_device, 7), at.found ? 1 : -7) << at.list.size();
     }
 }
 
@@ -168,8 +168,8 @@ TEST_F(DataObjects, HugeFileSizesAreNegative) {
             info->FileSize = size;
             return SAR_OK;
         });
-        EXPECT_EQ(DeviceReadDataEx(device, 7, 0, buffer, 10, &length), -1);
-        EXPECT_EQ(DeviceWriteDataEx(device, 7, 0, buffer, 10), -1);
+        EXPECT_EQ(DeviceReadDataEx(m_device, 7, 0, m_buffer, 10, &m_length), -1);
+        EXPECT_EQ(DeviceWriteDataEx(m_device, 7, 0, m_buffer, 10), -1);
     }
     EXPECT_EQ(script().SKF_ReadFile.calls() + script().SKF_WriteFile.calls(), 0);
 }
@@ -178,10 +178,10 @@ TEST_F(DataObjects, WithoutApplicationTheTokenAnswers) {
     resetDevices();
     script().memory.addDevice("blank");
     discover();
-    EXPECT_EQ(DeviceCreateData(device, 7, "\2\3", 1), 0);
-    EXPECT_EQ(DeviceReadDataEx(device, 7, 0, buffer, 10, &length), -7);
-    EXPECT_EQ(DeviceWriteDataEx(device, 7, 0, buffer, 10), -7);
-    EXPECT_EQ(DeviceDeleteData(device, 7), -7);
+    EXPECT_EQ(DeviceCreateData(m_device, 7, "\2\3", 1), 0);
+    EXPECT_EQ(DeviceReadDataEx(m_device, 7, 0, m_buffer, 10, &m_length), -7);
+    EXPECT_EQ(DeviceWriteDataEx(m_device, 7, 0, m_buffer, 10), -7);
+    EXPECT_EQ(DeviceDeleteData(m_device, 7), -7);
 }
 
 } // namespace

@@ -6,31 +6,31 @@
 namespace tembra::test {
 namespace {
 
-constexpr int sm2Algo = ORVEL_PKI_ALGORITHM_SM2_ENC;
-constexpr int rsaAlgo = ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC;
-constexpr int sm3 = ORVEL_PKI_ALGORITHM_SM3;
+constexpr int SM2_ALGO = ORVEL_PKI_ALGORITHM_SM2_ENC;
+constexpr int RSA_ALGO = ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC;
+constexpr int SM3 = ORVEL_PKI_ALGORITHM_SM3;
 
 class Decrypt : public ScriptedTest {
 protected:
     void SetUp() override {
         ScriptedTest::SetUp();
         insert({ecc("sm2", true, true), rsa("rsa", 2048, true, true)});
-        sm2 = pair("sm2", 1);
-        rsaPair = pair("rsa", 1);
-        cipher = {4};
+        m_sm2 = pair("sm2", 1);
+        m_rsaPair = pair("rsa", 1);
+        m_cipher = {4};
         for (int i = 1; i < 97 + 5; ++i)
-            cipher.push_back(static_cast<unsigned char>(i));
+            m_cipher.push_back(static_cast<unsigned char>(i));
     }
     int decrypt(SPI_KEYPAIR_HANDLE handle, int algo, const void *param, int cipherLength,
                 int capacity) {
         mark();
-        clear.assign(600, 0xEE);
-        length = 77;
-        return DevicePrivateKeyDecrypt(handle, algo, param, cipher.data(), cipherLength,
-                                       clear.data(), capacity, &length);
+        m_clear.assign(600, 0xEE);
+        m_length = 77;
+        return DevicePrivateKeyDecrypt(handle, algo, param, m_cipher.data(), cipherLength,
+                                       m_clear.data(), capacity, &m_length);
     }
     Bytes piece(std::size_t from, std::size_t count) const {
-        const auto begin = cipher.begin() + static_cast<std::ptrdiff_t>(from);
+        const auto begin = m_cipher.begin() + static_cast<std::ptrdiff_t>(from);
         return Bytes(begin, begin + static_cast<std::ptrdiff_t>(count));
     }
     Bytes masked(std::size_t from, std::size_t count) const {
@@ -39,12 +39,12 @@ protected:
             byte = static_cast<unsigned char>(byte ^ 0x5A);
         return bytes;
     }
-    Bytes cleared() const { return Bytes(clear.begin(), clear.begin() + length); }
+    Bytes cleared() const { return Bytes(m_clear.begin(), m_clear.begin() + m_length); }
 
-    SPI_KEYPAIR_HANDLE sm2 = nullptr;
-    SPI_KEYPAIR_HANDLE rsaPair = nullptr;
-    Bytes cipher, clear;
-    int length = 0;
+    SPI_KEYPAIR_HANDLE m_sm2 = nullptr;
+    SPI_KEYPAIR_HANDLE m_rsaPair = nullptr;
+    Bytes m_cipher, m_clear;
+    int m_length = 0;
 };
 
 TEST_F(Decrypt, TakesTheFlatCiphertextApart) {
@@ -55,8 +55,8 @@ TEST_F(Decrypt, TakesTheFlatCiphertextApart) {
             blob.assign(bytes, bytes + 164 + in->CipherLen);
             return script().SKF_ECCDecrypt.usual(container, key, in, out, size);
         });
-    ASSERT_EQ(decrypt(sm2, sm2Algo, &sm3, 102, 5), 1);
-    EXPECT_EQ(length, 5);
+    ASSERT_EQ(decrypt(m_sm2, SM2_ALGO, &SM3, 102, 5), 1);
+    EXPECT_EQ(m_length, 5);
     EXPECT_EQ(cleared(), masked(65, 5));
     EXPECT_EQ(script().SKF_ECCDecrypt.argument<1>(), 0);
     Bytes expected;
@@ -64,10 +64,10 @@ TEST_F(Decrypt, TakesTheFlatCiphertextApart) {
                                Bytes{5, 0, 0, 0}, piece(65, 5)})
         expected.insert(expected.end(), field.begin(), field.end());
     EXPECT_EQ(blob, expected);
-    EXPECT_EQ(decrypt(pair("sm2", 2), sm2Algo, &sm3, 102, 5), 1);
+    EXPECT_EQ(decrypt(pair("sm2", 2), SM2_ALGO, &SM3, 102, 5), 1);
     EXPECT_EQ(script().SKF_ECCDecrypt.argument<1>(), 1) << "the signature key";
-    EXPECT_EQ(decrypt(sm2, sm2Algo, &sm3, 97, 0), 1) << "an empty message";
-    EXPECT_EQ(length, 0);
+    EXPECT_EQ(decrypt(m_sm2, SM2_ALGO, &SM3, 97, 0), 1) << "an empty message";
+    EXPECT_EQ(m_length, 0);
 }
 
 TEST_F(Decrypt, ChecksItsArguments) {
@@ -81,38 +81,39 @@ TEST_F(Decrypt, ChecksItsArguments) {
         int cipherLength, capacity, result;
         const char *message;
     } cases[] = {
-        {nullptr, sm2Algo, &sm3, 0, 5, -2, nullptr},
-        {sm2, sm2Algo, &sm3, 0, 5, -1, nullptr},
-        {sm2, sm2Algo, &sm3, -1, 5, -1, nullptr},
-        {sm2, sm2Algo, &sm3, 102, -1, -1, nullptr},
-        {sm2, rsaAlgo, &sm3, 102, 5, 0, "algo != ORVEL_PKI_ALGORITHM_SM2_ENC"},
-        {sm2, sm2Algo, nullptr, 102, 5, 0, "param == 0"},
-        {sm2, sm2Algo, &otherHash, 102, 5, 0, "hashAlgo != ORVEL_PKI_ALGORITHM_SM3"},
-        {rsaPair, sm2Algo, &sm3, 102, 5, 0, "algo != ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC"},
+        {nullptr, SM2_ALGO, &SM3, 0, 5, -2, nullptr},
+        {m_sm2, SM2_ALGO, &SM3, 0, 5, -1, nullptr},
+        {m_sm2, SM2_ALGO, &SM3, -1, 5, -1, nullptr},
+        {m_sm2, SM2_ALGO, &SM3, 102, -1, -1, nullptr},
+        {m_sm2, RSA_ALGO, &SM3, 102, 5, 0, "algo != ORVEL_PKI_ALGORITHM_SM2_ENC"},
+        {m_sm2, SM2_ALGO, nullptr, 102, 5, 0, "param == 0"},
+        {m_sm2, SM2_ALGO, &otherHash, 102, 5, 0, "hashAlgo != ORVEL_PKI_ALGORITHM_SM3"},
+        {m_rsaPair, SM2_ALGO, &SM3, 102, 5, 0, "algo != ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC"},
     };
     for (const auto &at : cases) {
         EXPECT_EQ(decrypt(at.handle, at.algo, at.param, at.cipherLength, at.capacity), at.result);
         EXPECT_EQ(trace().failures(), errors(me, at.message));
     }
     for (const int size : {1, 96}) {
-        EXPECT_EQ(decrypt(sm2, sm2Algo, &sm3, size, 5), 0);
+        EXPECT_EQ(decrypt(m_sm2, SM2_ALGO, &SM3, size, 5), 0);
         EXPECT_THAT(trace().failures(),
                     ElementsAre(error("decodeSm2CipherText", "cipherLen < 97"), notDecoded));
     }
-    cipher[0] = 2;
-    EXPECT_EQ(decrypt(sm2, sm2Algo, &sm3, 102, 5), 0);
+    m_cipher[0] = 2;
+    EXPECT_EQ(decrypt(m_sm2, SM2_ALGO, &SM3, 102, 5), 0);
     EXPECT_THAT(trace().failures(), ElementsAre(notDecoded));
     EXPECT_EQ(script().SKF_ECCDecrypt.calls() + script().SKF_RSADecrypt.calls(), 0);
-    EXPECT_EQ(DevicePrivateKeyDecrypt(sm2, 99, nullptr, cipher.data(), 7, nullptr, -3, &length), 1);
-    EXPECT_EQ(length, 7) << "a size query looks at nothing else";
+    EXPECT_EQ(
+        DevicePrivateKeyDecrypt(m_sm2, 99, nullptr, m_cipher.data(), 7, nullptr, -3, &m_length), 1);
+    EXPECT_EQ(m_length, 7) << "a size query looks at nothing else";
 }
 
 TEST_F(Decrypt, RsaNeedsNoHashAndASufficientBuffer) {
-    EXPECT_EQ(decrypt(rsaPair, rsaAlgo, nullptr, 102, 19), -4);
-    EXPECT_EQ(length, 20);
-    EXPECT_EQ(clear, Bytes(600, 0xEE));
+    EXPECT_EQ(decrypt(m_rsaPair, RSA_ALGO, nullptr, 102, 19), -4);
+    EXPECT_EQ(m_length, 20);
+    EXPECT_EQ(m_clear, Bytes(600, 0xEE));
     EXPECT_THAT(trace().failures(), IsEmpty());
-    EXPECT_EQ(decrypt(rsaPair, rsaAlgo, nullptr, 102, 20), 1);
+    EXPECT_EQ(decrypt(m_rsaPair, RSA_ALGO, nullptr, 102, 20), 1);
     EXPECT_EQ(cleared(), masked(0, 20));
 }
 

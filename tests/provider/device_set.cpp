@@ -8,8 +8,8 @@ class DeviceSets : public ScriptedTest {};
 
 TEST_F(DeviceSets, PickWithinTheirCount) {
     insert({});
-    EXPECT_EQ(DeviceGetDeviceCount(set), 1);
-    EXPECT_EQ(DeviceGetDevice(set, 1), nullptr);
+    EXPECT_EQ(DeviceGetDeviceCount(m_set), 1);
+    EXPECT_EQ(DeviceGetDevice(m_set, 1), nullptr);
     EXPECT_EQ(trace().failures(),
               errors("DeviceGetDevice", "index < 0 || index >= hDeviceSet->m_count"));
 }
@@ -27,12 +27,12 @@ TEST_F(DeviceSets, FreeingTheSetDestroysItsDevices) {
 
 TEST_F(DeviceSets, DevicesOutliveTheSetAndKeyPairsKeepThem) {
     insert({ecc("sm2", true, false)});
-    SPI_KEYPAIR_HANDLE handle = DeviceGetKeypair(device, 0);
-    DeviceFreeDevices(set);
-    set = nullptr;
-    EXPECT_EQ(DeviceGetKeypairCount(device), 1);
-    DeviceFreeDevice(device);
-    device = nullptr;
+    SPI_KEYPAIR_HANDLE handle = DeviceGetKeypair(m_device, 0);
+    DeviceFreeDevices(m_set);
+    m_set = nullptr;
+    EXPECT_EQ(DeviceGetKeypairCount(m_device), 1);
+    DeviceFreeDevice(m_device);
+    m_device = nullptr;
     EXPECT_EQ(DeviceGetKeypairType(handle), 2);
     EXPECT_EQ(script().memory.open(HandleKind::application), 1);
     EXPECT_EQ(script().memory.open(HandleKind::container), 1);

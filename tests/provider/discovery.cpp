@@ -11,10 +11,10 @@ class Discovery : public ScriptedTest {
 protected:
     void find() {
         mark();
-        set = DeviceGetAllDevices();
-        ASSERT_NE(set, nullptr);
+        m_set = DeviceGetAllDevices();
+        ASSERT_NE(m_set, nullptr);
     }
-    int count() const { return DeviceGetDeviceCount(set); }
+    int count() const { return DeviceGetDeviceCount(m_set); }
 };
 
 // Answers a list of names in place of the token.
@@ -69,11 +69,11 @@ TEST_F(Discovery, TokenWithoutApplicationIsUnformatted) {
     find();
     EXPECT_EQ(trace().failures(), errors("addDevice", "appNameLen == 0 || appNameList[0] == 0"));
     EXPECT_EQ(callsSinceMark().back(), "SKF_UnlockDev");
-    device = DeviceGetDevice(set, 0);
+    m_device = DeviceGetDevice(m_set, 0);
     char serial[64];
-    EXPECT_EQ(DeviceGetSerialNumber(device, serial, sizeof serial, nullptr), 1);
+    EXPECT_EQ(DeviceGetSerialNumber(m_device, serial, sizeof serial, nullptr), 1);
     EXPECT_STREQ(serial, "TEST-0123456789A");
-    EXPECT_EQ(DeviceGetKeypairCount(device), 0);
+    EXPECT_EQ(DeviceGetKeypairCount(m_device), 0);
     mark();
     release();
     EXPECT_THAT(callsSinceMark(), ElementsAre("SKF_CloseApplication", "SKF_DisConnectDev"));
@@ -102,15 +102,15 @@ TEST_F(Discovery, ApplicationsShareTheirToken) {
     find();
     ASSERT_EQ(count(), 2);
     EXPECT_EQ(script().SKF_ConnectDev.calls(), 1);
-    SPI_DEVICE_HANDLE first = DeviceGetDevice(set, 0);
-    device = DeviceGetDevice(set, 1);
-    DeviceFreeDevices(set);
-    set = nullptr;
+    SPI_DEVICE_HANDLE first = DeviceGetDevice(m_set, 0);
+    m_device = DeviceGetDevice(m_set, 1);
+    DeviceFreeDevices(m_set);
+    m_set = nullptr;
     mark();
     EXPECT_EQ(DeviceFreeDevice(first), 1);
     EXPECT_THAT(callsSinceMark(), ElementsAre("SKF_CloseApplication", "SKF_DisConnectDev"));
     unsigned char byte = 0;
-    EXPECT_EQ(DeviceGenerateRandom(device, 1, &byte), 0) << "disconnected under the other";
+    EXPECT_EQ(DeviceGenerateRandom(m_device, 1, &byte), 0) << "disconnected under the other";
 }
 
 TEST_F(Discovery, ReadersLeaveOutWhatTheyCannotRead) {
@@ -164,9 +164,9 @@ TEST_F(Discovery, ReadersLeaveOutWhatTheyCannotRead) {
         container.encryptCertificate = {4, 5};
         at.fault();
         discover();
-        EXPECT_EQ(DeviceGetKeypairCount(device), at.pairs);
+        EXPECT_EQ(DeviceGetKeypairCount(m_device), at.pairs);
         if (at.pairs > 0) {
-            SPI_KEYPAIR_HANDLE pair = DeviceGetKeypair(device, 0);
+            SPI_KEYPAIR_HANDLE pair = DeviceGetKeypair(m_device, 0);
             EXPECT_EQ(DeviceGetCertificateCount(pair), at.certificates);
             DeviceFreeKeypair(pair);
         }
@@ -189,7 +189,7 @@ TEST_F(Discovery, StopsAtThirtyTwoContainers) {
         application.containers.push_back(ecc("c" + std::to_string(i), true, true));
     discover();
     EXPECT_EQ(script().SKF_OpenContainer.calls(), 32);
-    EXPECT_EQ(DeviceGetKeypairCount(device), 64);
+    EXPECT_EQ(DeviceGetKeypairCount(m_device), 64);
 }
 
 TEST_F(Discovery, StopsAtSixteenDevices) {
@@ -272,11 +272,11 @@ TEST_F(Discovery, FullTextsOfTheTokenNeedNoNul) {
     find();
     EXPECT_TRUE(
         trace().contains(debug("addDevice", "device info issuer : " + std::string(64, 'I'))));
-    device = DeviceGetDevice(set, 0);
+    m_device = DeviceGetDevice(m_set, 0);
     char text[33];
-    EXPECT_EQ(DeviceGetLabel(device, text, sizeof text, nullptr), 1);
+    EXPECT_EQ(DeviceGetLabel(m_device, text, sizeof text, nullptr), 1);
     EXPECT_EQ(text, std::string(32, 'L'));
-    EXPECT_EQ(DeviceGetSerialNumber(device, text, sizeof text, nullptr), 1);
+    EXPECT_EQ(DeviceGetSerialNumber(m_device, text, sizeof text, nullptr), 1);
     EXPECT_EQ(text, std::string(32, 'S'));
 }
 

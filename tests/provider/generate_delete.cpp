@@ -4,24 +4,24 @@
 namespace tembra::test {
 namespace {
 
-constexpr TembraEccParam sm2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
+constexpr TembraEccParam SM2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
 
 class Generation : public ScriptedTest {
 protected:
     int generate(const char *label, int algo = ORVEL_PKI_ALGORITHM_ECC, int bits = 256,
-                 const void *param = &sm2, int type = 2) {
-        handle = nullptr;
+                 const void *param = &SM2, int type = 2) {
+        m_handle = nullptr;
         mark();
-        return DeviceGenerateKeypair(device, algo, bits, param, type, label, &handle);
+        return DeviceGenerateKeypair(m_device, algo, bits, param, type, label, &m_handle);
     }
     int generated(const char *label) {
         const int result = generate(label);
-        DeviceFreeKeypair(handle);
+        DeviceFreeKeypair(m_handle);
         return result;
     }
     int containers() const { return script().memory.open(HandleKind::container); }
 
-    SPI_KEYPAIR_HANDLE handle = nullptr;
+    SPI_KEYPAIR_HANDLE m_handle = nullptr;
 };
 
 TEST_F(Generation, MakesSignaturePairs) {
@@ -30,7 +30,7 @@ TEST_F(Generation, MakesSignaturePairs) {
         int algo, bits;
         const void *param;
         Bytes key;
-    } cases[] = {{"sm2", ORVEL_PKI_ALGORITHM_ECC, 256, &sm2, encodedEccKey(true)},
+    } cases[] = {{"sm2", ORVEL_PKI_ALGORITHM_ECC, 256, &SM2, encodedEccKey(true)},
                  {"rsa1", ORVEL_PKI_ALGORITHM_RSA, 1024, nullptr, encodedRsaKey(true, 1024)},
                  {"rsa2", ORVEL_PKI_ALGORITHM_RSA, 2048, nullptr, encodedRsaKey(true, 2048)}};
     insert({});
@@ -38,13 +38,13 @@ TEST_F(Generation, MakesSignaturePairs) {
     for (const auto &at : cases) {
         ASSERT_EQ(generate(at.label, at.algo, at.bits, at.param), 1);
         EXPECT_THAT(trace().failures(), IsEmpty());
-        EXPECT_EQ(DeviceGetKeypairCount(device), ++count);
-        EXPECT_EQ(DeviceGetKeypairType(handle), 2);
-        EXPECT_EQ(DeviceGetKeypairAlgorithm(handle), at.algo);
-        EXPECT_EQ(DeviceGetKeypairBits(handle), at.bits);
-        EXPECT_EQ(exportedKey(handle), at.key);
-        DeviceFreeKeypair(handle);
-        EXPECT_EQ(pair(at.label, 2), handle) << "found by its label";
+        EXPECT_EQ(DeviceGetKeypairCount(m_device), ++count);
+        EXPECT_EQ(DeviceGetKeypairType(m_handle), 2);
+        EXPECT_EQ(DeviceGetKeypairAlgorithm(m_handle), at.algo);
+        EXPECT_EQ(DeviceGetKeypairBits(m_handle), at.bits);
+        EXPECT_EQ(exportedKey(m_handle), at.key);
+        DeviceFreeKeypair(m_handle);
+        EXPECT_EQ(pair(at.label, 2), m_handle) << "found by its label";
     }
     EXPECT_EQ(script().SKF_GenECCKeyPair.argument<1>(), SGD_SM2_1);
     EXPECT_EQ(referencesAfterRelease(), 1 + 1 + 3 + 3);
@@ -62,27 +62,27 @@ TEST_F(Generation, ChecksItsArgumentsInOrder) {
         const char *message;
         bool makesContainer;
     } cases[] = {
-        {"", 4, 256, &sm2, 2, -1, nullptr, false},
-        {"x", 4, 256, &sm2, 1, -1, "type != ORVEL_PKI_KEYPAIRTYPE_SIGNATURE", false},
-        {"x", 4, 0, &sm2, 2, -1, "keybits <= 0", false},
-        {"x", 4, -256, &sm2, 2, -1, "keybits <= 0", false},
-        {"x", 1, 1024, &sm2, 2, -1, nullptr, true},
+        {"", 4, 256, &SM2, 2, -1, nullptr, false},
+        {"x", 4, 256, &SM2, 1, -1, "type != ORVEL_PKI_KEYPAIRTYPE_SIGNATURE", false},
+        {"x", 4, 0, &SM2, 2, -1, "keybits <= 0", false},
+        {"x", 4, -256, &SM2, 2, -1, "keybits <= 0", false},
+        {"x", 1, 1024, &SM2, 2, -1, nullptr, true},
         {"x", 1, 1536, nullptr, 2, -1, "keybits != 1024 && keybits != 2048", false},
         {"x", 4, 256, nullptr, 2, -1, "eccParam == 0", false},
         {"x", 4, 256, &temporary, 2, -1, "eccParam->m_temp", false},
         {"x", 4, 256, &otherCurve, 2, -1, "eccParam->m_curve != ORVEL_PKI_ECC_CURVE_SM2", false},
-        {"x", 4, 192, &sm2, 2, -1, "keybits != 256", false},
+        {"x", 4, 192, &SM2, 2, -1, "keybits != 256", false},
         {"x", 2, 256, nullptr, 2, 1, nullptr, false}, // generates nothing and says yes
     };
     for (const auto &at : cases) {
         const int before = containers();
         EXPECT_EQ(generate(at.label, at.algo, at.bits, at.param, at.type), at.result);
-        EXPECT_EQ(handle, nullptr);
+        EXPECT_EQ(m_handle, nullptr);
         EXPECT_EQ(trace().failures(), errors("DeviceGenerateKeypair", at.message));
         EXPECT_EQ(containers() - before, at.makesContainer)
             << "made before the checks, then reused";
     }
-    EXPECT_EQ(DeviceGetKeypairCount(device), 0);
+    EXPECT_EQ(DeviceGetKeypairCount(m_device), 0);
     EXPECT_EQ(generated("x"), 1) << "a second try reuses the container";
     EXPECT_EQ(script().SKF_CreateContainer.calls(), 1);
 }
@@ -132,7 +132,7 @@ TEST_F(Deletion, DropsBothPairsOfTheContainer) {
     const KeptByContract kept;
     ApplicationModel &application =
         insert({ecc("one", true, true), ecc("two", true, true), rsa("three", 1024, true, false)});
-    SPI_KEYPAIR_HANDLE two = DeviceGetKeypair(device, 3); // the encryption pair
+    SPI_KEYPAIR_HANDLE two = DeviceGetKeypair(m_device, 3); // the encryption pair
     mark();
     EXPECT_EQ(DeviceDeleteKeypair(two), 1);
     EXPECT_THAT(callsSinceMark(), ElementsAre("SKF_CloseContainer", "SKF_DeleteContainer"));
@@ -140,12 +140,12 @@ TEST_F(Deletion, DropsBothPairsOfTheContainer) {
     EXPECT_THAT(trace().texts(),
                 ElementsAre(info("DeviceDeleteKeypair", "SPI_KEYPAIR_HANDLE hKeypair = %p")));
     EXPECT_EQ(application.containers.size(), 2u);
-    EXPECT_EQ(DeviceGetKeypairCount(device), 3);
+    EXPECT_EQ(DeviceGetKeypairCount(m_device), 3);
     EXPECT_EQ(DeviceFreeKeypair(two), 1);
-    EXPECT_EQ(DeviceFindKeypair(device, 2, "two", &two), 0);
+    EXPECT_EQ(DeviceFindKeypair(m_device, 2, "two", &two), 0);
     const int expectedTypes[] = {2, 1, 2};
     for (int i = 0; i < 3; ++i) {
-        SPI_KEYPAIR_HANDLE left = DeviceGetKeypair(device, i);
+        SPI_KEYPAIR_HANDLE left = DeviceGetKeypair(m_device, i);
         EXPECT_EQ(DeviceGetKeypairType(left), expectedTypes[i]);
         DeviceFreeKeypair(left);
     }
@@ -164,10 +164,10 @@ TEST_F(Deletion, OnlyARefusalForLackOfLoginKeepsThePairs) {
     for (const auto &at : cases) {
         resetDevices();
         insert({ecc("sm2", true, true)});
-        SPI_KEYPAIR_HANDLE deleted = DeviceGetKeypair(device, 0);
+        SPI_KEYPAIR_HANDLE deleted = DeviceGetKeypair(m_device, 0);
         script().SKF_DeleteContainer.answerAt(1, at.answer);
         EXPECT_EQ(DeviceDeleteKeypair(deleted), at.result);
-        EXPECT_EQ(DeviceGetKeypairCount(device), at.pairsLeft);
+        EXPECT_EQ(DeviceGetKeypairCount(m_device), at.pairsLeft);
         // Refused for lack of login: the container was closed, and is not closed a second time.
         EXPECT_EQ(DeviceDeleteKeypair(deleted), at.pairsLeft > 0 ? 1 : -2);
         EXPECT_EQ(DeviceFreeKeypair(deleted), 1);
@@ -179,9 +179,9 @@ TEST_F(Deletion, NamesTheHostsLabelOfAReusedContainer) {
     const KeptByContract kept;
     insert({{"blank"}});
     ASSERT_EQ(generate("mine"), 1);
-    EXPECT_EQ(DeviceDeleteKeypair(handle), 1) << "the token knows no container of this name";
+    EXPECT_EQ(DeviceDeleteKeypair(m_handle), 1) << "the token knows no container of this name";
     EXPECT_STREQ(script().SKF_DeleteContainer.argument<1>(), "mine");
-    DeviceFreeKeypair(handle);
+    DeviceFreeKeypair(m_handle);
     keepsHandlesOpen();
 }
 

@@ -8,8 +8,8 @@ namespace {
 class GoldenSession : public ScriptedTest {};
 
 TEST_F(GoldenSession, MatchesLineByLine) {
-    ApplicationModel &application = addToken({ecc(sessionLabel, true, false)});
-    application.pins[USER_TYPE] = sessionPin;
+    ApplicationModel &application = addToken({ecc(SESSION_LABEL, true, false)});
+    application.pins[USER_TYPE] = SESSION_PIN;
     script().memory.devices.front().info.AlgSymCap = SGD_SMS4_ECB | SGD_SMS4_CBC;
     ASSERT_EQ(DeviceEnd(), 1);
     trace().setLevel("5");
@@ -37,17 +37,17 @@ TEST_F(GoldenSession, EntryPointsNameTheirArguments) {
     trace().setLevel("5");
     mark();
 
-    DeviceGetDeviceCount(set);
-    DeviceGetDevice(set, -1);
-    DeviceGetSerialNumber(device, text, 17, &n);
-    DeviceGetSerialNumber(device, text, 17, nullptr);
-    DeviceGetLabel(device, text, 17, &n);
+    DeviceGetDeviceCount(m_set);
+    DeviceGetDevice(m_set, -1);
+    DeviceGetSerialNumber(m_device, text, 17, &n);
+    DeviceGetSerialNumber(m_device, text, 17, nullptr);
+    DeviceGetLabel(m_device, text, 17, &n);
     EXPECT_EQ(DeviceGetSerialNumber(nullptr, text, 17, &n), 0);
     EXPECT_EQ(DeviceGetLabel(nullptr, text, 17, &n), 0);
-    DeviceLockDevice(device);
+    DeviceLockDevice(m_device);
     DeviceUnlockDevice(nullptr);
-    const SPI_KEYPAIR_HANDLE taken = DeviceGetKeypair(device, 0);
-    DeviceGetKeypairCount(device);
+    const SPI_KEYPAIR_HANDLE taken = DeviceGetKeypair(m_device, 0);
+    DeviceGetKeypairCount(m_device);
     DeviceGetKeypairLabel(key, text, 20, &n);
     DeviceGetKeypairType(key);
     DeviceGetKeypairAlgorithm(key);
@@ -66,15 +66,15 @@ TEST_F(GoldenSession, EntryPointsNameTheirArguments) {
 
     DeviceSign(key, ORVEL_PKI_ALGORITHM_SM2_SIGN, nullptr, bytes, 32, bytes, 80, &n);
     DevicePrivateKeyDecrypt(rsaKey, 16, nullptr, bytes, 102, bytes, 128, &n);
-    DeviceVerifyPwd(device, 1, "user-pin", &tries);
+    DeviceVerifyPwd(m_device, 1, "user-pin", &tries);
     tries = 5;
-    DeviceChangePwd(device, 1, "user-pin", "new", &tries);
-    DeviceUnlockPwd(device, 1, "admin-pin", "newer", &tries);
+    DeviceChangePwd(m_device, 1, "user-pin", "new", &tries);
+    DeviceUnlockPwd(m_device, 1, "admin-pin", "newer", &tries);
     tries = 5;
-    DeviceGetPwdRetryNum(device, 1, &tries);
+    DeviceGetPwdRetryNum(m_device, 1, &tries);
 
-    DeviceGenerateRandom(device, 3, bytes);
-    const SPI_HASH_HANDLE hash = DeviceNewHash(device, ORVEL_PKI_ALGORITHM_SM3);
+    DeviceGenerateRandom(m_device, 3, bytes);
+    const SPI_HASH_HANDLE hash = DeviceNewHash(m_device, ORVEL_PKI_ALGORITHM_SM3);
     DeviceHashUpdate(hash, bytes, 3);
     n = 32;
     DeviceHashFinal(hash, bytes, 32, &n);
@@ -82,18 +82,18 @@ TEST_F(GoldenSession, EntryPointsNameTheirArguments) {
     const Bytes in(16, 0xAB);
     Bytes out(20);
     const SPI_CIPHER_HANDLE cipher =
-        DeviceNewCipher(device, 1, ORVEL_PKI_ALGORITHM_SMS4_ECB, bytes, 16, nullptr);
+        DeviceNewCipher(m_device, 1, ORVEL_PKI_ALGORITHM_SMS4_ECB, bytes, 16, nullptr);
     DeviceCipherUpdate(cipher, in.data(), 16, out.data(), 20, &n);
     DeviceFreeCipher(cipher);
 
-    DeviceCreateData(device, 8, "\2\3", 1);
+    DeviceCreateData(m_device, 8, "\2\3", 1);
     n = 77;
-    DeviceReadDataEx(device, 7, 0, bytes, 10, &n);
-    DeviceWriteDataEx(device, 7, 0, bytes, 10);
-    DeviceDeleteData(device, 7);
+    DeviceReadDataEx(m_device, 7, 0, bytes, 10, &n);
+    DeviceWriteDataEx(m_device, 7, 0, bytes, 10);
+    DeviceDeleteData(m_device, 7);
     SPI_KEYPAIR_HANDLE generated = nullptr;
     const TembraEccParam sm2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
-    DeviceGenerateKeypair(device, 4, 256, &sm2, 2, "new", &generated);
+    DeviceGenerateKeypair(m_device, 4, 256, &sm2, 2, "new", &generated);
 
     Lines lines = trace().texts();
     std::erase_if(

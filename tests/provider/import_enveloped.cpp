@@ -12,7 +12,7 @@ protected:
     // The export that DeviceGetPublicKeyFromKeypair gives of the encryption pair, if there is one.
     Bytes cachedKey() {
         SPI_KEYPAIR_HANDLE handle = nullptr;
-        if (DeviceFindKeypair(device, ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, "c", &handle) != 1)
+        if (DeviceFindKeypair(m_device, ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, "c", &handle) != 1)
             return {};
         const Bytes bytes = exportedKey(handle);
         DeviceFreeKeypair(handle);
@@ -131,10 +131,10 @@ TEST_F(ImportEnveloped, EveryImportAddsARecordUpTo64) {
     const int before = referencesAfterRelease();
     for (int count = 2; count <= 64; ++count) {
         ASSERT_EQ(import(Sm2Envelope().blob()), 1);
-        ASSERT_EQ(DeviceGetKeypairCount(device), count);
+        ASSERT_EQ(DeviceGetKeypairCount(m_device), count);
         ASSERT_EQ(referencesAfterRelease(), before + 2 * (count - 1));
     }
-    SPI_KEYPAIR_HANDLE last = imported_.back();
+    SPI_KEYPAIR_HANDLE last = m_imported.back();
     EXPECT_EQ(DeviceGetKeypairType(last), ORVEL_PKI_KEYPAIRTYPE_ENCRYPT);
     EXPECT_EQ(DeviceGetKeypairAlgorithm(last), ORVEL_PKI_ALGORITHM_ECC);
     EXPECT_EQ(DeviceGetKeypairBits(last), 256);
@@ -146,7 +146,7 @@ TEST_F(ImportEnveloped, EveryImportAddsARecordUpTo64) {
     }
     mark();
     const TembraEccParam sm2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
-    EXPECT_EQ(DeviceGenerateKeypair(device, ORVEL_PKI_ALGORITHM_ECC, 256, &sm2,
+    EXPECT_EQ(DeviceGenerateKeypair(m_device, ORVEL_PKI_ALGORITHM_ECC, 256, &sm2,
                                     ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, "one more", &last),
               0);
     EXPECT_EQ(trace().failures(),

@@ -79,9 +79,9 @@ TEST_F(ImportPlain, Refusals) {
     }
     blob = plainRsa(1024, {1});
     expectRefusal(Bytes(blob.begin(), blob.begin() + 19), "r", failed);
-    device->m_isformat = 0;
+    m_device->m_isformat = 0;
     expectRefusal(blob, "r", "hDevice->m_isformat == 0");
-    device->m_isformat = 1;
+    m_device->m_isformat = 1;
 }
 
 } // namespace

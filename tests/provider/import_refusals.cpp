@@ -5,11 +5,12 @@ namespace tembra::test {
 namespace {
 
 // Offsets in a blob with its header of 20 bytes; the SM2 ones for L = 16.
-constexpr std::size_t sm2Curve = 20, sm2Point = 24, sm2X = 25, sm2Y = 57, sm2Algorithm = 89,
-                      sm2KeyLength = 93, sm2C1 = 97, sm2NewPoint = 210, sm2PrivateLength = 275;
-constexpr std::size_t rsaModulusLength = 20, rsaModulus = 24, rsaExponentLength = 152,
-                      rsaExponent = 156, rsaAlgorithm = 159, rsaKeyLength = 163,
-                      rsaPrivateLength = 295;
+constexpr std::size_t SM2_CURVE = 20, SM2_POINT = 24, SM2_X = 25, SM2_Y = 57, SM2_ALGORITHM = 89,
+                      SM2_KEY_LENGTH = 93, SM2_C1 = 97, SM2_NEW_POINT = 210,
+                      SM2_PRIVATE_LENGTH = 275;
+constexpr std::size_t RSA_MODULUS_LENGTH = 20, RSA_MODULUS = 24, RSA_EXPONENT_LENGTH = 152,
+                      RSA_EXPONENT = 156, RSA_ALGORITHM = 159, RSA_KEY_LENGTH = 163,
+                      RSA_PRIVATE_LENGTH = 295;
 
 struct Change {
     std::size_t at;
@@ -65,32 +66,32 @@ TEST_F(ImportRefusal, Sm2Payload) {
     insert({ecc("c", true, false)});
     const Bytes blob = Sm2Envelope().blob();
     const Change changes[] = {
-        {sm2Curve, 4, 6, "rvcurve != ORVEL_PKI_ECC_CURVE_SM2"},
-        {sm2Curve, 4, 0x80000007, "rvcurve != ORVEL_PKI_ECC_CURVE_SM2"},
-        {sm2Point, 1, 2, "keyblob[pos] != 4"},
-        {sm2X, 1, 0, "memcmp(x, &keyblob[pos], 32) != 0"},
-        {sm2Y + 31, 1, 0, "memcmp(y, &keyblob[pos], 32) != 0"},
-        {sm2Algorithm, 4, SGD_SMS4_ECB, "an unsupportd ECC algoritom"},
-        {sm2Algorithm, 4, ORVEL_PKI_ALGORITHM_SMS4_CBC, "an unsupportd ECC algoritom"},
-        {sm2Algorithm, 4, 0xFFFFFFFF, "an unsupportd ECC algoritom"},
-        {sm2KeyLength, 4, 0, "encKeyLen < 97"},
-        {sm2KeyLength, 4, 96, "encKeyLen < 97"},
-        {sm2KeyLength, 4, 215, "keyblobLen - pos < encKeyLen"},
-        {sm2KeyLength, 4, 0x80000000, "keyblobLen - pos < encKeyLen"},
-        {sm2KeyLength, 4, 0xFFFFFFFF, "keyblobLen - pos < encKeyLen"},
-        {sm2C1, 1, 2, "keyblob[pos] != 4"},
-        {sm2NewPoint, 1, 2, "rvkeyblob[pos] != 4"},
-        {sm2PrivateLength, 4, 33, "keyblobLen - pos != len"},
-        {sm2PrivateLength, 4, 0x80000020, "keyblobLen - pos != len"},
+        {SM2_CURVE, 4, 6, "rvcurve != ORVEL_PKI_ECC_CURVE_SM2"},
+        {SM2_CURVE, 4, 0x80000007, "rvcurve != ORVEL_PKI_ECC_CURVE_SM2"},
+        {SM2_POINT, 1, 2, "keyblob[pos] != 4"},
+        {SM2_X, 1, 0, "memcmp(x, &keyblob[pos], 32) != 0"},
+        {SM2_Y + 31, 1, 0, "memcmp(y, &keyblob[pos], 32) != 0"},
+        {SM2_ALGORITHM, 4, SGD_SMS4_ECB, "an unsupportd ECC algoritom"},
+        {SM2_ALGORITHM, 4, ORVEL_PKI_ALGORITHM_SMS4_CBC, "an unsupportd ECC algoritom"},
+        {SM2_ALGORITHM, 4, 0xFFFFFFFF, "an unsupportd ECC algoritom"},
+        {SM2_KEY_LENGTH, 4, 0, "encKeyLen < 97"},
+        {SM2_KEY_LENGTH, 4, 96, "encKeyLen < 97"},
+        {SM2_KEY_LENGTH, 4, 215, "keyblobLen - pos < encKeyLen"},
+        {SM2_KEY_LENGTH, 4, 0x80000000, "keyblobLen - pos < encKeyLen"},
+        {SM2_KEY_LENGTH, 4, 0xFFFFFFFF, "keyblobLen - pos < encKeyLen"},
+        {SM2_C1, 1, 2, "keyblob[pos] != 4"},
+        {SM2_NEW_POINT, 1, 2, "rvkeyblob[pos] != 4"},
+        {SM2_PRIVATE_LENGTH, 4, 33, "keyblobLen - pos != len"},
+        {SM2_PRIVATE_LENGTH, 4, 0x80000020, "keyblobLen - pos != len"},
     };
     expectChangesRefused(blob, "importSM2KeyPair", changes);
     const Cut cuts[] = {{4, "rvkeyblobLen - pos < 4"},
                         {69, "keyblobLen - pos < 65"},
-                        {73, tooShortForNumber},
+                        {73, TOO_SHORT_FOR_NUMBER},
                         {81, "keyblobLen - pos < 8"},
                         {190, "keyblobLen - pos < encKeyLen"},
                         {255, "keyblobLen - pos < 65"},
-                        {259, tooShortForNumber},
+                        {259, TOO_SHORT_FOR_NUMBER},
                         {291, "keyblobLen - pos != len"}};
     expectCutsRefused(blob, "importSM2KeyPair", cuts);
     for (const std::size_t size : {0u, 31u, 65u}) {
@@ -104,26 +105,26 @@ TEST_F(ImportRefusal, RsaPayload) {
     insert({rsa("c", 1024, true, false)});
     const Bytes blob = RsaEnvelope().blob();
     const Change changes[] = {
-        {rsaModulusLength, 4, 127, "len != nLen"},
-        {rsaModulusLength, 4, 0, "len != nLen"},
-        {rsaModulusLength, 4, 0x80000000, "keyblobLen - pos < len"},
-        {rsaModulus + 127, 1, 1, "memcmp(n, &keyblob[pos], len) != 0"},
-        {rsaExponentLength, 4, 2, "rvlen != eLen"},
-        {rsaExponentLength, 4, 0x80000003, "rvlen != eLen"},
-        {rsaExponent, 1, 2, "memcmp(e, &keyblob[pos], len) != 0"},
-        {rsaAlgorithm, 4, SGD_SMS4_ECB, "unsupportd algorithm"},
-        {rsaAlgorithm, 4, ORVEL_PKI_ALGORITHM_SM1_CBC, "unsupportd algorithm"},
-        {rsaKeyLength, 4, 127, "encKeyLen != nLen"},
-        {rsaKeyLength, 4, 0x80000080, "encKeyLen != nLen"},
-        {rsaPrivateLength, 4, 0, "cipherLen <= 0"},
-        {rsaPrivateLength, 4, 609, "keyblobLen - pos != cipherLen"},
-        {rsaPrivateLength, 4, 0x80000260, "keyblobLen - pos != cipherLen"},
+        {RSA_MODULUS_LENGTH, 4, 127, "len != nLen"},
+        {RSA_MODULUS_LENGTH, 4, 0, "len != nLen"},
+        {RSA_MODULUS_LENGTH, 4, 0x80000000, "keyblobLen - pos < len"},
+        {RSA_MODULUS + 127, 1, 1, "memcmp(n, &keyblob[pos], len) != 0"},
+        {RSA_EXPONENT_LENGTH, 4, 2, "rvlen != eLen"},
+        {RSA_EXPONENT_LENGTH, 4, 0x80000003, "rvlen != eLen"},
+        {RSA_EXPONENT, 1, 2, "memcmp(e, &keyblob[pos], len) != 0"},
+        {RSA_ALGORITHM, 4, SGD_SMS4_ECB, "unsupportd algorithm"},
+        {RSA_ALGORITHM, 4, ORVEL_PKI_ALGORITHM_SM1_CBC, "unsupportd algorithm"},
+        {RSA_KEY_LENGTH, 4, 127, "encKeyLen != nLen"},
+        {RSA_KEY_LENGTH, 4, 0x80000080, "encKeyLen != nLen"},
+        {RSA_PRIVATE_LENGTH, 4, 0, "cipherLen <= 0"},
+        {RSA_PRIVATE_LENGTH, 4, 609, "keyblobLen - pos != cipherLen"},
+        {RSA_PRIVATE_LENGTH, 4, 0x80000260, "keyblobLen - pos != cipherLen"},
     };
     expectChangesRefused(blob, "importRSAKeyPair", changes);
-    const Cut cuts[] = {{4, tooShortForNumber},   {132, "keyblobLen - pos < len"},
-                        {136, tooShortForNumber}, {139, "keyblobLen - pos < eLen"},
-                        {147, tooShortForNumber}, {275, "keyblobLen - pos < encKeyLen"},
-                        {279, tooShortForNumber}, {887, "keyblobLen - pos != cipherLen"}};
+    const Cut cuts[] = {{4, TOO_SHORT_FOR_NUMBER},   {132, "keyblobLen - pos < len"},
+                        {136, TOO_SHORT_FOR_NUMBER}, {139, "keyblobLen - pos < eLen"},
+                        {147, TOO_SHORT_FOR_NUMBER}, {275, "keyblobLen - pos < encKeyLen"},
+                        {279, TOO_SHORT_FOR_NUMBER}, {887, "keyblobLen - pos != cipherLen"}};
     expectCutsRefused(blob, "importRSAKeyPair", cuts);
     Bytes longer = blob;
     longer.push_back(0);
@@ -174,15 +175,15 @@ TEST_F(ImportRefusal, Arguments) {
         const char *message;
     } rows[] = {
         {nullptr, nullptr, 0, 2, nullptr, nullptr, -2, "hDevice == 0"},
-        {device, nullptr, size, 1, "c", &handle, -1, "keyblob == 0 || keybloblen <= 8"},
-        {device, blob.data(), 8, 2, "c", &handle, -1, "keyblob == 0 || keybloblen <= 8"},
-        {device, blob.data(), -1, 1, "c", &handle, -1, "keyblob == 0 || keybloblen <= 8"},
-        {device, blob.data(), size, 2, nullptr, &handle, 0,
+        {m_device, nullptr, size, 1, "c", &handle, -1, "keyblob == 0 || keybloblen <= 8"},
+        {m_device, blob.data(), 8, 2, "c", &handle, -1, "keyblob == 0 || keybloblen <= 8"},
+        {m_device, blob.data(), -1, 1, "c", &handle, -1, "keyblob == 0 || keybloblen <= 8"},
+        {m_device, blob.data(), size, 2, nullptr, &handle, 0,
          "type != ORVEL_PKI_KEYPAIRTYPE_ENCRYPT"},
-        {device, blob.data(), size, 1, nullptr, &handle, -1, "typelabel == 0 || label[0] == 0"},
-        {device, blob.data(), size, 1, "", nullptr, -1, "typelabel == 0 || label[0] == 0"},
-        {device, blob.data(), size, 1, "none", nullptr, -1, "phKeypair == 0"},
-        {device, blob.data(), size, 1, "C", &handle, 0, "GetContainerIndex(hDevice, label) = -1"},
+        {m_device, blob.data(), size, 1, nullptr, &handle, -1, "typelabel == 0 || label[0] == 0"},
+        {m_device, blob.data(), size, 1, "", nullptr, -1, "typelabel == 0 || label[0] == 0"},
+        {m_device, blob.data(), size, 1, "none", nullptr, -1, "phKeypair == 0"},
+        {m_device, blob.data(), size, 1, "C", &handle, 0, "GetContainerIndex(hDevice, label) = -1"},
     };
     trace().setLevel("5"); // which must not look into what is null
     for (const auto &at : rows) {

@@ -17,11 +17,11 @@ protected:
         const auto untouched = reinterpret_cast<SPI_KEYPAIR_HANDLE>(this);
         SPI_KEYPAIR_HANDLE handle = untouched;
         mark();
-        const int result = DeviceImportKeypair(device, exact.get(), static_cast<int>(blob.size()),
+        const int result = DeviceImportKeypair(m_device, exact.get(), static_cast<int>(blob.size()),
                                                ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, label, &handle);
         EXPECT_EQ(handle != untouched, result == 1);
         if (result == 1)
-            imported_.push_back(handle);
+            m_imported.push_back(handle);
         return result;
     }
 
@@ -30,14 +30,14 @@ protected:
         ScriptedTest::TearDown();
     }
     void freeImported() {
-        for (SPI_KEYPAIR_HANDLE handle : imported_)
+        for (SPI_KEYPAIR_HANDLE handle : m_imported)
             DeviceFreeKeypair(handle);
-        imported_.clear();
+        m_imported.clear();
     }
 
-    std::vector<SPI_KEYPAIR_HANDLE> imported_;
+    std::vector<SPI_KEYPAIR_HANDLE> m_imported;
 };
 
-inline constexpr const char *tooShortForNumber = "keyblobLen - pos < 4";
+inline constexpr const char *TOO_SHORT_FOR_NUMBER = "keyblobLen - pos < 4";
 
 } // namespace tembra::test

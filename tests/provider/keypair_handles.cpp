@@ -9,7 +9,7 @@ class KeypairHandles : public ScriptedTest {};
 TEST_F(KeypairHandles, StandWithinTheirCount) {
     insert({{"empty"}, ecc("sm2", true, true)});
     for (const int index : {-1, 2, 0x7FFFFFFF})
-        EXPECT_EQ(DeviceGetKeypair(device, index), nullptr);
+        EXPECT_EQ(DeviceGetKeypair(m_device, index), nullptr);
     EXPECT_EQ(referencesAfterRelease(), 4) << "the set, the device handle, two pairs";
 }
 
@@ -22,10 +22,10 @@ TEST_F(KeypairHandles, FindComparesLabelAndType) {
     } cases[] = {{"sm2", 2, 1}, {"both", 1, 1}, {"both", 2, 1}, {"sm2", 1, 0}, {"sm2", 3, 0},
                  {"SM2", 2, 0}, {"sm", 2, 0},   {"sm2 ", 2, 0}, {"", 2, 0}};
     for (const auto &at : cases) {
-        SPI_KEYPAIR_HANDLE untouched = reinterpret_cast<SPI_KEYPAIR_HANDLE>(&set);
+        SPI_KEYPAIR_HANDLE untouched = reinterpret_cast<SPI_KEYPAIR_HANDLE>(&m_set);
         SPI_KEYPAIR_HANDLE handle = untouched;
         mark();
-        EXPECT_EQ(DeviceFindKeypair(device, at.type, at.label, &handle), at.result) << at.label;
+        EXPECT_EQ(DeviceFindKeypair(m_device, at.type, at.label, &handle), at.result) << at.label;
         EXPECT_EQ(trace().failures(), errors("DeviceFindKeypair",
                                              at.result == 1 ? nullptr : "DeviceFindKeypair fail "));
         EXPECT_EQ(handle != untouched, at.result == 1);
@@ -82,11 +82,11 @@ TEST_F(KeypairHandles, OutliveTheDeletionOfTheirPair) {
     const KeptByContract kept;
     insert({ecc("sm2", true, true), ecc("other", true, false)});
     SPI_KEYPAIR_HANDLE sign[3] = {};
-    SPI_KEYPAIR_HANDLE encrypt = DeviceGetKeypair(device, 1);
+    SPI_KEYPAIR_HANDLE encrypt = DeviceGetKeypair(m_device, 1);
     for (SPI_KEYPAIR_HANDLE &handle : sign)
-        handle = DeviceGetKeypair(device, 0);
+        handle = DeviceGetKeypair(m_device, 0);
     EXPECT_EQ(DeviceDeleteKeypair(sign[1]), 1);
-    EXPECT_EQ(DeviceGetKeypairCount(device), 1);
+    EXPECT_EQ(DeviceGetKeypairCount(m_device), 1);
     mark();
     expectDetached(sign[0], ORVEL_PKI_KEYPAIRTYPE_SIGNATURE);
     expectDetached(encrypt, ORVEL_PKI_KEYPAIRTYPE_ENCRYPT);

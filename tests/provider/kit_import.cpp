@@ -20,14 +20,14 @@ const char *tr(const char *english) {
 namespace tembra::test {
 namespace {
 
-const char *const labels[] = {"rsa1024", "rsa2048", "sm2"};
+const char *const LABELS[] = {"rsa1024", "rsa2048", "sm2"};
 
 struct Form {
     const char *label; // of the container, and what kind of key it is
     bool isEnveloped;
     bool isGdk;
 };
-const Form forms[] = {{"sm2", true, false},     {"sm2", true, true},      {"sm2", false, false},
+const Form FORMS[] = {{"sm2", true, false},     {"sm2", true, true},      {"sm2", false, false},
                       {"sm2", false, true},     {"rsa1024", true, false}, {"rsa1024", false, true},
                       {"rsa2048", true, false}, {"rsa2048", false, false}};
 
@@ -44,7 +44,7 @@ protected:
         trace().setLevel("1");
         setVariable("TEMBRA_KEY_PROV_REGISTRY", settings().string());
         logIn();
-        for (const std::string label : labels) {
+        for (const std::string label : LABELS) {
             const bool isSm2 = label == "sm2";
             generate(label.c_str(), isSm2 ? ORVEL_PKI_ALGORITHM_ECC : ORVEL_PKI_ALGORITHM_RSA,
                      isSm2 ? 256 : std::stoi(label.substr(3)));
@@ -73,8 +73,8 @@ protected:
         }
         const auto container = crypto::decodePublicKey(exportedKey(find(form.label, 2)));
         return tool::envelopeKeyPair(key, container.value(),
-                                     form.isGdk ? tool::Sm2PrivateForm::Gdk
-                                                : tool::Sm2PrivateForm::Plain);
+                                     form.isGdk ? tool::Sm2PrivateForm::gdk
+                                                : tool::Sm2PrivateForm::plain);
     }
 
     // From a heap block of exactly the blob's size. The handle comes with success only.
@@ -82,7 +82,7 @@ protected:
         const std::unique_ptr<unsigned char[]> exact(new unsigned char[blob.size()]);
         std::copy(blob.begin(), blob.end(), exact.get());
         SPI_KEYPAIR_HANDLE handle = nullptr;
-        const int result = DeviceImportKeypair(device, exact.get(), static_cast<int>(blob.size()),
+        const int result = DeviceImportKeypair(m_device, exact.get(), static_cast<int>(blob.size()),
                                                ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, label, &handle);
         EXPECT_EQ(handle != nullptr, result == 1);
         DeviceFreeKeypair(handle);
@@ -122,11 +122,11 @@ protected:
         }
     }
 
-    std::filesystem::path settings() const { return directory.path() / "settings.reg"; }
+    std::filesystem::path settings() const { return m_directory.path() / "settings.reg"; }
 };
 
 TEST_F(KitImport, TheTokenDecryptsWithWhatCameIn) {
-    for (const Form &form : forms) {
+    for (const Form &form : FORMS) {
         SCOPED_TRACE(form.label + std::to_string(form.isEnveloped) + std::to_string(form.isGdk));
         setGdk(form.isGdk);
         const crypto::PrivateKey key = newKey(form.label);
@@ -139,7 +139,7 @@ TEST_F(KitImport, TheTokenDecryptsWithWhatCameIn) {
 }
 
 TEST_F(KitImport, CutAtEveryByteAndWithEveryByteFlipped) {
-    for (const Form &form : forms) {
+    for (const Form &form : FORMS) {
         setGdk(form.isGdk);
         const crypto::PrivateKey key = newKey(form.label);
         const Bytes blob = blobOf(form, key);

@@ -17,7 +17,7 @@ Bytes hex(const std::string &digits) {
 class KitSession : public KitTest {
 protected:
     Bytes ciphered(int enc, int algo, const Bytes &key, const Bytes &iv, const Bytes &block) {
-        SPI_CIPHER_HANDLE cipher = DeviceNewCipher(device, enc, algo, key.data(), 16, iv.data());
+        SPI_CIPHER_HANDLE cipher = DeviceNewCipher(m_device, enc, algo, key.data(), 16, iv.data());
         Bytes out(16);
         int length = 0;
         EXPECT_EQ(DeviceCipherUpdate(cipher, block.data(), 16, out.data(), 16, &length), 1);
@@ -28,11 +28,11 @@ protected:
 
 TEST_F(KitSession, TypicalSignatureLeavesTheGoldenTrace) {
     logIn();
-    generate(sessionLabel, ORVEL_PKI_ALGORITHM_ECC, 256);
+    generate(SESSION_LABEL, ORVEL_PKI_ALGORITHM_ECC, 256);
     release();
     trace().mark();
     const Bytes signature = runTypicalSession();
-    started = false; // it has ended the provider
+    m_started = false; // it has ended the provider
     EXPECT_GE(signature.size(), 68u);
     EXPECT_EQ(signature[0], 0x30) << "DER";
     EXPECT_EQ(signature[1] + 2u, signature.size());
@@ -50,7 +50,7 @@ TEST_F(KitSession, PublishedVectors) {
          hex("debe9ff92275b8a138604889c18e5a4d6fdb70e5387e5765293dcba39c0c5732")}};
     for (const auto &at : digests) {
         for (const std::size_t step : {1u, 13u, 64u}) {
-            SPI_HASH_HANDLE hash = DeviceNewHash(device, ORVEL_PKI_ALGORITHM_SM3);
+            SPI_HASH_HANDLE hash = DeviceNewHash(m_device, ORVEL_PKI_ALGORITHM_SM3);
             for (std::size_t from = 0; from < at.message.size(); from += step) {
                 const auto size = std::min(step, at.message.size() - from);
                 EXPECT_EQ(DeviceHashUpdate(hash, &at.message[from], static_cast<int>(size)), 1);

@@ -5,7 +5,7 @@
 namespace tembra::test {
 namespace {
 
-const std::string section = "[HKEY_LOCAL_MACHINE\\Software\\ORVEL\\PKI\\Devices\\TembraKey]\r\n";
+const std::string SECTION = "[HKEY_LOCAL_MACHINE\\Software\\ORVEL\\PKI\\Devices\\TembraKey]\r\n";
 
 Lines traceOfInit(const std::string &sm3Error, const std::string &sm3, const std::string &sm4Error,
                   const std::string &sm4, const std::string &operation,
@@ -35,7 +35,7 @@ protected:
     // What DeviceInit writes with this settings file.
     Lines init(const std::string &file) {
         EXPECT_EQ(DeviceEnd(), 1);
-        const auto path = directory_.path() / "other.reg";
+        const auto path = m_directory.path() / "other.reg";
         writeFile(path, file);
         setVariable("TEMBRA_KEY_PROV_REGISTRY", path.string());
         mark();
@@ -43,13 +43,13 @@ protected:
         return trace().texts();
     }
 
-    TemporaryDirectory directory_;
+    TemporaryDirectory m_directory;
 };
 
 TEST_F(Settings, AreDefaultsWithoutFileOrSection) {
     const Lines withoutFile = [this] {
         EXPECT_EQ(DeviceEnd(), 1);
-        setVariable("TEMBRA_KEY_PROV_REGISTRY", (directory_.path() / "absent.reg").string());
+        setVariable("TEMBRA_KEY_PROV_REGISTRY", (m_directory.path() / "absent.reg").string());
         mark();
         EXPECT_EQ(DeviceInit(), 1);
         return trace().texts();
@@ -61,13 +61,13 @@ TEST_F(Settings, AreDefaultsWithoutFileOrSection) {
 }
 
 TEST_F(Settings, ReportMissingValuesOfAnExistingKey) {
-    EXPECT_EQ(init(section),
+    EXPECT_EQ(init(SECTION),
               traceOfInit("unsupport HasSM3, error = 2", "0", "unsupport HasSM4, error = 2", "0",
                           "1024", "RegQueryValueEx fail, error = 2", "0"));
 }
 
 TEST_F(Settings, TakeDoubleWordsAsTheyAre) {
-    EXPECT_EQ(init(section + "\"HasSM3\"=dword:00000001\r\n\"HasSM4\"=dword:00000005\r\n"
+    EXPECT_EQ(init(SECTION + "\"HasSM3\"=dword:00000001\r\n\"HasSM4\"=dword:00000005\r\n"
                              "\"MaxOperationLen\"=dword:00000400\r\n"
                              "\"SupportGDKMSM2Import\"=dword:ffffffff\r\n"),
               traceOfInit("", "1", "", "5", "1024", "", "-1"));
@@ -93,7 +93,7 @@ TEST_F(Settings, RoundTheOperationLengthUp) {
         {"hex:20,00,00,00", "1024"},
     };
     for (const auto &at : cases) {
-        init(section + "\"MaxOperationLen\"=" + at.value + "\r\n");
+        init(SECTION + "\"MaxOperationLen\"=" + at.value + "\r\n");
         EXPECT_TRUE(
             trace().contains(info("DeviceInit", std::string("getMaxOperationLen : ") + at.length)))
             << at.value;
@@ -117,7 +117,7 @@ TEST_F(Settings, RefuseOtherTypes) {
     };
     for (const auto &at : cases) {
         const std::string result = at.queryResult;
-        EXPECT_EQ(init(section + "\"HasSM3\"=" + at.value + "\r\n\"HasSM4\"=" + at.value +
+        EXPECT_EQ(init(SECTION + "\"HasSM3\"=" + at.value + "\r\n\"HasSM4\"=" + at.value +
                        "\r\n\"SupportGDKMSM2Import\"=" + at.value + "\r\n"),
                   traceOfInit("unsupport HasSM3, error = " + result, "0",
                               "unsupport HasSM4, error = " + result, "0", "1024",
@@ -148,17 +148,17 @@ TEST_F(Settings, AreReadInEveryFormTheEditorWrites) {
         "\"HASSM3\"=dword:00000001\r\n\"hassm4\"=DWORD:00000001\r\n"
         "\"maxoperationlen\"=dword:00000020\r\n"
         "\"supportgdkmsm2import\"=dword:00000001\r\n";
-    const std::string removed = "[-" + section.substr(section.rfind("[HKEY") + 1);
+    const std::string removed = "[-" + SECTION.substr(SECTION.rfind("[HKEY") + 1);
     const std::string around = "[HKEY_LOCAL_MACHINE\\Other]\r\n\"HasSM3\"=dword:00000009\r\n\r\n" +
-                               section + "\"HasSM4\"=dword:00000009\r\n" + removed + section +
+                               SECTION + "\"HasSM4\"=dword:00000009\r\n" + removed + SECTION +
                                values +
                                "\"HasSM3\" = \tdword:1 ; \xE8\xAE\xBE \xF0\x9F\x98\x80\r\n" +
                                "\r\n[HKEY_CURRENT_USER\\Other]\r\n\"HasSM4\"=dword:00000009\r\n";
     const Lines expected = traceOfInit("", "1", "", "1", "32", "", "1");
-    EXPECT_EQ(init(head + section + values), expected);
-    EXPECT_EQ(init(utf16(head + section + values) + std::string("\xBE\x8B;", 3)), expected)
+    EXPECT_EQ(init(head + SECTION + values), expected);
+    EXPECT_EQ(init(utf16(head + SECTION + values) + std::string("\xBE\x8B;", 3)), expected)
         << "UTF-16";
-    EXPECT_EQ(init("\xEF\xBB\xBF" + head + section + values), expected) << "UTF-8 with a mark";
+    EXPECT_EQ(init("\xEF\xBB\xBF" + head + SECTION + values), expected) << "UTF-8 with a mark";
     EXPECT_EQ(init(bare), expected) << "bare lines";
     EXPECT_EQ(init(shouting), expected) << "letter case";
     EXPECT_EQ(init(around), expected) << "other sections around";

@@ -16,17 +16,17 @@ TEST_F(NullArguments, AreAnsweredAtEveryLevel) {
     insert({ecc("sm2", true, true), rsa("rsa", 1024, true, false)});
     script().memory.devices.front().applications.front().files["1"].content = Bytes(10);
     const SPI_KEYPAIR_HANDLE key = pair("sm2", 2);
-    const SPI_HASH_HANDLE hash = DeviceNewHash(device, ORVEL_PKI_ALGORITHM_SM3);
+    const SPI_HASH_HANDLE hash = DeviceNewHash(m_device, ORVEL_PKI_ALGORITHM_SM3);
     Bytes bytes(128);
     unsigned char *b = bytes.data();
     const SPI_CIPHER_HANDLE cipher =
-        DeviceNewCipher(device, 1, ORVEL_PKI_ALGORITHM_SMS4_ECB, b, 16, nullptr);
+        DeviceNewCipher(m_device, 1, ORVEL_PKI_ALGORITHM_SMS4_ECB, b, 16, nullptr);
     char text[64] = {};
     int n = 0;
     const int sm3 = ORVEL_PKI_ALGORITHM_SM3;
     const TembraEccParam ecc = {7, 0};
     SPI_KEYPAIR_HANDLE out = nullptr;
-    const SPI_DEVICE_HANDLE d = device;
+    const SPI_DEVICE_HANDLE d = m_device;
     Bytes keypair = bytesOf("_KEYPAIR????????????");
 
     struct Case {

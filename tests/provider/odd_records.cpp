@@ -12,28 +12,28 @@ protected:
     void SetUp() override {
         ScriptedTest::SetUp();
         insert({ecc("c", true, true)});
-        signer = pair("c", ORVEL_PKI_KEYPAIRTYPE_SIGNATURE);
+        m_signer = pair("c", ORVEL_PKI_KEYPAIRTYPE_SIGNATURE);
     }
     int sign() {
         mark();
-        return DeviceSign(signer, ORVEL_PKI_ALGORITHM_SM2_SIGN, nullptr, bytes, 32, bytes, 100,
-                          &length);
+        return DeviceSign(m_signer, ORVEL_PKI_ALGORITHM_SM2_SIGN, nullptr, m_bytes, 32, m_bytes,
+                          100, &m_length);
     }
     int decrypt() {
         const int sm3 = ORVEL_PKI_ALGORITHM_SM3;
         mark();
-        bytes[0] = 4;
-        return DevicePrivateKeyDecrypt(signer, ORVEL_PKI_ALGORITHM_SM2_ENC, &sm3, bytes, 100, bytes,
-                                       100, &length);
+        m_bytes[0] = 4;
+        return DevicePrivateKeyDecrypt(m_signer, ORVEL_PKI_ALGORITHM_SM2_ENC, &sm3, m_bytes, 100,
+                                       m_bytes, 100, &m_length);
     }
 
-    SPI_KEYPAIR_HANDLE signer = nullptr;
-    unsigned char bytes[1200] = {};
-    int length = 0;
+    SPI_KEYPAIR_HANDLE m_signer = nullptr;
+    unsigned char m_bytes[1200] = {};
+    int m_length = 0;
 };
 
 TEST_F(OddRecords, UnknownAlgorithm) {
-    signer->m_algo = 2;
+    m_signer->m_algo = 2;
     EXPECT_EQ(sign(), -1);
     EXPECT_THAT(trace().failures(), ElementsAre(error("DeviceSign", "error algo")));
     EXPECT_EQ(decrypt(), 0);
@@ -43,42 +43,42 @@ TEST_F(OddRecords, UnknownAlgorithm) {
 }
 
 TEST_F(OddRecords, UnknownKeyType) {
-    signer->m_keytype = 3;
-    EXPECT_EQ(DeviceGetPublicKeyFromKeypair(signer), nullptr);
+    m_signer->m_keytype = 3;
+    EXPECT_EQ(DeviceGetPublicKeyFromKeypair(m_signer), nullptr);
     EXPECT_TRUE(trace().contains(
         info("DeviceGetPublicKeyFromKeypair", "unsupported keytype! hKeypair->m_keytype : 3")));
-    EXPECT_EQ(DeviceGetCertificateCount(signer), -1);
+    EXPECT_EQ(DeviceGetCertificateCount(m_signer), -1);
 }
 
 TEST_F(OddRecords, EmptyPublicKeyAndNoSerialNumber) {
-    SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(signer);
+    SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(m_signer);
     key->m_pubKeyLen = 0;
     mark();
-    EXPECT_EQ(DeviceExportPublicKey(key, bytes, 1000, &length), -1);
+    EXPECT_EQ(DeviceExportPublicKey(key, m_bytes, 1000, &m_length), -1);
     EXPECT_THAT(trace().failures(),
                 ElementsAre(error("DeviceExportPublicKey", "m_pubKey==0 || m_pubKey<=0 ")));
     DeviceFreePublicKey(key);
-    std::free(device->m_serialNumber);
-    device->m_serialNumber = nullptr;
+    std::free(m_device->m_serialNumber);
+    m_device->m_serialNumber = nullptr;
     mark();
-    EXPECT_EQ(DeviceGetSerialNumber(device, nullptr, 0, &length), 0);
+    EXPECT_EQ(DeviceGetSerialNumber(m_device, nullptr, 0, &m_length), 0);
     EXPECT_THAT(trace().failures(),
                 ElementsAre(error("DeviceGetSerialNumber", "rv = hDevice->m_serialNumber == 0")));
 }
 
 TEST_F(OddRecords, ContainerGone) {
     for (const int index : {0, -1, 32}) { // no container there, or no slot
-        signer->m_index = index;
-        TembraContainer *container = device->m_containers[0];
-        device->m_containers[0] = nullptr;
+        m_signer->m_index = index;
+        TembraContainer *container = m_device->m_containers[0];
+        m_device->m_containers[0] = nullptr;
         EXPECT_EQ(sign(), 0);
         EXPECT_EQ(decrypt(), 0);
-        EXPECT_EQ(DeviceGetPublicKeyFromKeypair(signer), nullptr);
-        EXPECT_EQ(DeviceGetCertificateCount(signer), -1);
-        EXPECT_EQ(DeviceGetCertificate(signer, 0, bytes, 10, &length), -2);
-        EXPECT_EQ(DeviceUpdateCertificate(signer, bytes, 10), -2);
-        EXPECT_EQ(DeviceDeleteKeypair(signer), -2);
-        device->m_containers[0] = container;
+        EXPECT_EQ(DeviceGetPublicKeyFromKeypair(m_signer), nullptr);
+        EXPECT_EQ(DeviceGetCertificateCount(m_signer), -1);
+        EXPECT_EQ(DeviceGetCertificate(m_signer, 0, m_bytes, 10, &m_length), -2);
+        EXPECT_EQ(DeviceUpdateCertificate(m_signer, m_bytes, 10), -2);
+        EXPECT_EQ(DeviceDeleteKeypair(m_signer), -2);
+        m_device->m_containers[0] = container;
     }
 }
 
@@ -117,9 +117,9 @@ TEST_F(OddRecords, PublicKeyOfMoreThan1024Bytes) {
 
 TEST_F(OddRecords, KeylessContainerWithAKey) {
     const TembraEccParam sm2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
-    device->m_containers[0]->m_type = CONTAINER_TYPE_EMPTY;
+    m_device->m_containers[0]->m_type = CONTAINER_TYPE_EMPTY;
     SPI_KEYPAIR_HANDLE made = nullptr;
-    EXPECT_EQ(DeviceGenerateKeypair(device, ORVEL_PKI_ALGORITHM_ECC, 256, &sm2,
+    EXPECT_EQ(DeviceGenerateKeypair(m_device, ORVEL_PKI_ALGORITHM_ECC, 256, &sm2,
                                     ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, "new", &made),
               1);
     DeviceFreeKeypair(made); // the old key was given back, or the fixture finds it

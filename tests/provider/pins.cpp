@@ -12,18 +12,18 @@ protected:
         ScriptedTest::SetUp();
         insert({});
     }
-    int tries = 77;
+    int m_tries = 77;
 };
 
 TEST_F(Pins, RefuseOtherTypes) {
     for (const int type : {0, 4, -1, 3, 2}) {
         const bool isPin = type == 2;
-        if (type != 3) {
-            EXPECT_EQ(DeviceVerifyPwd(device, type, "admin-pin", &tries), isPin ? 1 : -1);
-        }
-        EXPECT_EQ(DeviceChangePwd(device, type, "admin-pin", "admin-pin", &tries), isPin ? 1 : -1);
-        EXPECT_EQ(DeviceGetPwdRetryNum(device, type, &tries), isPin ? 1 : -1);
-        EXPECT_EQ(DeviceUnlockPwd(device, type, "admin-pin", "x", &tries), -1);
+        if (type != 3)
+            EXPECT_EQ(DeviceVerifyPwd(m_device, type, "admin-pin", &m_tries), isPin ? 1 : -1);
+        EXPECT_EQ(DeviceChangePwd(m_device, type, "admin-pin", "admin-pin", &m_tries),
+                  isPin ? 1 : -1);
+        EXPECT_EQ(DeviceGetPwdRetryNum(m_device, type, &m_tries), isPin ? 1 : -1);
+        EXPECT_EQ(DeviceUnlockPwd(m_device, type, "admin-pin", "x", &m_tries), -1);
     }
     EXPECT_EQ(script().SKF_UnblockPIN.calls(), 0);
     EXPECT_THAT(trace().failures(), IsEmpty());
@@ -33,16 +33,16 @@ TEST_F(Pins, NeedAnApplication) {
     resetDevices();
     script().memory.addDevice("blank");
     discover();
-    EXPECT_EQ(DeviceVerifyPwd(device, 1, "x", &tries), 0);
-    EXPECT_EQ(DeviceChangePwd(device, 1, "x", "y", &tries), 0);
-    EXPECT_EQ(DeviceUnlockPwd(device, 1, "x", "y", &tries), 0);
-    EXPECT_EQ(DeviceGetPwdRetryNum(device, 1, &tries), 0);
+    EXPECT_EQ(DeviceVerifyPwd(m_device, 1, "x", &m_tries), 0);
+    EXPECT_EQ(DeviceChangePwd(m_device, 1, "x", "y", &m_tries), 0);
+    EXPECT_EQ(DeviceUnlockPwd(m_device, 1, "x", "y", &m_tries), 0);
+    EXPECT_EQ(DeviceGetPwdRetryNum(m_device, 1, &m_tries), 0);
     EXPECT_THAT(trace().failures(),
                 ElementsAre(error("DeviceVerifyPwd", "hDevice->m_hApp == 0"),
                             error("DeviceChangePwd", "hDevice->m_isformat == 0"),
                             error("DeviceUnlockPwd", "hDevice->m_isformat == 0"),
                             error("DeviceGetPwdRetryNum", "hDevice->m_isformat == 0")));
-    EXPECT_EQ(DeviceVerifyPwd(device, 3, std::string(32, '0').c_str(), nullptr), 1)
+    EXPECT_EQ(DeviceVerifyPwd(m_device, 3, std::string(32, '0').c_str(), nullptr), 1)
         << "authentication needs only the token";
 }
 
@@ -75,9 +75,9 @@ TEST_F(Pins, DeviceAuthenticationTurnsTextIntoAKey) {
     };
     for (const auto &at : cases) {
         mark();
-        tries = 77;
-        EXPECT_EQ(DeviceVerifyPwd(device, 3, at.text.c_str(), &tries), 1);
-        EXPECT_EQ(tries, -1);
+        m_tries = 77;
+        EXPECT_EQ(DeviceVerifyPwd(m_device, 3, at.text.c_str(), &m_tries), 1);
+        EXPECT_EQ(m_tries, -1);
         Bytes expected = at.key;
         expected.resize(16, 0x77);
         EXPECT_EQ(key, expected) << at.text;
@@ -100,9 +100,9 @@ TEST_F(Pins, DeviceAuthenticationRefusesOtherTexts) {
         texts.push_back(whole.substr(1) + last);
     for (const std::string &text : texts) {
         mark();
-        tries = 77;
-        EXPECT_EQ(DeviceVerifyPwd(device, 3, text.c_str(), &tries), 0) << text;
-        EXPECT_EQ(tries, -1);
+        m_tries = 77;
+        EXPECT_EQ(DeviceVerifyPwd(m_device, 3, text.c_str(), &m_tries), 0) << text;
+        EXPECT_EQ(m_tries, -1);
         EXPECT_EQ(
             trace().failures(),
             errors("VerifySuperPwd", text.size() == 32 ? "keylen != 16" : "strlen(pwd) != 32"));

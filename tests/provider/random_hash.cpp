@@ -4,7 +4,7 @@
 namespace tembra::test {
 namespace {
 
-constexpr int sm3 = ORVEL_PKI_ALGORITHM_SM3;
+constexpr int SM3 = ORVEL_PKI_ALGORITHM_SM3;
 
 class RandomAndHash : public ScriptedTest {
 protected:
@@ -32,7 +32,7 @@ TEST_F(RandomAndHash, HashesInPiecesOfTheOperationLength) {
         restart(at.setting);
         resetDevices();
         insert({});
-        SPI_HASH_HANDLE hash = DeviceNewHash(device, sm3);
+        SPI_HASH_HANDLE hash = DeviceNewHash(m_device, SM3);
         const int from = script().SKF_DigestUpdate.calls();
         EXPECT_EQ(DeviceHashUpdate(hash, data.data(), at.size), 1);
         EXPECT_EQ(pieces(from), at.pieces);
@@ -51,10 +51,10 @@ TEST_F(RandomAndHash, HashesInPiecesOfTheOperationLength) {
 
 TEST_F(RandomAndHash, HashChecksAndFailures) {
     insert({});
-    EXPECT_EQ(DeviceNewHash(device, 0x7001), nullptr);
+    EXPECT_EQ(DeviceNewHash(m_device, 0x7001), nullptr);
     EXPECT_EQ(trace().failures(), errors("DeviceNewHash", "only support sm3"));
 
-    SPI_HASH_HANDLE hash = DeviceNewHash(device, sm3);
+    SPI_HASH_HANDLE hash = DeviceNewHash(m_device, SM3);
     mark();
     Bytes data(2500), value(40, 0xEE);
     int length = 77;
@@ -83,9 +83,9 @@ TEST_F(RandomAndHash, ListsOfHandlesGrowAndShrink) {
     std::vector<SPI_HASH_HANDLE> hashes;
     std::vector<SPI_CIPHER_HANDLE> ciphers;
     for (int i = 0; i < 150; ++i) {
-        hashes.push_back(DeviceNewHash(device, sm3));
+        hashes.push_back(DeviceNewHash(m_device, SM3));
         ciphers.push_back(
-            DeviceNewCipher(device, 1, ORVEL_PKI_ALGORITHM_SMS4_ECB, key, 16, nullptr));
+            DeviceNewCipher(m_device, 1, ORVEL_PKI_ALGORITHM_SMS4_ECB, key, 16, nullptr));
         ASSERT_NE(hashes.back(), nullptr);
         ASSERT_NE(ciphers.back(), nullptr);
     }

@@ -19,7 +19,7 @@
 namespace tembra::test {
 namespace {
 
-constexpr const char *pathVariable = "TEMBRA_KEY_PROV_LOG_PATH";
+constexpr const char *PATH_VARIABLE = "TEMBRA_KEY_PROV_LOG_PATH";
 
 // Writes "[INFO] [DeviceLockDevice] DeviceLockDevice success" and nothing else.
 void writeLine() {
@@ -49,15 +49,15 @@ protected:
         })) << readFile(path);
         return lines.size();
     }
-    std::filesystem::path in(const char *name) const { return directory_.path() / name; }
+    std::filesystem::path in(const char *name) const { return m_directory.path() / name; }
 
-    TemporaryDirectory directory_;
+    TemporaryDirectory m_directory;
 };
 
 TEST_F(TraceFile, BelongsToItsOwnerAndIsAppendedTo) {
     for (const std::size_t lines : {1u, 2u}) {
         inChild([this] {
-            setVariable(pathVariable, in("trace.log").string());
+            setVariable(PATH_VARIABLE, in("trace.log").string());
             writeLine();
         });
         EXPECT_EQ(linesIn(in("trace.log")), lines);
@@ -69,8 +69,8 @@ TEST_F(TraceFile, BelongsToItsOwnerAndIsAppendedTo) {
 
 TEST_F(TraceFile, DefaultsToTheTemporaryDirectory) {
     inChild([this] {
-        setVariable(pathVariable, std::nullopt);
-        setVariable("TMPDIR", directory_.path().string());
+        setVariable(PATH_VARIABLE, std::nullopt);
+        setVariable("TMPDIR", m_directory.path().string());
         writeLine();
     });
     EXPECT_EQ(linesIn(in("tembra_key_prov.log")), 1u);
@@ -80,26 +80,26 @@ TEST_F(TraceFile, PathsThatTakeNoLineDoNoHarm) {
     const struct {
         std::optional<std::string> path;
         std::string temporary;
-    } cases[] = {{"", directory_.path().string()},          // nothing is written
-                 {"/dev/full", directory_.path().string()}, // its lines are lost
+    } cases[] = {{"", m_directory.path().string()},          // nothing is written
+                 {"/dev/full", m_directory.path().string()}, // its lines are lost
                  {std::nullopt, "/" + std::string(5000, 't')}};
     for (const auto &at : cases)
         inChild([&at] {
-            setVariable(pathVariable, at.path);
+            setVariable(PATH_VARIABLE, at.path);
             setVariable("TMPDIR", at.temporary);
             writeLine();
             writeLine();
         });
-    EXPECT_TRUE(std::filesystem::is_empty(directory_.path()));
+    EXPECT_TRUE(std::filesystem::is_empty(m_directory.path()));
 }
 
 TEST_F(TraceFile, OpenIsTriedAgainAndThenKept) {
     inChild([this] {
-        setVariable(pathVariable, in("absent/trace.log").string());
+        setVariable(PATH_VARIABLE, in("absent/trace.log").string());
         writeLine();
         std::filesystem::create_directory(in("absent"));
         writeLine();
-        setVariable(pathVariable, in("other.log").string());
+        setVariable(PATH_VARIABLE, in("other.log").string());
         writeLine();
     });
     EXPECT_EQ(linesIn(in("absent/trace.log")), 2u);
@@ -111,7 +111,7 @@ TEST_F(TraceFile, ThreadsThatOpenAtOnceKeepOneFile) {
     inChild([this] {
         const std::string pipe = in("pipe").string();
         ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-        setVariable(pathVariable, pipe);
+        setVariable(PATH_VARIABLE, pipe);
         std::thread first(writeLine), second(writeLine);
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         const int reader = open(pipe.c_str(), O_RDONLY);
@@ -129,7 +129,7 @@ TEST_F(TraceFile, ThreadsThatOpenAtOnceKeepOneFile) {
 TEST_F(TraceFile, LongLinesOfSeveralProcessesAreAllWhole) {
     constexpr int processes = 4;
     constexpr std::size_t linesEach = 50;
-    setVariable(pathVariable, in("trace.log").string());
+    setVariable(PATH_VARIABLE, in("trace.log").string());
     setVariable("TEMBRA_KEY_PROV_LOG_LEVEL", "5");
     std::vector<pid_t> children;
     for (int i = 0; i < processes; ++i) {
@@ -161,7 +161,7 @@ TEST_F(TraceFile, LongLinesOfSeveralProcessesAreAllWhole) {
 // A forked process begins with a copy of the thread that forked it.
 TEST_F(TraceFile, ForkedProcessHasItsOwnThreadId) {
     inChild([this] {
-        setVariable(pathVariable, in("trace.log").string());
+        setVariable(PATH_VARIABLE, in("trace.log").string());
         writeLine();
         const pid_t child = fork();
         if (child == 0) {
@@ -181,7 +181,7 @@ TEST_F(TraceFile, LineCarriesThreadAndLocalTime) {
     const std::time_t before = std::time(nullptr);
     inChild([this] {
         setVariable("TZ", "CST-8");
-        setVariable(pathVariable, in("trace.log").string());
+        setVariable(PATH_VARIABLE, in("trace.log").string());
         writeLine();
     });
     const std::string text = readFile(in("trace.log"));

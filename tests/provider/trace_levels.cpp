@@ -12,7 +12,7 @@ protected:
     std::set<std::string> levelsWritten() {
         mark();
         DeviceGetDevice(nullptr, 0);
-        DeviceIsSupportedAlgorithm2(device, ORVEL_PKI_ALGORITHM_SM3, 0, 3, nullptr);
+        DeviceIsSupportedAlgorithm2(m_device, ORVEL_PKI_ALGORITHM_SM3, 0, 3, nullptr);
         const unsigned char in[] = {0x00, 0xAB, 0x7F};
         DeviceCipherUpdate(nullptr, in, sizeof in, nullptr, 0, nullptr);
         std::set<std::string> levels;

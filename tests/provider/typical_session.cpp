@@ -25,9 +25,9 @@ std::vector<unsigned char> runTypicalSession() {
     SPI_DEVICESET_HANDLE set = DeviceGetAllDevices();
     SPI_DEVICE_HANDLE device = DeviceGetDevice(set, 0);
     int tries = 0;
-    EXPECT_EQ(DeviceVerifyPwd(device, TEMBRA_PWD_USER, sessionPin, &tries), 1);
+    EXPECT_EQ(DeviceVerifyPwd(device, TEMBRA_PWD_USER, SESSION_PIN, &tries), 1);
     SPI_KEYPAIR_HANDLE key = nullptr;
-    EXPECT_EQ(DeviceFindKeypair(device, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, sessionLabel, &key), 1);
+    EXPECT_EQ(DeviceFindKeypair(device, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, SESSION_LABEL, &key), 1);
     int length = 0;
     EXPECT_EQ(
         DeviceSign(key, ORVEL_PKI_ALGORITHM_SM2_SIGN, nullptr, digest, 32, nullptr, 0, &length), 1);

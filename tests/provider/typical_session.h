@@ -8,8 +8,8 @@ namespace tembra::test {
 
 // What the token must be for the golden text: no other device is present, and its one container
 // has an SM2 signature key and no certificate.
-inline constexpr const char *sessionLabel = "signer";
-inline constexpr const char *sessionPin = "12345678";
+inline constexpr const char *SESSION_LABEL = "signer";
+inline constexpr const char *SESSION_PIN = "12345678";
 
 // DeviceInit has run. Ends with DeviceEnd. Returns the signature.
 std::vector<unsigned char> runTypicalSession();

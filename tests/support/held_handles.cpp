@@ -6,9 +6,9 @@ namespace tembra::test {
 
 SPI_KEYPAIR_HANDLE HeldHandles::find(const char *label, int type) {
     SPI_KEYPAIR_HANDLE handle = nullptr;
-    EXPECT_EQ(DeviceFindKeypair(device, type, label, &handle), 1) << label;
+    EXPECT_EQ(DeviceFindKeypair(m_device, type, label, &handle), 1) << label;
     if (handle != nullptr)
-        pairs.push_back(handle);
+        m_pairs.push_back(handle);
     return handle;
 }
 
@@ -23,13 +23,13 @@ std::vector<unsigned char> HeldHandles::exportedKey(SPI_KEYPAIR_HANDLE pair) {
 }
 
 void HeldHandles::release() {
-    for (SPI_KEYPAIR_HANDLE handle : pairs)
+    for (SPI_KEYPAIR_HANDLE handle : m_pairs)
         DeviceFreeKeypair(handle);
-    pairs.clear();
-    DeviceFreeDevice(device);
-    DeviceFreeDevices(set);
-    device = nullptr;
-    set = nullptr;
+    m_pairs.clear();
+    DeviceFreeDevice(m_device);
+    DeviceFreeDevices(m_set);
+    m_device = nullptr;
+    m_set = nullptr;
 }
 
 } // namespace tembra::test

@@ -15,9 +15,9 @@ protected:
     // What the host gets of the pair's public key.
     static std::vector<unsigned char> exportedKey(SPI_KEYPAIR_HANDLE pair);
 
-    SPI_DEVICESET_HANDLE set = nullptr;
-    SPI_DEVICE_HANDLE device = nullptr;
-    std::vector<SPI_KEYPAIR_HANDLE> pairs;
+    SPI_DEVICESET_HANDLE m_set = nullptr;
+    SPI_DEVICE_HANDLE m_device = nullptr;
+    std::vector<SPI_KEYPAIR_HANDLE> m_pairs;
 };
 
 } // namespace tembra::test

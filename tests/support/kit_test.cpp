@@ -9,9 +9,9 @@
 namespace tembra::test {
 
 void KitTest::SetUp() {
-    handlesBefore = TembraSoftTokenOpenHandles(nullptr);
-    blocksBefore = TembraHostKitLiveBlocks();
-    setVariable("TEMBRA_SOFT_TOKEN_DIR", directory.path().string());
+    m_handlesBefore = TembraSoftTokenOpenHandles(nullptr);
+    m_blocksBefore = TembraHostKitLiveBlocks();
+    setVariable("TEMBRA_SOFT_TOKEN_DIR", m_directory.path().string());
     setVariable("TEMBRA_SOFT_TOKEN_PIN_ITERATIONS", "10");
     TembraSoftTokenOptions options = {};
     options.size = sizeof options;
@@ -21,13 +21,13 @@ void KitTest::SetUp() {
     char name[64];
     std::uint32_t size = sizeof name;
     ASSERT_EQ(TembraSoftTokenCreate(&options, name, &size), 0u);
-    token = name;
-    const TembraSoftTokenApplication application = {sizeof application, 0,      3, 0, "app",
-                                                    adminPin,           userPin};
+    m_token = name;
+    const TembraSoftTokenApplication application = {sizeof application, 0,       3, 0, "app",
+                                                    ADMIN_PIN,          USER_PIN};
     ASSERT_EQ(TembraSoftTokenAddApplication(name, &application), 0u);
     trace().setLevel("5");
     ASSERT_EQ(DeviceInit(), 1);
-    started = true;
+    m_started = true;
     discover();
 }
 
@@ -36,36 +36,36 @@ void KitTest::TearDown() {
         for (const std::string &text : trace().texts())
             std::printf("  %s\n", text.c_str());
     release();
-    if (started) {
+    if (m_started) {
         EXPECT_EQ(DeviceEnd(), 1);
     }
-    if (!keepsDevice) {
-        EXPECT_EQ(TembraSoftTokenOpenHandles(nullptr), handlesBefore);
-        EXPECT_EQ(TembraHostKitLiveBlocks(), blocksBefore);
+    if (!m_keepsDevice) {
+        EXPECT_EQ(TembraSoftTokenOpenHandles(nullptr), m_handlesBefore);
+        EXPECT_EQ(TembraHostKitLiveBlocks(), m_blocksBefore);
     }
-    TembraSoftTokenRemove(token.c_str());
+    TembraSoftTokenRemove(m_token.c_str());
 }
 
 void KitTest::discover() {
     release();
-    set = DeviceGetAllDevices();
-    ASSERT_EQ(DeviceGetDeviceCount(set), 1);
-    device = DeviceGetDevice(set, 0);
+    m_set = DeviceGetAllDevices();
+    ASSERT_EQ(DeviceGetDeviceCount(m_set), 1);
+    m_device = DeviceGetDevice(m_set, 0);
     trace().mark();
 }
 
 void KitTest::logIn() {
-    ASSERT_EQ(DeviceVerifyPwd(device, TEMBRA_PWD_USER, userPin, nullptr), 1);
+    ASSERT_EQ(DeviceVerifyPwd(m_device, TEMBRA_PWD_USER, USER_PIN, nullptr), 1);
 }
 
 SPI_KEYPAIR_HANDLE KitTest::generate(const char *label, int algo, int bits) {
     const TembraEccParam sm2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
     SPI_KEYPAIR_HANDLE handle = nullptr;
-    EXPECT_EQ(DeviceGenerateKeypair(device, algo, bits,
+    EXPECT_EQ(DeviceGenerateKeypair(m_device, algo, bits,
                                     algo == ORVEL_PKI_ALGORITHM_ECC ? &sm2 : nullptr,
                                     ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, label, &handle),
               1);
-    pairs.push_back(handle);
+    m_pairs.push_back(handle);
     return handle;
 }
 

@@ -14,8 +14,8 @@ using Bytes = std::vector<unsigned char>;
 
 class KitTest : public ::testing::Test, protected HeldHandles {
 protected:
-    static constexpr const char *adminPin = "admin-12345";
-    static constexpr const char *userPin = "12345678";
+    static constexpr const char *ADMIN_PIN = "admin-12345";
+    static constexpr const char *USER_PIN = "12345678";
 
     // A token in a directory of its own with the application "app", a started provider, the trace
     // at level verbose and marked.
@@ -31,11 +31,11 @@ protected:
     static Bytes encrypted(SPI_KEYPAIR_HANDLE pair, int algo, const void *param,
                            const Bytes &plain);
 
-    TemporaryDirectory directory;
-    std::string token;
-    bool started = false;
-    bool keepsDevice = false; // by contract, after a deletion
-    unsigned long long handlesBefore = 0, blocksBefore = 0;
+    TemporaryDirectory m_directory;
+    std::string m_token;
+    bool m_started = false;
+    bool m_keepsDevice = false; // by contract, after a deletion
+    unsigned long long m_handlesBefore = 0, m_blocksBefore = 0;
 };
 
 } // namespace tembra::test

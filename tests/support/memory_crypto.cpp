@@ -8,7 +8,7 @@
 namespace tembra::test::memory_token {
 namespace {
 
-constexpr unsigned char plaintextMask = 0x5A;
+constexpr unsigned char PLAINTEXT_MASK = 0x5A;
 
 MemoryToken &token() {
     return script().memory;
@@ -17,7 +17,7 @@ MemoryToken &token() {
 Bytes masked(const BYTE *in, std::size_t length) {
     Bytes bytes(in, in + length);
     for (unsigned char &byte : bytes)
-        byte = static_cast<unsigned char>(byte ^ plaintextMask);
+        byte = static_cast<unsigned char>(byte ^ PLAINTEXT_MASK);
     return bytes;
 }
 

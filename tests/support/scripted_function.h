@@ -54,29 +54,29 @@ public:
     using Behaviour = std::function<Result(Arguments...)>;
 
     Scripted(const char *name, std::vector<std::string> &journal, Result (*memory)(Arguments...))
-        : name_(name), journal_(journal), usual_(memory) {}
+        : m_name(name), m_journal(journal), m_usual(memory) {}
     Scripted(const Scripted &) = delete;
     Scripted &operator=(const Scripted &) = delete;
 
     // Every call does this instead of what the in-memory token would do.
-    void run(Behaviour behaviour) { behaviour_ = std::move(behaviour); }
+    void run(Behaviour behaviour) { m_behaviour = std::move(behaviour); }
     // Every call, or the nth one from now on (from 1), answers a code without acting.
     void answer(Result result) {
         run([result](Arguments...) { return result; });
     }
-    void answerAt(int nth, Result result) { planned_[calls() + nth] = result; }
+    void answerAt(int nth, Result result) { m_planned[calls() + nth] = result; }
     // Back to the in-memory token, the records kept.
     void restore() {
-        behaviour_ = nullptr;
-        planned_.clear();
+        m_behaviour = nullptr;
+        m_planned.clear();
     }
-    Result usual(Arguments... arguments) { return usual_(arguments...); }
+    Result usual(Arguments... arguments) { return m_usual(arguments...); }
 
-    int calls() const { return static_cast<int>(arguments_.size()); }
+    int calls() const { return static_cast<int>(m_arguments.size()); }
     // Argument number Index of the nth call, from 0; of the last call when nth is left out.
     template <std::size_t Index>
     auto argument(int nth) const {
-        return std::get<Index>(arguments_.at(static_cast<std::size_t>(nth)));
+        return std::get<Index>(m_arguments.at(static_cast<std::size_t>(nth)));
     }
     template <std::size_t Index>
     auto argument() const {
@@ -85,17 +85,17 @@ public:
 
     Result operator()(Arguments... arguments) {
         const std::lock_guard guard(scriptMutex());
-        journal_.push_back(name_);
-        arguments_.emplace_back(arguments...);
-        reachArguments(name_, arguments...);
-        if (const auto plan = planned_.find(calls()); plan != planned_.end())
+        m_journal.push_back(m_name);
+        m_arguments.emplace_back(arguments...);
+        reachArguments(m_name, arguments...);
+        if (const auto plan = m_planned.find(calls()); plan != m_planned.end())
             return plan->second;
-        if (callFault().failsNow(name_, journal_.size() - 1)) {
-            if (givesBack(name_))
-                usual_(arguments...);
+        if (callFault().failsNow(m_name, m_journal.size() - 1)) {
+            if (givesBack(m_name))
+                m_usual(arguments...);
             return failure();
         }
-        return behaviour_ ? behaviour_(arguments...) : usual_(arguments...);
+        return m_behaviour ? m_behaviour(arguments...) : m_usual(arguments...);
     }
 
 private:
@@ -106,12 +106,12 @@ private:
             return static_cast<Result>(callFault().code);
     }
 
-    const char *name_;
-    std::vector<std::string> &journal_;
-    Result (*usual_)(Arguments...);
-    Behaviour behaviour_;
-    std::map<int, Result> planned_;
-    std::vector<std::tuple<Arguments...>> arguments_;
+    const char *m_name;
+    std::vector<std::string> &m_journal;
+    Result (*m_usual)(Arguments...);
+    Behaviour m_behaviour;
+    std::map<int, Result> m_planned;
+    std::vector<std::tuple<Arguments...>> m_arguments;
 };
 
 } // namespace tembra::test

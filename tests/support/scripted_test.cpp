@@ -30,7 +30,7 @@ Bytes bytesOf(const std::string &text) {
 void ScriptedTest::SetUp() {
     resetScript();
     trace().setLevel(std::nullopt);
-    setVariable("TEMBRA_KEY_PROV_REGISTRY", (directory_.path() / "settings.reg").string());
+    setVariable("TEMBRA_KEY_PROV_REGISTRY", (m_directory.path() / "settings.reg").string());
     ASSERT_EQ(DeviceInit(), 1);
     mark();
 }
@@ -46,7 +46,7 @@ void ScriptedTest::TearDown() {
     release();
     EXPECT_EQ(DeviceEnd(), 1);
     const TokenScript &at = script();
-    if (expectsNoOpenHandles_) {
+    if (m_expectsNoOpenHandles) {
         EXPECT_EQ(at.memory.open(), 0) << "token handles left open";
         EXPECT_EQ(at.host.blocks.size(), 0u) << "memory of the host library not given back";
         EXPECT_EQ(at.host.pseudoDevices, 0);
@@ -62,10 +62,10 @@ void ScriptedTest::TearDown() {
 
 // Asked from another thread, since the lock is recursive on Windows and may be here.
 bool ScriptedTest::lockIsFree() const {
-    if (device == nullptr)
+    if (m_device == nullptr)
         return true;
     auto asked = std::make_shared<std::promise<void>>();
-    std::thread([asked, handle = device] {
+    std::thread([asked, handle = m_device] {
         DeviceFindKeypair(handle, 0, "", nullptr);
         asked->set_value();
     }).detach();
@@ -75,7 +75,7 @@ bool ScriptedTest::lockIsFree() const {
 void ScriptedTest::restart(const std::string &settings) {
     release();
     ASSERT_EQ(DeviceEnd(), 1);
-    writeFile(directory_.path() / "settings.reg",
+    writeFile(m_directory.path() / "settings.reg",
               "Windows Registry Editor Version 5.00\r\n\r\n"
               "[HKEY_LOCAL_MACHINE\\Software\\ORVEL\\PKI\\Devices\\TembraKey]\r\n" +
                   settings);
@@ -92,10 +92,10 @@ ApplicationModel &ScriptedTest::addToken(std::initializer_list<ContainerModel> c
 
 void ScriptedTest::discover(int index) {
     release();
-    set = DeviceGetAllDevices();
-    ASSERT_NE(set, nullptr);
-    device = DeviceGetDevice(set, index);
-    ASSERT_NE(device, nullptr);
+    m_set = DeviceGetAllDevices();
+    ASSERT_NE(m_set, nullptr);
+    m_device = DeviceGetDevice(m_set, index);
+    ASSERT_NE(m_device, nullptr);
     mark();
 }
 
@@ -124,7 +124,7 @@ void ScriptedTest::restoreFunctions() {
 // A device handle is taken for the purpose, so the count is that without it.
 int ScriptedTest::referencesAfterRelease() {
     TraceCapture &capture = trace();
-    DeviceFreeDevice(DeviceGetDevice(set, 0));
+    DeviceFreeDevice(DeviceGetDevice(m_set, 0));
     int references = -1;
     for (const TraceLine &at : capture.lines())
         std::sscanf(at.message.c_str(), "hDevice->m_refCount=%d", &references);
@@ -133,12 +133,12 @@ int ScriptedTest::referencesAfterRelease() {
 
 std::vector<std::string> ScriptedTest::callsSinceMark() const {
     const auto &journal = script().journal;
-    return {journal.begin() + static_cast<std::ptrdiff_t>(journalMark_), journal.end()};
+    return {journal.begin() + static_cast<std::ptrdiff_t>(m_journalMark), journal.end()};
 }
 
 void ScriptedTest::mark() {
     trace().mark();
-    journalMark_ = script().journal.size();
+    m_journalMark = script().journal.size();
 }
 
 } // namespace tembra::test

@@ -52,7 +52,7 @@ protected:
     void restoreFunctions();
 
     // The test leaves a device or handles open by contract, or has looked at them itself.
-    void keepsHandlesOpen() { expectsNoOpenHandles_ = false; }
+    void keepsHandlesOpen() { m_expectsNoOpenHandles = false; }
     // m_refCount after the next DeviceFreeDevice, as that writes it.
     int referencesAfterRelease();
     // Calls made since the trace was marked last through mark().
@@ -62,9 +62,9 @@ protected:
 private:
     bool lockIsFree() const;
 
-    TemporaryDirectory directory_;
-    std::size_t journalMark_ = 0;
-    bool expectsNoOpenHandles_ = true;
+    TemporaryDirectory m_directory;
+    std::size_t m_journalMark = 0;
+    bool m_expectsNoOpenHandles = true;
 };
 
 Bytes bytesOf(const std::string &text);

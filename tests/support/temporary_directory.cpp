@@ -9,15 +9,15 @@ namespace tembra::test {
 TemporaryDirectory::TemporaryDirectory() {
     std::random_device random;
     do {
-        path_ =
+        m_path =
             std::filesystem::temp_directory_path() / ("tembra-test-" + std::to_string(random()));
-    } while (!std::filesystem::create_directory(path_));
+    } while (!std::filesystem::create_directory(m_path));
 }
 
 // What still holds a file open must not turn a finished test into a failure.
 TemporaryDirectory::~TemporaryDirectory() {
     std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
+    std::filesystem::remove_all(m_path, ignored);
 }
 
 std::string readFile(const std::filesystem::path &path) {

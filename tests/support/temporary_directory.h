@@ -13,10 +13,10 @@ public:
     TemporaryDirectory(const TemporaryDirectory &) = delete;
     TemporaryDirectory &operator=(const TemporaryDirectory &) = delete;
 
-    const std::filesystem::path &path() const { return path_; }
+    const std::filesystem::path &path() const { return m_path; }
 
 private:
-    std::filesystem::path path_;
+    std::filesystem::path m_path;
 };
 
 std::string readFile(const std::filesystem::path &path);

@@ -90,8 +90,8 @@ TraceCapture &TraceCapture::instance() {
     return capture;
 }
 
-TraceCapture::TraceCapture() : path_(directory_.path() / "trace.log") {
-    setVariable("TEMBRA_KEY_PROV_LOG_PATH", path_.string());
+TraceCapture::TraceCapture() : m_path(m_directory.path() / "trace.log") {
+    setVariable("TEMBRA_KEY_PROV_LOG_PATH", m_path.string());
 }
 
 void TraceCapture::setLevel(const std::optional<std::string> &level) {
@@ -100,13 +100,13 @@ void TraceCapture::setLevel(const std::optional<std::string> &level) {
 
 void TraceCapture::mark() {
     std::error_code error;
-    const auto size = std::filesystem::file_size(path_, error);
-    mark_ = error ? 0 : size;
+    const auto size = std::filesystem::file_size(m_path, error);
+    m_mark = error ? 0 : size;
 }
 
 std::vector<TraceLine> TraceCapture::lines() const {
-    std::ifstream file(path_, std::ios::binary);
-    file.seekg(static_cast<std::streamoff>(mark_));
+    std::ifstream file(m_path, std::ios::binary);
+    file.seekg(static_cast<std::streamoff>(m_mark));
     return parseTrace({std::istreambuf_iterator<char>(file), {}});
 }
 

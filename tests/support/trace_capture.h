@@ -33,7 +33,7 @@ public:
     // The first use points TEMBRA_KEY_PROV_LOG_PATH at a fresh file.
     static TraceCapture &instance();
 
-    const std::filesystem::path &path() const { return path_; }
+    const std::filesystem::path &path() const { return m_path; }
 
     // What TEMBRA_KEY_PROV_LOG_LEVEL says from the next trace statement on.
     void setLevel(const std::optional<std::string> &level);
@@ -47,9 +47,9 @@ public:
 private:
     TraceCapture();
 
-    TemporaryDirectory directory_;
-    std::filesystem::path path_;
-    std::uintmax_t mark_ = 0;
+    TemporaryDirectory m_directory;
+    std::filesystem::path m_path;
+    std::uintmax_t m_mark = 0;
 };
 
 inline TraceCapture &trace() {

@@ -19,8 +19,8 @@
 namespace tembra::test {
 namespace {
 
-constexpr const char *label = "steady";
-constexpr int sm3 = ORVEL_PKI_ALGORITHM_SM3;
+constexpr const char *LABEL = "steady";
+constexpr int SM3 = ORVEL_PKI_ALGORITHM_SM3;
 
 // What the threads have done, to be found again in the trace.
 struct Counts {
@@ -50,13 +50,13 @@ public:
     void SetUp() override {
         KitTest::SetUp();
         logIn();
-        SPI_KEYPAIR_HANDLE pair = generate(label, ORVEL_PKI_ALGORITHM_ECC, 256);
-        cipher = encrypted(pair, ORVEL_PKI_ALGORITHM_SM2_ENC, &sm3, plain);
-        SPI_HASH_HANDLE hash = DeviceNewHash(device, sm3);
+        SPI_KEYPAIR_HANDLE pair = generate(LABEL, ORVEL_PKI_ALGORITHM_ECC, 256);
+        cipher = encrypted(pair, ORVEL_PKI_ALGORITHM_SM2_ENC, &SM3, plain);
+        SPI_HASH_HANDLE hash = DeviceNewHash(m_device, SM3);
         digest = hashed(hash);
         EXPECT_EQ(DeviceFreeHash(hash), 1);
         const char mode[] = {3, 0, 3};
-        ASSERT_EQ(DeviceCreateData(device, 7, mode, 64), 1);
+        ASSERT_EQ(DeviceCreateData(m_device, 7, mode, 64), 1);
     }
 
     // A call that another thread's discovery may have logged out is made again, logged in.
@@ -64,7 +64,7 @@ public:
     static int loggedIn(SPI_DEVICE_HANDLE on, Call call) {
         int result = call();
         for (int tries = 0; result == ORVEL_PKI_NOTLOGGEDIN && tries < 1000; ++tries) {
-            EXPECT_EQ(DeviceVerifyPwd(on, TEMBRA_PWD_USER, userPin, nullptr), 1);
+            EXPECT_EQ(DeviceVerifyPwd(on, TEMBRA_PWD_USER, USER_PIN, nullptr), 1);
             result = call();
         }
         return result;
@@ -93,8 +93,8 @@ public:
 
     void signOnce() {
         SPI_KEYPAIR_HANDLE pair = nullptr;
-        ASSERT_EQ(DeviceFindKeypair(device, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, label, &pair), 1);
-        sign(device, pair);
+        ASSERT_EQ(DeviceFindKeypair(m_device, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, LABEL, &pair), 1);
+        sign(m_device, pair);
         SPI_PUBLICKEY_HANDLE key = DeviceGetPublicKeyFromKeypair(pair);
         EXPECT_EQ(DeviceGetPublicKeyBits(key), 256);
         EXPECT_EQ(DeviceFreePublicKey(key), 1);
@@ -102,12 +102,12 @@ public:
     }
 
     void decryptOnce() {
-        SPI_KEYPAIR_HANDLE pair = DeviceGetKeypair(device, 0);
+        SPI_KEYPAIR_HANDLE pair = DeviceGetKeypair(m_device, 0);
         ASSERT_NE(pair, nullptr);
         Bytes clear(cipher.size());
         int length = static_cast<int>(clear.size());
-        const int result = loggedIn(device, [&] {
-            return DevicePrivateKeyDecrypt(pair, ORVEL_PKI_ALGORITHM_SM2_ENC, &sm3, cipher.data(),
+        const int result = loggedIn(m_device, [&] {
+            return DevicePrivateKeyDecrypt(pair, ORVEL_PKI_ALGORITHM_SM2_ENC, &SM3, cipher.data(),
                                            static_cast<int>(cipher.size()), clear.data(), length,
                                            &length);
         });
@@ -119,10 +119,10 @@ public:
 
     void serveOnce() {
         Bytes buffer(64);
-        EXPECT_EQ(DeviceGenerateRandom(device, 64, buffer.data()), 1);
-        const auto write = [&] { return DeviceWriteDataEx(device, 7, 0, buffer.data(), 64); };
-        EXPECT_EQ(loggedIn(device, write), 1);
-        EXPECT_EQ(DeviceIsSupportedAlgorithm2(device, ORVEL_PKI_ALGORITHM_SM2_SIGN, 0,
+        EXPECT_EQ(DeviceGenerateRandom(m_device, 64, buffer.data()), 1);
+        const auto write = [&] { return DeviceWriteDataEx(m_device, 7, 0, buffer.data(), 64); };
+        EXPECT_EQ(loggedIn(m_device, write), 1);
+        EXPECT_EQ(DeviceIsSupportedAlgorithm2(m_device, ORVEL_PKI_ALGORITHM_SM2_SIGN, 0,
                                               ORVEL_PKI_USAGE_SIGN, nullptr),
                   1);
     }
@@ -136,9 +136,9 @@ public:
         std::vector<SPI_CIPHER_HANDLE> ciphers(held);
         const Bytes block(16, 0x5A);
         for (std::size_t i = 0; i < held; ++i) {
-            hashes[i] = DeviceNewHash(device, sm3);
-            ciphers[i] = DeviceNewCipher(device, i % 2, ORVEL_PKI_ALGORITHM_SMS4_ECB, block.data(),
-                                         16, nullptr);
+            hashes[i] = DeviceNewHash(m_device, SM3);
+            ciphers[i] = DeviceNewCipher(m_device, i % 2, ORVEL_PKI_ALGORITHM_SMS4_ECB,
+                                         block.data(), 16, nullptr);
         }
         int length = 0;
         Bytes value = block;
@@ -162,10 +162,10 @@ public:
         EXPECT_EQ(DeviceFreeDevices(found), 1);
         EXPECT_GE(DeviceGetKeypairCount(one), 1);
         SPI_KEYPAIR_HANDLE pair = nullptr;
-        ASSERT_EQ(DeviceFindKeypair(one, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, label, &pair), 1);
+        ASSERT_EQ(DeviceFindKeypair(one, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, LABEL, &pair), 1);
         EXPECT_EQ(DeviceFreeDevice(one), 1);
         EXPECT_EQ(DeviceGetCertificateCount(pair), 0);
-        sign(device, pair);
+        sign(m_device, pair);
         EXPECT_EQ(DeviceFreeKeypair(pair), 1); // and with it the device
     }
 
@@ -271,7 +271,7 @@ TEST_F(Soak, SharedDevicesSurviveEverythingAtOnce) {
     const Holdings before = holdings();
     generateOnce();
     const Holdings kept = holdings() - before;
-    const auto journal = directory.path() / "journal";
+    const auto journal = m_directory.path() / "journal";
     ASSERT_EQ(TembraSoftTokenSetFaults(nullptr), 1); // counts anew
     ASSERT_EQ(TembraSoftTokenSetJournal(journal.string().c_str()), 1);
     constexpr int rounds = 20; // of each thread
@@ -287,11 +287,11 @@ TEST_F(Soak, SharedDevicesSurviveEverythingAtOnce) {
     expectWholeJournal(journal);
     TembraSoftTokenSetJournal(nullptr);
     expectWholeTrace();
-    EXPECT_EQ(DeviceGetKeypairCount(device), 1);
+    EXPECT_EQ(DeviceGetKeypairCount(m_device), 1);
     const Holdings after = holdings() - before;
     EXPECT_EQ(after.handles, (rounds + 1) * kept.handles);
     EXPECT_EQ(after.blocks, (rounds + 1) * kept.blocks);
-    keepsDevice = true;
+    m_keepsDevice = true;
 }
 
 TEST_F(Soak, HandlesOfOneDeviceComeAndGo) {

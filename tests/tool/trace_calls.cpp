@@ -19,41 +19,41 @@ std::string info(int thread, int second, const std::string &function, const std:
     return line(thread, second, "INFO", function, message);
 }
 
-const std::string nested =
+const std::string NESTED =
     enter(7, 1, "DeviceFreeKeypair") + info(7, 1, "DeviceFreeKeypair", "hKeypair = 0x5") +
     enter(7, 1, "DeviceFreeDevice") + enter(8, 2, "DeviceSign") +
     info(7, 3, "DeviceFreeDevice", "hDevice = 0x6") +
     line(8, 3, "ERROR", "DeviceSign", "signlen <= 0") + leave(7, 4, "DeviceFreeDevice") +
     leave(7, 4, "DeviceFreeKeypair") + leave(8, 9, "DeviceSign");
 
-const char *const signFailed =
+const char *const SIGN_FAILED =
     "! 12:30:02       8  DeviceSign                    about 7 s     line 4\n"
     "                      [ERROR] signlen <= 0\n";
 
-const std::string threadOne = info(1, 0, "DeviceGetDevice", "hDeviceSet = 0x1, index = 0");
+const std::string THREAD_ONE = info(1, 0, "DeviceGetDevice", "hDeviceSet = 0x1, index = 0");
 
-const Case cases[] = {
-    {"NestingOnTwoThreads", nested,
+const Case CASES[] = {
+    {"NestingOnTwoThreads", NESTED,
      "  12:30:01       7  DeviceFreeKeypair             about 3 s     line 1\n"
      "                      hKeypair = 0x5\n"
      "  12:30:01       7    DeviceFreeDevice            about 3 s     line 3\n"
      "                        hDevice = 0x6\n"
      "! 12:30:02       8  DeviceSign                    about 7 s     line 4\n"
      "                      [ERROR] signlen <= 0\n"},
-    {"FailedOnly", nested, signFailed, {{}, {}, Level::verbose, true}},
+    {"FailedOnly", NESTED, SIGN_FAILED, {{}, {}, Level::verbose, true}},
     {"AnInnerCallByItsName",
-     nested,
+     NESTED,
      "  12:30:01       7  DeviceFreeDevice              about 3 s     line 3\n"
      "                      hDevice = 0x6\n",
      {{7}, {"DeviceFreeDevice"}, Level::verbose, false}},
-    {"OneLevel", nested, signFailed, {{}, {}, Level::warning, false}},
+    {"OneLevel", NESTED, SIGN_FAILED, {{}, {}, Level::warning, false}},
     {"InnerRoutinesKeepTheirNames",
      enter(1, 0, "DeviceVerifyPwd") + line(1, 0, "ERROR", "ExternalAuth", "SKF_DevAuth fail") +
          leave(1, 0, "DeviceVerifyPwd"),
      "! 12:30:00       1  DeviceVerifyPwd               under 1 s     line 1\n"
      "                      [ERROR] ExternalAuth: SKF_DevAuth fail\n"},
     {"ALineOfArgumentsOpensACallWithoutEntryLines",
-     threadOne + threadOne + line(1, 0, "ERROR", "DeviceGetDevice", "index < 0"),
+     THREAD_ONE + THREAD_ONE + line(1, 0, "ERROR", "DeviceGetDevice", "index < 0"),
      "  12:30:00       1  DeviceGetDevice                             line 1\n"
      "                      hDeviceSet = 0x1, index = 0\n"
      "! 12:30:00       1  DeviceGetDevice                             line 2\n"
@@ -98,7 +98,7 @@ const Case cases[] = {
      "                      [DEBUG] GetECCPublicKey: type : 1\n"
      "  12:30:03       1  DeviceGetAllDevices           began before the log line 2\n"},
     {"ForeignTornAndSteeringLines",
-     "hello\r\n\n" + threadOne.substr(0, 30) + "\n" + threadOne.substr(0, threadOne.size() - 2) +
+     "hello\r\n\n" + THREAD_ONE.substr(0, 30) + "\n" + THREAD_ONE.substr(0, THREAD_ONE.size() - 2) +
          "\r\n\x1b[2J\xff\n" + "12 no date\n",
      "  line 1 | hello\n"
      "  line 3 | 1 2026-11-21 12:30:00 [INFO] [\n"
@@ -113,7 +113,7 @@ const Case cases[] = {
 };
 
 TEST(TraceCalls, AreListed) {
-    for (const Case &one : cases) {
+    for (const Case &one : CASES) {
         SCOPED_TRACE(one.name);
         for (const std::size_t block : {1u, 5u, 100000u})
             EXPECT_EQ(listed(one.log, one.filter, block), one.listing);

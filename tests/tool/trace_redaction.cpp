@@ -49,10 +49,9 @@ TEST(TraceRedaction, NoTearLetsAStretchOfAPinPass) {
     const std::string other = line(9, 1, "INFO", "DeviceEnd", "hello");
     const auto check = [&](const std::string &torn) {
         const std::string text = redacted(torn);
-        for (const std::string &secret : secrets) {
+        for (const std::string &secret : secrets)
             for (std::size_t at = 0; at + 3 <= secret.size(); ++at)
                 ASSERT_EQ(text.find(secret.substr(at, 3)), text.npos) << torn << "\n->\n" << text;
-        }
     };
     for (std::size_t cut = 1; cut < log.size(); ++cut) {
         for (const std::string &tear :
@@ -63,10 +62,9 @@ TEST(TraceRedaction, NoTearLetsAStretchOfAPinPass) {
     }
     // Twice within one line, behind the name of the routine.
     const std::string verify = verifyLine(secrets[0]);
-    for (std::size_t a = verify.find("] hDevice"); a < verify.size(); ++a) {
+    for (std::size_t a = verify.find("] hDevice"); a < verify.size(); ++a)
         for (std::size_t b = a; b < verify.size(); ++b)
             check(verify.substr(0, a) + "\n" + verify.substr(a, b - a) + "\n" + verify.substr(b));
-    }
 }
 
 TEST(TraceRedaction, MasksHexTextsThatAreNotPublic) {

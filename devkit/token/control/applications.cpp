@@ -16,27 +16,26 @@ using namespace tembra::token::control;
 
 namespace {
 
-constexpr std::size_t maxName = 32;
-constexpr std::uint32_t maxTries = 255;
+constexpr std::size_t MAX_NAME = 32;
+constexpr std::uint32_t MAX_TRIES = 255;
 
 std::uint32_t triesOr(std::uint32_t tries) {
-    require(tries <= maxTries, SAR_INVALIDPARAMERR);
+    require(tries <= MAX_TRIES, SAR_INVALIDPARAMERR);
     return tries != 0 ? tries : TEMBRA_SOFT_TOKEN_DEFAULT_TRIES;
 }
 
 unsigned pinIterations() {
     unsigned iterations = 0;
-    if (const auto text = store::environment("TEMBRA_SOFT_TOKEN_PIN_ITERATIONS")) {
+    if (const auto text = store::environment("TEMBRA_SOFT_TOKEN_PIN_ITERATIONS"))
         std::from_chars(text->data(), text->data() + text->size(), iterations);
-    }
-    return iterations != 0 ? iterations : crypto::pinHashDefaultIterations;
+    return iterations != 0 ? iterations : crypto::PIN_HASH_DEFAULT_ITERATIONS;
 }
 
 model::Application applicationFrom(const TembraSoftTokenApplication &options) {
     require(options.size >= sizeof options, SAR_INVALIDPARAMERR);
     model::Application application;
     application.id = model::randomId();
-    application.name = skf::nameArgument(options.name, maxName);
+    application.name = skf::nameArgument(options.name, MAX_NAME);
     const unsigned iterations = pinIterations();
     application.adminPin = model::makePin(skf::textArgument(options.admin_pin),
                                           triesOr(options.admin_tries), iterations);

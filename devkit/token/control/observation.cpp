@@ -33,9 +33,8 @@ unsigned long long TembraSoftTokenOpenHandles(const char *kind) {
                  {"key", all.keys.size()},
                  {"digest", all.digests.size()}};
     unsigned long long sum = 0;
-    for (const auto &row : table) {
+    for (const auto &row : table)
         sum += kind == nullptr || row.kind == kind ? row.count : 0;
-    }
     return sum;
 }
 

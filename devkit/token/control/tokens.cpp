@@ -18,7 +18,7 @@ using namespace tembra::token::control;
 
 namespace {
 
-constexpr std::uint32_t maxTotalSpace = std::uint32_t{16} << 20;
+constexpr std::uint32_t MAX_TOTAL_SPACE = std::uint32_t{16} << 20;
 
 std::string textOr(const char *text, const char *otherwise, std::size_t maxLength) {
     std::string value = text != nullptr ? text : otherwise;
@@ -43,7 +43,7 @@ crypto::SecretBytes deviceAuthKey(const char *digits) {
 
 model::Image imageFrom(const TembraSoftTokenOptions &options) {
     require(options.size >= sizeof options, SAR_INVALIDPARAMERR);
-    require(options.total_space <= maxTotalSpace, SAR_INVALIDPARAMERR);
+    require(options.total_space <= MAX_TOTAL_SPACE, SAR_INVALIDPARAMERR);
     model::Image image;
     image.id = model::randomId();
     image.serial = serialOr(options.serial);
@@ -80,9 +80,8 @@ std::uint32_t TembraSoftTokenCreate(const TembraSoftTokenOptions *options, char 
         defaults.size = sizeof defaults;
         const model::Image image = imageFrom(options != nullptr ? *options : defaults);
         const std::string made = store::tokenName(image.serial);
-        if (name != nullptr) {
+        if (name != nullptr)
             giveText(made, name, name_size);
-        }
         model::Token::named(made)->create(image);
     });
 }

@@ -14,11 +14,9 @@ ULONG typeOf(const crypto::PrivateKey &key) {
 } // namespace
 
 ULONG containerType(const Container &container) {
-    for (const KeySlot *slot : {&container.signature, &container.encryption}) {
-        if (slot->key) {
+    for (const KeySlot *slot : {&container.signature, &container.encryption})
+        if (slot->key)
             return typeOf(*slot->key);
-        }
-    }
     return CONTAINER_TYPE_EMPTY;
 }
 

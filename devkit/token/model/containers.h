@@ -6,8 +6,8 @@
 
 namespace tembra::token::model {
 
-constexpr std::size_t maxContainers = 64;    // of an application
-constexpr std::size_t maxContainerName = 64; // bytes
+constexpr std::size_t MAX_CONTAINERS = 64;     // of an application
+constexpr std::size_t MAX_CONTAINER_NAME = 64; // bytes
 
 ULONG containerType(const Container &container); // CONTAINER_TYPE_...
 

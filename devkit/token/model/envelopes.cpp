@@ -15,10 +15,10 @@ namespace {
 using crypto::ByteView;
 using crypto::SecretBytes;
 
-constexpr std::size_t fieldSize = sizeof(ENVELOPEDKEYBLOB::cbEncryptedPriKey);
-constexpr std::size_t recordSize = 48; // number of bits, d and filling
-constexpr BYTE recordHead[] = {0x00, 0x01, 0x00, 0x00};
-constexpr BYTE recordFilling = 0x0C;
+constexpr std::size_t FIELD_SIZE = sizeof(ENVELOPEDKEYBLOB::cbEncryptedPriKey);
+constexpr std::size_t RECORD_SIZE = 48; // number of bits, d and filling
+constexpr BYTE RECORD_HEAD[] = {0x00, 0x01, 0x00, 0x00};
+constexpr BYTE RECORD_FILLING = 0x0C;
 
 bool isZero(ByteView bytes) {
     return std::all_of(bytes.begin(), bytes.end(), [](BYTE byte) { return byte == 0; });
@@ -33,21 +33,21 @@ SecretBytes unwrap(crypto::Sm4Padding padding, const SecretBytes &key, ByteView 
 // d out of the record that some key management centres encrypt instead of d alone.
 SecretBytes fromRecord(const SecretBytes &record) {
     const ByteView view(record);
-    const ByteView filling = view.last(recordSize - sizeof recordHead - crypto::sm2Size);
-    require(std::equal(std::begin(recordHead), std::end(recordHead), view.begin()), SAR_INDATAERR);
-    require(std::all_of(filling.begin(), filling.end(),
-                        [](BYTE byte) { return byte == recordFilling; }),
+    const ByteView filling = view.last(RECORD_SIZE - sizeof RECORD_HEAD - crypto::SM2_SIZE);
+    require(std::equal(std::begin(RECORD_HEAD), std::end(RECORD_HEAD), view.begin()),
             SAR_INDATAERR);
-    const ByteView d = view.subspan(sizeof recordHead, crypto::sm2Size);
+    require(std::all_of(filling.begin(), filling.end(),
+                        [](BYTE byte) { return byte == RECORD_FILLING; }),
+            SAR_INDATAERR);
+    const ByteView d = view.subspan(sizeof RECORD_HEAD, crypto::SM2_SIZE);
     return {d.begin(), d.end()};
 }
 
 SecretBytes privateNumber(const SecretBytes &key, ByteView field) {
-    if (isZero(field.first(fieldSize - crypto::sm2Size))) {
-        return unwrap(crypto::Sm4Padding::none, key, field.last(crypto::sm2Size));
-    }
-    require(isZero(field.first(fieldSize - recordSize)), SAR_INDATAERR);
-    return fromRecord(unwrap(crypto::Sm4Padding::none, key, field.last(recordSize)));
+    if (isZero(field.first(FIELD_SIZE - crypto::SM2_SIZE)))
+        return unwrap(crypto::Sm4Padding::none, key, field.last(crypto::SM2_SIZE));
+    require(isZero(field.first(FIELD_SIZE - RECORD_SIZE)), SAR_INDATAERR);
+    return fromRecord(unwrap(crypto::Sm4Padding::none, key, field.last(RECORD_SIZE)));
 }
 
 } // namespace
@@ -55,8 +55,8 @@ SecretBytes privateNumber(const SecretBytes &key, ByteView field) {
 crypto::Sm2KeyPair openEnvelope(const crypto::Sm2KeyPair &signatureKey,
                                 const ENVELOPEDKEYBLOB &envelope) {
     require(envelope.ulSymmAlgID == SGD_SMS4_ECB, SAR_NOTSUPPORTYETERR);
-    require(envelope.Version == 1 && envelope.ulBits == 8 * crypto::sm2Size, SAR_INDATAERR);
-    require(envelope.ECCCipherBlob.CipherLen == crypto::sm4KeySize, SAR_INDATALENERR);
+    require(envelope.Version == 1 && envelope.ulBits == 8 * crypto::SM2_SIZE, SAR_INDATAERR);
+    require(envelope.ECCCipherBlob.CipherLen == crypto::SM4_KEY_SIZE, SAR_INDATALENERR);
     const auto key = crypto::sm2Decrypt(signatureKey.d, fromBlob(envelope.ECCCipherBlob));
     require(key.has_value(), SAR_INDATAERR);
     crypto::Sm2KeyPair pair{fromBlob(envelope.PubKey),
@@ -69,10 +69,10 @@ crypto::RsaPrivateKey openEnvelope(const crypto::RsaPrivateKey &signatureKey, UL
                                    ByteView wrappedKey, ByteView encryptedKey) {
     require(algorithm == SGD_SMS4_ECB, SAR_NOTSUPPORTYETERR);
     require(wrappedKey.size() == signatureKey.n.size(), SAR_INDATALENERR);
-    require(!encryptedKey.empty() && encryptedKey.size() % crypto::sm4BlockSize == 0,
+    require(!encryptedKey.empty() && encryptedKey.size() % crypto::SM4_BLOCK_SIZE == 0,
             SAR_INDATALENERR);
     const auto key = crypto::rsaDecrypt(signatureKey, wrappedKey);
-    require(key.has_value() && key->size() == crypto::sm4KeySize, SAR_INDATAERR);
+    require(key.has_value() && key->size() == crypto::SM4_KEY_SIZE, SAR_INDATAERR);
     auto pair = crypto::decodePkcs1(unwrap(crypto::Sm4Padding::pkcs7, *key, encryptedKey));
     require(pair.has_value() && crypto::isConsistent(*pair), SAR_INDATAERR);
     const std::size_t bits = pair->publicKey().bits();

@@ -10,15 +10,14 @@ namespace tembra::token::model {
 namespace {
 
 // What a card's file system would spend on an entry beside its content.
-constexpr std::uint64_t applicationOverhead = 256;
-constexpr std::uint64_t containerOverhead = 64;
-constexpr std::uint64_t fileOverhead = 48;
+constexpr std::uint64_t APPLICATION_OVERHEAD = 256;
+constexpr std::uint64_t CONTAINER_OVERHEAD = 64;
+constexpr std::uint64_t FILE_OVERHEAD = 48;
 
 std::uint64_t sizeOf(const crypto::PrivateKey &key) {
-    if (const auto *rsa = std::get_if<crypto::RsaPrivateKey>(&key)) {
+    if (const auto *rsa = std::get_if<crypto::RsaPrivateKey>(&key))
         return rsa->n.size() * 9 / 2 + rsa->e.size(); // n, d and five numbers of half the length
-    }
-    return 3 * crypto::sm2Size;
+    return 3 * crypto::SM2_SIZE;
 }
 
 std::uint64_t sizeOf(const KeySlot &slot) {
@@ -26,13 +25,11 @@ std::uint64_t sizeOf(const KeySlot &slot) {
 }
 
 std::uint64_t sizeOf(const Application &application) {
-    std::uint64_t size = applicationOverhead;
-    for (const Container &container : application.containers) {
-        size += containerOverhead + sizeOf(container.signature) + sizeOf(container.encryption);
-    }
-    for (const File &file : application.files) {
-        size += fileOverhead + file.content.size();
-    }
+    std::uint64_t size = APPLICATION_OVERHEAD;
+    for (const Container &container : application.containers)
+        size += CONTAINER_OVERHEAD + sizeOf(container.signature) + sizeOf(container.encryption);
+    for (const File &file : application.files)
+        size += FILE_OVERHEAD + file.content.size();
     return size;
 }
 
@@ -46,9 +43,8 @@ std::string randomId() {
 
 std::uint64_t usedSpace(const Image &image) {
     std::uint64_t size = 0;
-    for (const Application &application : image.applications) {
+    for (const Application &application : image.applications)
         size += sizeOf(application);
-    }
     return size;
 }
 

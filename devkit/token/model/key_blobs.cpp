@@ -40,7 +40,7 @@ RSAPUBLICKEYBLOB toBlob(const crypto::RsaPublicKey &key) {
 
 ECCPUBLICKEYBLOB toBlob(const crypto::Sm2PublicKey &key) {
     ECCPUBLICKEYBLOB blob = {};
-    blob.BitLen = 8 * crypto::sm2Size;
+    blob.BitLen = 8 * crypto::SM2_SIZE;
     alignRight(blob.XCoordinate, key.x);
     alignRight(blob.YCoordinate, key.y);
     return blob;
@@ -54,7 +54,7 @@ ECCSIGNATUREBLOB toBlob(const crypto::Sm2Signature &signature) {
 }
 
 crypto::Sm2PublicKey fromBlob(const ECCPUBLICKEYBLOB &blob) {
-    require(blob.BitLen == 8 * crypto::sm2Size, SAR_INDATAERR);
+    require(blob.BitLen == 8 * crypto::SM2_SIZE, SAR_INDATAERR);
     return pointFrom(blob.XCoordinate, blob.YCoordinate);
 }
 

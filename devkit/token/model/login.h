@@ -24,21 +24,20 @@ class Logins {
 public:
     // application: its id and what else tells one session from another.
     std::shared_ptr<Login> enter(const std::string &application) {
-        const std::lock_guard guard(mutex_);
-        Entry &entry = entries_[application];
-        if (!entry.login) {
+        const std::lock_guard guard(m_mutex);
+        Entry &entry = m_entries[application];
+        if (!entry.login)
             entry.login = std::make_shared<Login>();
-        }
         ++entry.handles;
         return entry.login;
     }
 
     void leave(const std::string &application) {
-        const std::lock_guard guard(mutex_);
-        const auto found = entries_.find(application);
-        if (found != entries_.end() && --found->second.handles == 0) {
+        const std::lock_guard guard(m_mutex);
+        const auto found = m_entries.find(application);
+        if (found != m_entries.end() && --found->second.handles == 0) {
             found->second.login->clear();
-            entries_.erase(found);
+            m_entries.erase(found);
         }
     }
 
@@ -47,8 +46,8 @@ private:
         std::shared_ptr<Login> login;
         unsigned handles = 0;
     };
-    std::mutex mutex_;
-    std::map<std::string, Entry> entries_;
+    std::mutex m_mutex;
+    std::map<std::string, Entry> m_entries;
 };
 
 } // namespace tembra::token::model

@@ -8,15 +8,14 @@
 namespace tembra::token::model {
 
 bool ProcessLock::tryAcquire() {
-    const std::lock_guard guard(mutex_);
-    if (holds_ == 0) {
-        auto lock = store::FileLock::tryAcquire(file_);
-        if (!lock) {
+    const std::lock_guard guard(m_mutex);
+    if (m_holds == 0) {
+        auto lock = store::FileLock::tryAcquire(m_file);
+        if (!lock)
             return false;
-        }
-        lock_.emplace(std::move(*lock));
+        m_lock.emplace(std::move(*lock));
     }
-    ++holds_;
+    ++m_holds;
     return true;
 }
 
@@ -27,10 +26,9 @@ bool ProcessLock::acquire(std::uint32_t milliseconds) {
     const auto start = steady_clock::now();
     microseconds pause(50);
     while (!tryAcquire()) {
-        if (milliseconds != forever &&
-            steady_clock::now() - start >= std::chrono::milliseconds(milliseconds)) {
+        if (milliseconds != FOREVER &&
+            steady_clock::now() - start >= std::chrono::milliseconds(milliseconds))
             return false;
-        }
         std::this_thread::sleep_for(pause);
         pause = std::min<microseconds>(pause * 2, 3ms);
     }
@@ -38,17 +36,16 @@ bool ProcessLock::acquire(std::uint32_t milliseconds) {
 }
 
 void ProcessLock::release() {
-    const std::lock_guard guard(mutex_);
-    if (--holds_ == 0) {
-        lock_.reset();
-    }
+    const std::lock_guard guard(m_mutex);
+    if (--m_holds == 0)
+        m_lock.reset();
 }
 
 void ProcessLock::releaseAndRemove() {
-    const std::lock_guard guard(mutex_);
-    if (--holds_ == 0) {
-        store::FileLock::releaseAndRemove(std::move(*lock_), file_);
-        lock_.reset();
+    const std::lock_guard guard(m_mutex);
+    if (--m_holds == 0) {
+        store::FileLock::releaseAndRemove(std::move(*m_lock), m_file);
+        m_lock.reset();
     }
 }
 

@@ -12,9 +12,9 @@ namespace tembra::token::model {
 
 class ProcessLock {
 public:
-    static constexpr std::uint32_t forever = 0xFFFFFFFF;
+    static constexpr std::uint32_t FOREVER = 0xFFFFFFFF;
 
-    explicit ProcessLock(store::Path file) : file_(std::move(file)) {}
+    explicit ProcessLock(store::Path file) : m_file(std::move(file)) {}
 
     // False when another process kept the token for all of this time.
     bool acquire(std::uint32_t milliseconds);
@@ -25,10 +25,10 @@ public:
 private:
     bool tryAcquire();
 
-    const store::Path file_;
-    std::mutex mutex_;
-    unsigned holds_ = 0;
-    std::optional<store::FileLock> lock_; // while there are holds
+    const store::Path m_file;
+    std::mutex m_mutex;
+    unsigned m_holds = 0;
+    std::optional<store::FileLock> m_lock; // while there are holds
 };
 
 } // namespace tembra::token::model

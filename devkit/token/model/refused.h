@@ -10,9 +10,8 @@ struct Refused {
 };
 
 inline void require(bool condition, ULONG codeIfNot) {
-    if (!condition) {
+    if (!condition)
         throw Refused{codeIfNot};
-    }
 }
 
 // Codes of GM/T 0016 beyond those that the provider tells apart.

@@ -15,22 +15,21 @@ namespace {
 // Releases the lock of a change that could not begin.
 class Hold {
 public:
-    explicit Hold(ProcessLock &lock) : lock_(&lock) { lock.acquire(ProcessLock::forever); }
+    explicit Hold(ProcessLock &lock) : m_lock(&lock) { lock.acquire(ProcessLock::FOREVER); }
     Hold(const Hold &) = delete;
     Hold &operator=(const Hold &) = delete;
     ~Hold() {
-        if (lock_ != nullptr) {
-            lock_->release();
-        }
+        if (m_lock != nullptr)
+            m_lock->release();
     }
-    void keep() { lock_ = nullptr; }
+    void keep() { m_lock = nullptr; }
     void removeFile() {
-        lock_->releaseAndRemove();
-        lock_ = nullptr;
+        m_lock->releaseAndRemove();
+        m_lock = nullptr;
     }
 
 private:
-    ProcessLock *lock_;
+    ProcessLock *m_lock;
 };
 
 } // namespace
@@ -50,75 +49,75 @@ std::shared_ptr<Token> Token::named(const std::string &name) {
     return token;
 }
 
-Token::Token(const store::Path &file) : file_(file), lock_(store::lockFile(file)) {}
+Token::Token(const store::Path &file) : m_file(file), m_lock(store::lockFile(file)) {}
 
 Snapshot Token::current() {
-    const std::lock_guard guard(imageMutex_);
-    const auto head = store::readFile(file_, store::headSize);
-    if (head && image_ && *head == head_) {
-        return image_;
-    }
-    const auto text = head ? store::readFile(file_, std::numeric_limits<std::size_t>::max()) : head;
+    const std::lock_guard guard(m_imageMutex);
+    const auto head = store::readFile(m_file, store::HEAD_SIZE);
+    if (head && m_image && *head == m_head)
+        return m_image;
+    const auto text =
+        head ? store::readFile(m_file, std::numeric_limits<std::size_t>::max()) : head;
     if (!text) {
-        image_.reset();
+        m_image.reset();
         throw Refused{SAR_DEVICE_REMOVED};
     }
-    image_ = std::make_shared<const Image>(store::decodeImage(*text));
-    head_ = text->substr(0, store::headSize);
-    return image_;
+    m_image = std::make_shared<const Image>(store::decodeImage(*text));
+    m_head = text->substr(0, store::HEAD_SIZE);
+    return m_image;
 }
 
 Snapshot Token::lastSeen() {
-    const std::lock_guard guard(imageMutex_);
-    require(image_ != nullptr, SAR_DEVICE_REMOVED);
-    return image_;
+    const std::lock_guard guard(m_imageMutex);
+    require(m_image != nullptr, SAR_DEVICE_REMOVED);
+    return m_image;
 }
 
 void Token::save(Image &image) {
     ++image.generation;
     const std::string text = store::encodeImage(image);
-    store::replaceFile(file_, text);
-    const std::lock_guard guard(imageMutex_);
-    image_ = std::make_shared<const Image>(image);
-    head_ = text.substr(0, store::headSize);
+    store::replaceFile(m_file, text);
+    const std::lock_guard guard(m_imageMutex);
+    m_image = std::make_shared<const Image>(image);
+    m_head = text.substr(0, store::HEAD_SIZE);
 }
 
 void Token::create(const Image &image) {
-    const std::lock_guard guard(changing_);
-    store::makePrivateDirectory(file_.parent_path());
-    const Hold hold(lock_);
-    require(!store::readFile(file_, 1).has_value(), SAR_FILE_ALREADY_EXIST);
+    const std::lock_guard guard(m_changing);
+    store::makePrivateDirectory(m_file.parent_path());
+    const Hold hold(m_lock);
+    require(!store::readFile(m_file, 1).has_value(), SAR_FILE_ALREADY_EXIST);
     Image first = image;
     save(first);
 }
 
 void Token::remove() {
     (void)current();
-    const std::lock_guard guard(changing_);
-    Hold hold(lock_);
-    store::removeFile(file_);
+    const std::lock_guard guard(m_changing);
+    Hold hold(m_lock);
+    store::removeFile(m_file);
     hold.removeFile();
-    const std::lock_guard imageGuard(imageMutex_);
-    image_.reset();
+    const std::lock_guard imageGuard(m_imageMutex);
+    m_image.reset();
 }
 
-Change::Change(Token &token) : token_(token), guard_(token.changing_) {
+Change::Change(Token &token) : m_token(token), m_guard(token.m_changing) {
     (void)token.current(); // no lock file for a token that has gone
     Hold hold(token.lock());
-    image_ = *token.current();
-    usedBefore_ = usedSpace(image_);
+    m_image = *token.current();
+    m_usedBefore = usedSpace(m_image);
     hold.keep();
 }
 
 Change::~Change() {
-    token_.lock().release();
+    m_token.lock().release();
 }
 
 void Change::commit() {
-    const std::uint64_t used = usedSpace(image_);
-    require(used <= image_.totalSpace || used <= usedBefore_, SAR_NO_ROOM);
-    token_.save(image_);
-    usedBefore_ = used;
+    const std::uint64_t used = usedSpace(m_image);
+    require(used <= m_image.totalSpace || used <= m_usedBefore, SAR_NO_ROOM);
+    m_token.save(m_image);
+    m_usedBefore = used;
 }
 
 } // namespace tembra::token::model

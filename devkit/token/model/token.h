@@ -29,8 +29,8 @@ public:
     // The token as this process has last seen it, without a look at the disk.
     Snapshot lastSeen();
 
-    ProcessLock &lock() { return lock_; }
-    Logins &logins() { return logins_; }
+    ProcessLock &lock() { return m_lock; }
+    Logins &logins() { return m_logins; }
 
     // Writes a new token; throws Refused(SAR_FILE_ALREADY_EXIST) when there is one of that name.
     void create(const Image &image);
@@ -40,13 +40,13 @@ private:
     friend class Change;
     void save(Image &image);
 
-    const store::Path file_;
-    ProcessLock lock_;
-    Logins logins_;
-    std::mutex changing_; // one change at a time in this process
-    std::mutex imageMutex_;
-    Snapshot image_;   // null: none seen yet, or gone
-    std::string head_; // the beginning of the file that image_ was read from
+    const store::Path m_file;
+    ProcessLock m_lock;
+    Logins m_logins;
+    std::mutex m_changing; // one change at a time in this process
+    std::mutex m_imageMutex;
+    Snapshot m_image;   // null: none seen yet, or gone
+    std::string m_head; // the beginning of the file that image_ was read from
 };
 
 // A change in the making. It holds the token against other processes and other changes of this one,
@@ -58,17 +58,17 @@ public:
     Change &operator=(const Change &) = delete;
     ~Change();
 
-    Image &image() { return image_; }
+    Image &image() { return m_image; }
 
     // Makes the image lasting. May be called again after further changes. Throws
     // Refused(SAR_NO_ROOM) when the change needs more space than the token has.
     void commit();
 
 private:
-    Token &token_;
-    const std::lock_guard<std::mutex> guard_;
-    Image image_;
-    std::uint64_t usedBefore_ = 0;
+    Token &m_token;
+    const std::lock_guard<std::mutex> m_guard;
+    Image m_image;
+    std::uint64_t m_usedBefore = 0;
 };
 
 } // namespace tembra::token::model

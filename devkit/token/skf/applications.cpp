@@ -13,9 +13,8 @@ namespace {
 
 std::vector<std::string> namesOf(const model::Image &image) {
     std::vector<std::string> names;
-    for (const auto &application : image.applications) {
+    for (const auto &application : image.applications)
         names.push_back(application.name);
-    }
     return names;
 }
 

@@ -25,7 +25,7 @@ std::shared_ptr<ImportedKey> importKey(std::shared_ptr<OpenDevice> on, const BYT
     auto key = std::make_shared<ImportedKey>();
     key->mode = modeOf(algorithm);
     requirePointer(bytes);
-    key->key.assign(bytes, bytes + crypto::sm4KeySize);
+    key->key.assign(bytes, bytes + crypto::SM4_KEY_SIZE);
     key->device = std::move(on);
     return key;
 }
@@ -42,7 +42,7 @@ CipherOperation operationOf(crypto::Sm4Mode mode, const BLOCKCIPHERPARAM &param)
 }
 
 void requireWholeBlocks(crypto::ByteView data) {
-    require(data.size() % crypto::sm4BlockSize == 0, SAR_INDATALENERR);
+    require(data.size() % crypto::SM4_BLOCK_SIZE == 0, SAR_INDATALENERR);
 }
 
 void encrypt(ImportedKey &with, crypto::ByteView plain, BYTE *out, ULONG *length) {
@@ -50,14 +50,12 @@ void encrypt(ImportedKey &with, crypto::ByteView plain, BYTE *out, ULONG *length
     require(with.encryption.has_value(), SAR_NOTINITIALIZEERR);
     const CipherOperation &operation = *with.encryption;
     std::size_t needed = plain.size();
-    if (operation.padding == crypto::Sm4Padding::none) {
+    if (operation.padding == crypto::Sm4Padding::none)
         requireWholeBlocks(plain);
-    } else {
-        needed += crypto::sm4BlockSize - needed % crypto::sm4BlockSize;
-    }
-    if (!roomFor(needed, out, length)) {
+    else
+        needed += crypto::SM4_BLOCK_SIZE - needed % crypto::SM4_BLOCK_SIZE;
+    if (!roomFor(needed, out, length))
         return;
-    }
     const auto cipher =
         crypto::sm4Encrypt(with.mode, operation.padding, with.key, operation.iv, plain);
     with.encryption.reset();

@@ -32,7 +32,7 @@ std::shared_ptr<OpenContainer> createContainer(std::shared_ptr<OpenApplication> 
     model::Change change(in->token());
     auto &containers = locate(change, *in).containers;
     require(named(containers, name) == containers.end(), SAR_FILE_ALREADY_EXIST);
-    require(containers.size() < model::maxContainers, SAR_REACH_MAX_CONTAINER_COUNT);
+    require(containers.size() < model::MAX_CONTAINERS, SAR_REACH_MAX_CONTAINER_COUNT);
     containers.push_back({model::randomId(), std::string(name), {}, {}});
     change.commit();
     return opened(std::move(in), containers.back().id);
@@ -60,14 +60,13 @@ std::shared_ptr<OpenContainer> openContainer(std::shared_ptr<OpenApplication> in
 std::vector<std::string> namesOf(const OpenApplication &in) {
     const auto image = imageOf(*in.device);
     std::vector<std::string> names;
-    for (const auto &container : locate(*image, in).containers) {
+    for (const auto &container : locate(*image, in).containers)
         names.push_back(container.name);
-    }
     return names;
 }
 
 std::string_view containerName(LPSTR name) {
-    return nameArgument(name, model::maxContainerName);
+    return nameArgument(name, model::MAX_CONTAINER_NAME);
 }
 
 } // namespace

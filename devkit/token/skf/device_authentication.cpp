@@ -15,7 +15,7 @@ using tembra::door::Call;
 
 namespace {
 
-constexpr ULONG maxRandomLength = 0x7FFFFFFF; // more is a negative number that lost its sign
+constexpr ULONG MAX_RANDOM_LENGTH = 0x7FFFFFFF; // more is a negative number that lost its sign
 
 void rememberChallenge(OpenDevice &device, const BYTE *random) {
     const std::lock_guard guard(device.mutex);
@@ -23,18 +23,17 @@ void rememberChallenge(OpenDevice &device, const BYTE *random) {
 }
 
 void giveRandom(OpenDevice &device, BYTE *out, ULONG length) {
-    require(length <= maxRandomLength, SAR_INVALIDPARAMERR);
+    require(length <= MAX_RANDOM_LENGTH, SAR_INVALIDPARAMERR);
     require(out != nullptr || length == 0, SAR_INVALIDPARAMERR);
     crypto::fillRandom({out, length});
-    if (length == std::tuple_size_v<decltype(device.challenge)::value_type>) {
+    if (length == std::tuple_size_v<decltype(device.challenge)::value_type>)
         rememberChallenge(device, out);
-    }
 }
 
 // The host proves that it knows the key: it returns the challenge, filled up with zeros, encrypted.
 // A challenge is good for one try.
 void authenticate(OpenDevice &device, crypto::ByteView proof) {
-    require(proof.size() == crypto::sm4BlockSize, SAR_INDATALENERR);
+    require(proof.size() == crypto::SM4_BLOCK_SIZE, SAR_INDATALENERR);
     const auto image = imageOf(device);
     const std::lock_guard guard(device.mutex);
     require(device.challenge.has_value(), SAR_NOTINITIALIZEERR);

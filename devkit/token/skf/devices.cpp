@@ -16,10 +16,10 @@ using tembra::door::Call;
 
 namespace {
 
-constexpr VERSION interfaceVersion = {1, 0};
-constexpr VERSION hardwareVersion = {1, 0};
-constexpr VERSION firmwareVersion = {1, 0};
-constexpr ULONG maxPiece = 0x7FFFFFFF; // nothing here limits the length of a piece
+constexpr VERSION INTERFACE_VERSION = {1, 0};
+constexpr VERSION HARDWARE_VERSION = {1, 0};
+constexpr VERSION FIRMWARE_VERSION = {1, 0};
+constexpr ULONG MAX_PIECE = 0x7FFFFFFF; // nothing here limits the length of a piece
 
 // A file that isn't a token, or is being removed, is no device.
 bool isPlugged(const std::string &name) {
@@ -36,9 +36,8 @@ bool isPlugged(const std::string &name) {
 
 std::vector<std::string> deviceNames(bool presentOnly) {
     std::vector<std::string> names = store::tokenNames();
-    if (presentOnly) {
+    if (presentOnly)
         std::erase_if(names, [](const std::string &name) { return !isPlugged(name); });
-    }
     return names;
 }
 
@@ -56,9 +55,8 @@ std::shared_ptr<OpenDevice> connect(const std::string &name) {
 void disconnect(OpenDevice &device) {
     device.open = false;
     const std::lock_guard guard(device.mutex);
-    for (; device.locks > 0; --device.locks) {
+    for (; device.locks > 0; --device.locks)
         device.token->lock().release();
-    }
 }
 
 void lock(OpenDevice &device, ULONG milliseconds) {
@@ -84,13 +82,13 @@ void putText(std::span<CHAR> field, const std::string &text) {
 
 DEVINFO describe(const model::Image &image) {
     DEVINFO info = {};
-    info.Version = interfaceVersion;
+    info.Version = INTERFACE_VERSION;
     putText(info.Manufacturer, image.manufacturer);
     putText(info.Issuer, image.issuer);
     putText(info.Label, image.label);
     putText(info.SerialNumber, image.serial);
-    info.HWVersion = hardwareVersion;
-    info.FirmwareVersion = firmwareVersion;
+    info.HWVersion = HARDWARE_VERSION;
+    info.FirmwareVersion = FIRMWARE_VERSION;
     info.AlgSymCap = SGD_SMS4_ECB | SGD_SMS4_CBC;
     info.AlgAsymCap = SGD_RSA | SGD_SM2_1 | SGD_SM2_3;
     info.AlgHashCap = SGD_SM3;
@@ -98,8 +96,8 @@ DEVINFO describe(const model::Image &image) {
     info.TotalSpace = image.totalSpace;
     const std::uint64_t used = model::usedSpace(image);
     info.FreeSpace = used < image.totalSpace ? image.totalSpace - static_cast<ULONG>(used) : 0;
-    info.MaxECCBufferSize = maxPiece;
-    info.MaxBufferSize = maxPiece;
+    info.MaxECCBufferSize = MAX_PIECE;
+    info.MaxBufferSize = MAX_PIECE;
     return info;
 }
 

@@ -30,9 +30,8 @@ std::shared_ptr<RunningDigest> startDigest(std::shared_ptr<OpenDevice> on, ULONG
     require(algorithm == SGD_SM3, SAR_NOTSUPPORTYETERR);
     auto running = std::make_shared<RunningDigest>();
     running->digest.emplace(crypto::DigestAlgorithm::sm3);
-    if (!id.empty()) {
+    if (!id.empty())
         addSigner(*running->digest, publicKey, id);
-    }
     running->device = std::move(on);
     return running;
 }
@@ -46,7 +45,7 @@ void update(RunningDigest &running, crypto::ByteView data) {
 void finish(RunningDigest &running, BYTE *out, ULONG *length) {
     const std::lock_guard guard(running.mutex);
     require(running.digest.has_value(), SAR_NOTINITIALIZEERR);
-    if (roomFor(crypto::sm3Size, out, length)) {
+    if (roomFor(crypto::SM3_SIZE, out, length)) {
         giveBytes(running.digest->value(), out, length);
         running.digest.reset();
     }

@@ -12,10 +12,10 @@ using tembra::door::Call;
 
 namespace {
 
-constexpr std::size_t maxFileName = sizeof(FILEATTRIBUTE::FileName);
+constexpr std::size_t MAX_FILE_NAME = sizeof(FILEATTRIBUTE::FileName);
 
 std::string_view fileName(LPSTR name) {
-    return nameArgument(name, maxFileName);
+    return nameArgument(name, MAX_FILE_NAME);
 }
 
 template <typename Application>
@@ -109,9 +109,8 @@ FILEATTRIBUTE attributesOf(const model::File &source) {
 std::vector<std::string> namesOf(const OpenApplication &in) {
     const auto image = imageOf(*in.device);
     std::vector<std::string> names;
-    for (const auto &each : locate(*image, in).files) {
+    for (const auto &each : locate(*image, in).files)
         names.push_back(each.name);
-    }
     return names;
 }
 

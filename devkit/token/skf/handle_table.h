@@ -25,16 +25,16 @@ class HandleTable {
 public:
     HANDLE add(std::shared_ptr<Object> object) {
         const std::uintptr_t handle = nextHandle();
-        const std::unique_lock guard(mutex_);
-        objects_.emplace(handle, std::move(object));
+        const std::unique_lock guard(m_mutex);
+        m_objects.emplace(handle, std::move(object));
         return reinterpret_cast<HANDLE>(handle);
     }
 
     // Null when there is no such handle.
     std::shared_ptr<Object> find(HANDLE handle) const {
-        const std::shared_lock guard(mutex_);
-        const auto found = objects_.find(reinterpret_cast<std::uintptr_t>(handle));
-        return found == objects_.end() ? nullptr : found->second;
+        const std::shared_lock guard(m_mutex);
+        const auto found = m_objects.find(reinterpret_cast<std::uintptr_t>(handle));
+        return found == m_objects.end() ? nullptr : found->second;
     }
 
     std::shared_ptr<Object> get(HANDLE handle) const {
@@ -45,19 +45,19 @@ public:
 
     // Takes the object out; null when there is no such handle.
     std::shared_ptr<Object> take(HANDLE handle) {
-        const std::unique_lock guard(mutex_);
-        const auto node = objects_.extract(reinterpret_cast<std::uintptr_t>(handle));
+        const std::unique_lock guard(m_mutex);
+        const auto node = m_objects.extract(reinterpret_cast<std::uintptr_t>(handle));
         return node.empty() ? nullptr : node.mapped();
     }
 
     std::size_t size() const {
-        const std::shared_lock guard(mutex_);
-        return objects_.size();
+        const std::shared_lock guard(m_mutex);
+        return m_objects.size();
     }
 
 private:
-    mutable std::shared_mutex mutex_;
-    std::unordered_map<std::uintptr_t, std::shared_ptr<Object>> objects_;
+    mutable std::shared_mutex m_mutex;
+    std::unordered_map<std::uintptr_t, std::shared_ptr<Object>> m_objects;
 };
 
 } // namespace tembra::token::skf

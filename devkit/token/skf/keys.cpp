@@ -15,8 +15,8 @@ using tembra::door::Call;
 
 namespace {
 
-constexpr bool signaturePlace = true;
-constexpr bool encryptionPlace = false;
+constexpr bool SIGNATURE_PLACE = true;
+constexpr bool ENCRYPTION_PLACE = false;
 
 // Making a key takes time: what would be refused afterwards is refused before.
 void requireRoomForKey(const OpenContainer &found, ULONG type) {
@@ -37,7 +37,7 @@ RSAPUBLICKEYBLOB generateRsa(const OpenContainer &found, ULONG bits) {
     auto key = crypto::generateRsaKey(bits);
     require(key.has_value(), SAR_MODULUSLENERR);
     const RSAPUBLICKEYBLOB blob = model::toBlob(key->publicKey());
-    store(found, signaturePlace, std::move(*key));
+    store(found, SIGNATURE_PLACE, std::move(*key));
     return blob;
 }
 
@@ -46,7 +46,7 @@ ECCPUBLICKEYBLOB generateSm2(const OpenContainer &found, ULONG algorithm) {
     requireRoomForKey(found, CONTAINER_TYPE_ECC);
     auto key = crypto::generateSm2KeyPair();
     const ECCPUBLICKEYBLOB blob = model::toBlob(key.publicKey);
-    store(found, signaturePlace, std::move(key));
+    store(found, SIGNATURE_PLACE, std::move(key));
     return blob;
 }
 
@@ -56,19 +56,18 @@ template <typename Key, typename Open>
 void importKey(const OpenContainer &found, Open open) {
     requireUser(*found.application);
     const auto image = imageOf(*found.application->device);
-    const Key &signatureKey = model::keyOf<Key>(locate(*image, found), signaturePlace);
-    store(found, encryptionPlace, open(signatureKey));
+    const Key &signatureKey = model::keyOf<Key>(locate(*image, found), SIGNATURE_PLACE);
+    store(found, ENCRYPTION_PLACE, open(signatureKey));
 }
 
 void givePublicKey(const crypto::PrivateKey &key, BYTE *out, ULONG *length) {
     const auto give = [&](const auto &blob) {
         giveBytes({reinterpret_cast<const BYTE *>(&blob), sizeof blob}, out, length);
     };
-    if (const auto *rsa = std::get_if<crypto::RsaPrivateKey>(&key)) {
+    if (const auto *rsa = std::get_if<crypto::RsaPrivateKey>(&key))
         give(model::toBlob(rsa->publicKey()));
-    } else {
+    else
         give(model::toBlob(std::get<crypto::Sm2KeyPair>(key).publicKey));
-    }
 }
 
 } // namespace

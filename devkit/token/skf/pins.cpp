@@ -54,9 +54,8 @@ void unblockPin(const OpenApplication &opened, std::string_view adminPin,
 
 template <typename Number>
 void give(Number *out, Number value) {
-    if (out != nullptr) {
+    if (out != nullptr)
         *out = value;
-    }
 }
 
 } // namespace

@@ -12,31 +12,30 @@ using tembra::door::Call;
 
 namespace {
 
-constexpr std::size_t paddingSize = 11; // the least that PKCS #1 v1.5 adds
+constexpr std::size_t PADDING_SIZE = 11; // the least that PKCS #1 v1.5 adds
 
 // A private key that the user may work with, for as long as this lives.
 template <typename Key>
 class PrivateKeyOf {
 public:
-    PrivateKeyOf(HCONTAINER handle, bool signature) : container_(container(handle)) {
-        requireUser(*container_->application);
-        image_ = imageOf(*container_->application->device);
-        key_ = &model::keyOf<Key>(locate(*image_, *container_), signature);
+    PrivateKeyOf(HCONTAINER handle, bool signature) : m_container(container(handle)) {
+        requireUser(*m_container->application);
+        m_image = imageOf(*m_container->application->device);
+        m_key = &model::keyOf<Key>(locate(*m_image, *m_container), signature);
     }
-    const Key &operator*() const { return *key_; }
-    const Key *operator->() const { return key_; }
+    const Key &operator*() const { return *m_key; }
+    const Key *operator->() const { return m_key; }
 
 private:
-    std::shared_ptr<OpenContainer> container_;
-    model::Snapshot image_;
-    const Key *key_;
+    std::shared_ptr<OpenContainer> m_container;
+    model::Snapshot m_image;
+    const Key *m_key;
 };
 
 void signRsa(const crypto::RsaPrivateKey &key, crypto::ByteView data, BYTE *out, ULONG *length) {
-    require(data.size() + paddingSize <= key.n.size(), SAR_INDATALENERR);
-    if (!roomFor(key.n.size(), out, length)) {
+    require(data.size() + PADDING_SIZE <= key.n.size(), SAR_INDATALENERR);
+    if (!roomFor(key.n.size(), out, length))
         return;
-    }
     const auto signature = crypto::rsaSign(key, data);
     require(signature.has_value(), SAR_FAIL);
     giveBytes(*signature, out, length);
@@ -58,9 +57,8 @@ void decryptRsa(const crypto::RsaPrivateKey &key, crypto::ByteView cipher, BYTE 
 void decryptSm2(const crypto::Sm2KeyPair &key, const ECCCIPHERBLOB &cipher, BYTE *out,
                 ULONG *length) {
     require(cipher.CipherLen > 0, SAR_INDATALENERR);
-    if (!roomFor(cipher.CipherLen, out, length)) {
+    if (!roomFor(cipher.CipherLen, out, length))
         return;
-    }
     const auto plain = crypto::sm2Decrypt(key.d, model::fromBlob(cipher));
     require(plain.has_value(), SAR_INDATAERR);
     giveBytes(*plain, out, length);
@@ -87,7 +85,7 @@ ULONG SKF_ECCSignData(HCONTAINER hContainer, BYTE *pbData, ULONG ulDataLen,
         const PrivateKeyOf<crypto::Sm2KeyPair> key(hContainer, true);
         requirePointer(pSignature);
         const auto data = bytesArgument(pbData, ulDataLen);
-        require(data.size() == crypto::sm3Size, SAR_INDATALENERR);
+        require(data.size() == crypto::SM3_SIZE, SAR_INDATALENERR);
         const auto signature = crypto::sm2Sign(*key, data);
         require(signature.has_value(), SAR_FAIL);
         *pSignature = model::toBlob(*signature);

@@ -7,20 +7,18 @@ namespace tembra::token::store {
 
 namespace {
 
-constexpr std::string_view prefix = "TEMBRA-SOFT-";
-constexpr std::string_view serialCharacters =
+constexpr std::string_view PREFIX = "TEMBRA-SOFT-";
+constexpr std::string_view SERIAL_CHARACTERS =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
-constexpr std::size_t maxSerial = 32;
+constexpr std::size_t MAX_SERIAL = 32;
 
 } // namespace
 
 Path tokenDirectory() {
-    if (const auto directory = environment("TEMBRA_SOFT_TOKEN_DIR")) {
+    if (const auto directory = environment("TEMBRA_SOFT_TOKEN_DIR"))
         return pathFromUtf8(*directory);
-    }
-    if (const auto directory = userTokenDirectory()) {
+    if (const auto directory = userTokenDirectory())
         return *directory;
-    }
     throw std::runtime_error("no directory for tokens");
 }
 
@@ -29,25 +27,23 @@ std::vector<std::string> tokenNames() {
     std::error_code missing;
     for (const auto &entry : std::filesystem::directory_iterator(tokenDirectory(), missing)) {
         const std::string name = utf8FromPath(entry.path().stem());
-        if (entry.path().extension() == ".json" && isTokenName(name)) {
+        if (entry.path().extension() == ".json" && isTokenName(name))
             names.push_back(name);
-        }
     }
     std::sort(names.begin(), names.end());
     return names;
 }
 
 std::string tokenName(std::string_view serial) {
-    return std::string(prefix).append(serial);
+    return std::string(PREFIX).append(serial);
 }
 
 bool isTokenName(std::string_view name) {
-    if (!name.starts_with(prefix)) {
+    if (!name.starts_with(PREFIX))
         return false;
-    }
-    const std::string_view serial = name.substr(prefix.size());
-    return !serial.empty() && serial.size() <= maxSerial &&
-           serial.find_first_not_of(serialCharacters) == std::string_view::npos;
+    const std::string_view serial = name.substr(PREFIX.size());
+    return !serial.empty() && serial.size() <= MAX_SERIAL &&
+           serial.find_first_not_of(SERIAL_CHARACTERS) == std::string_view::npos;
 }
 
 Path tokenFile(std::string_view name) {

@@ -15,7 +15,7 @@ public:
     // can't be opened. The file is opened for each lock, so that a forked process never shares one.
     static std::optional<FileLock> tryAcquire(const Path &file);
 
-    FileLock(FileLock &&other) noexcept : handle_(other.handle_) { other.handle_ = none; }
+    FileLock(FileLock &&other) noexcept : m_handle(other.m_handle) { other.m_handle = NONE; }
     FileLock &operator=(FileLock &&) = delete;
     ~FileLock();
 
@@ -23,10 +23,10 @@ public:
     static void releaseAndRemove(FileLock lock, const Path &file);
 
 private:
-    static constexpr std::intptr_t none = -1;
-    explicit FileLock(std::intptr_t handle) : handle_(handle) {}
+    static constexpr std::intptr_t NONE = -1;
+    explicit FileLock(std::intptr_t handle) : m_handle(handle) {}
 
-    std::intptr_t handle_; // the system's descriptor or handle
+    std::intptr_t m_handle; // the system's descriptor or handle
 };
 
 } // namespace tembra::token::store

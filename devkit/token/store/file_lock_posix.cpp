@@ -24,23 +24,19 @@ bool isFileAt(int fd, const Path &file) {
 std::optional<FileLock> FileLock::tryAcquire(const Path &file) {
     for (;;) {
         const int fd = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-        if (fd < 0) {
+        if (fd < 0)
             throw std::system_error(errno, std::generic_category(), "open lock file");
-        }
         FileLock lock(fd);
-        if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        if (::flock(fd, LOCK_EX | LOCK_NB) != 0)
             return std::nullopt;
-        }
-        if (isFileAt(fd, file)) {
+        if (isFileAt(fd, file))
             return lock;
-        }
     }
 }
 
 FileLock::~FileLock() {
-    if (handle_ != none) {
-        ::close(static_cast<int>(handle_));
-    }
+    if (m_handle != NONE)
+        ::close(static_cast<int>(m_handle));
 }
 
 void FileLock::releaseAndRemove(FileLock lock, const Path &file) {

@@ -23,17 +23,14 @@ std::optional<FileLock> FileLock::tryAcquire(const Path &file) {
     }
     FileLock lock(reinterpret_cast<std::intptr_t>(handle));
     OVERLAPPED whole = {};
-    if (!::LockFileEx(handle, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0,
-                      &whole)) {
+    if (!::LockFileEx(handle, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &whole))
         return std::nullopt;
-    }
     return lock;
 }
 
 FileLock::~FileLock() {
-    if (handle_ != none) {
-        ::CloseHandle(reinterpret_cast<HANDLE>(handle_));
-    }
+    if (m_handle != none)
+        ::CloseHandle(reinterpret_cast<HANDLE>(m_handle));
 }
 
 void FileLock::releaseAndRemove(FileLock lock, const Path &file) {

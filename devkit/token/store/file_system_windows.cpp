@@ -16,21 +16,20 @@ namespace {
 class File {
 public:
     File(const Path &path, DWORD access, DWORD disposition)
-        : handle_(::CreateFileW(path.c_str(), access,
-                                FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                disposition, FILE_ATTRIBUTE_NORMAL, nullptr)) {}
+        : m_handle(::CreateFileW(path.c_str(), access,
+                                 FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                 disposition, FILE_ATTRIBUTE_NORMAL, nullptr)) {}
     File(const File &) = delete;
     File &operator=(const File &) = delete;
     ~File() {
-        if (isOpen()) {
-            ::CloseHandle(handle_);
-        }
+        if (isOpen())
+            ::CloseHandle(m_handle);
     }
-    HANDLE handle() const { return handle_; }
-    bool isOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
+    HANDLE handle() const { return m_handle; }
+    bool isOpen() const { return m_handle != INVALID_HANDLE_VALUE; }
 
 private:
-    HANDLE handle_;
+    HANDLE m_handle;
 };
 
 [[noreturn]] void fail(DWORD error, const char *what) {
@@ -68,20 +67,17 @@ std::string utf8(const std::wstring &text) {
 
 DWORD readOnce(const Path &file, std::size_t limit, std::string &content) {
     const File handle(file, GENERIC_READ, OPEN_EXISTING);
-    if (!handle.isOpen()) {
+    if (!handle.isOpen())
         return ::GetLastError();
-    }
     content.clear();
     char piece[16384];
     while (content.size() < limit) {
         DWORD got = 0;
         const auto wanted = static_cast<DWORD>(std::min(sizeof piece, limit - content.size()));
-        if (!::ReadFile(handle.handle(), piece, wanted, &got, nullptr)) {
+        if (!::ReadFile(handle.handle(), piece, wanted, &got, nullptr))
             return ::GetLastError();
-        }
-        if (got == 0) {
+        if (got == 0)
             break;
-        }
         content.append(piece, got);
     }
     return 0;
@@ -89,16 +85,14 @@ DWORD readOnce(const Path &file, std::size_t limit, std::string &content) {
 
 DWORD writeOnce(const Path &file, std::string_view content) {
     const File handle(file, GENERIC_WRITE, CREATE_ALWAYS);
-    if (!handle.isOpen()) {
+    if (!handle.isOpen())
         return ::GetLastError();
-    }
     while (!content.empty()) {
         DWORD written = 0;
         const auto wanted =
             static_cast<DWORD>(std::min<std::size_t>(content.size(), std::size_t{1} << 20));
-        if (!::WriteFile(handle.handle(), content.data(), wanted, &written, nullptr)) {
+        if (!::WriteFile(handle.handle(), content.data(), wanted, &written, nullptr))
             return ::GetLastError();
-        }
         content.remove_prefix(written);
     }
     return ::FlushFileBuffers(handle.handle()) ? 0 : ::GetLastError();
@@ -118,17 +112,15 @@ std::optional<std::string> environment(const char *name) {
     std::wstring value(32767, L'\0');
     const DWORD length =
         ::GetEnvironmentVariableW(wideName.c_str(), value.data(), static_cast<DWORD>(value.size()));
-    if (length == 0 || length >= value.size()) {
+    if (length == 0 || length >= value.size())
         return std::nullopt;
-    }
     value.resize(length);
     return utf8(value);
 }
 
 std::optional<Path> userTokenDirectory() {
-    if (const auto data = environment("LOCALAPPDATA")) {
+    if (const auto data = environment("LOCALAPPDATA"))
         return pathFromUtf8(*data) / "TembraSoftToken";
-    }
     return std::nullopt;
 }
 
@@ -140,38 +132,33 @@ void makePrivateDirectory(const Path &directory) {
 std::optional<std::string> readFile(const Path &file, std::size_t limit) {
     std::string content;
     const DWORD error = withPatience([&] { return readOnce(file, limit, content); });
-    if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) {
+    if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND)
         return std::nullopt;
-    }
-    if (error != 0) {
+    if (error != 0)
         fail(error, "read");
-    }
     return content;
 }
 
 void replaceFile(const Path &file, std::string_view content) {
     Path temporary = file;
     temporary += ".tmp";
-    if (const DWORD error = withPatience([&] { return writeOnce(temporary, content); })) {
+    if (const DWORD error = withPatience([&] { return writeOnce(temporary, content); }))
         fail(error, "write");
-    }
     const DWORD error = withPatience([&] {
         return ::MoveFileExW(temporary.c_str(), file.c_str(),
                              MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)
                    ? DWORD{0}
                    : ::GetLastError();
     });
-    if (error != 0) {
+    if (error != 0)
         fail(error, "rename");
-    }
 }
 
 void removeFile(const Path &file) {
     const DWORD error =
         withPatience([&] { return ::DeleteFileW(file.c_str()) ? DWORD{0} : ::GetLastError(); });
-    if (error != 0 && error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND) {
+    if (error != 0 && error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND)
         fail(error, "remove");
-    }
 }
 
 } // namespace tembra::token::store

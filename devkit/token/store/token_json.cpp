@@ -20,9 +20,9 @@ using model::Image;
 using model::KeySlot;
 using model::Pin;
 
-constexpr const char *format = "tembra-soft-token";
-constexpr int version = 1;
-constexpr const char *warning =
+constexpr const char *FORMAT = "tembra-soft-token";
+constexpr int VERSION = 1;
+constexpr const char *WARNING =
     "A token for development: its private keys stand here in clear. Keep no real key on it.";
 
 Json hex(crypto::ByteView bytes) {
@@ -30,9 +30,8 @@ Json hex(crypto::ByteView bytes) {
 }
 
 crypto::Bytes unhex(const Json &text) {
-    if (auto bytes = crypto::fromHex(text.get<std::string>())) {
+    if (auto bytes = crypto::fromHex(text.get<std::string>()))
         return std::move(*bytes);
-    }
     throw std::runtime_error("bad hexadecimal text");
 }
 
@@ -54,9 +53,8 @@ Json nameText(const std::string &name) {
 }
 
 std::string nameFrom(const Json &text) {
-    if (text.is_string()) {
+    if (text.is_string())
         return text.get<std::string>();
-    }
     const crypto::Bytes bytes = unhex(text.at("hex"));
     return {bytes.begin(), bytes.end()};
 }
@@ -78,9 +76,8 @@ Pin pinFrom(const Json &json) {
 }
 
 Json keyJson(const crypto::PrivateKey &key) {
-    if (const auto *rsa = std::get_if<crypto::RsaPrivateKey>(&key)) {
+    if (const auto *rsa = std::get_if<crypto::RsaPrivateKey>(&key))
         return {{"algorithm", "RSA"}, {"pkcs1", hex(crypto::encodePkcs1(*rsa))}};
-    }
     const auto &sm2 = std::get<crypto::Sm2KeyPair>(key);
     return {{"algorithm", "SM2"},
             {"x", hex(sm2.publicKey.x)},
@@ -89,9 +86,8 @@ Json keyJson(const crypto::PrivateKey &key) {
 }
 
 crypto::Sm2Number sm2Number(const Json &text) {
-    if (const auto number = crypto::toSm2Number(unhex(text))) {
+    if (const auto number = crypto::toSm2Number(unhex(text)))
         return *number;
-    }
     throw std::runtime_error("bad SM2 number");
 }
 
@@ -100,31 +96,26 @@ crypto::PrivateKey keyFrom(const Json &json) {
         return crypto::Sm2KeyPair{{sm2Number(json.at("x")), sm2Number(json.at("y"))},
                                   unhexSecret(json.at("d"))};
     }
-    if (auto rsa = crypto::decodePkcs1(unhexSecret(json.at("pkcs1")))) {
+    if (auto rsa = crypto::decodePkcs1(unhexSecret(json.at("pkcs1"))))
         return std::move(*rsa);
-    }
     throw std::runtime_error("bad RSA key");
 }
 
 Json slotJson(const KeySlot &slot) {
     Json json = Json::object();
-    if (slot.key) {
+    if (slot.key)
         json["key"] = keyJson(*slot.key);
-    }
-    if (!slot.certificate.empty()) {
+    if (!slot.certificate.empty())
         json["certificate"] = hex(slot.certificate);
-    }
     return json;
 }
 
 KeySlot slotFrom(const Json &json) {
     KeySlot slot;
-    if (json.contains("key")) {
+    if (json.contains("key"))
         slot.key = keyFrom(json.at("key"));
-    }
-    if (json.contains("certificate")) {
+    if (json.contains("certificate"))
         slot.certificate = unhex(json.at("certificate"));
-    }
     return slot;
 }
 
@@ -155,18 +146,16 @@ File fileFrom(const Json &json) {
 template <typename Item, typename ToJson>
 Json arrayJson(const std::vector<Item> &items, ToJson toJson) {
     Json array = Json::array();
-    for (const Item &item : items) {
+    for (const Item &item : items)
         array.push_back(toJson(item));
-    }
     return array;
 }
 
 template <typename FromJson>
 auto arrayFrom(const Json &array, FromJson fromJson) {
     std::vector<decltype(fromJson(array))> items;
-    for (const Json &json : array) {
+    for (const Json &json : array)
         items.push_back(fromJson(json));
-    }
     return items;
 }
 
@@ -191,11 +180,11 @@ Application applicationFrom(const Json &json) {
 } // namespace
 
 std::string encodeImage(const Image &image) {
-    const Json json = {{"format", format},
-                       {"version", version},
+    const Json json = {{"format", FORMAT},
+                       {"version", VERSION},
                        {"id", image.id},
                        {"generation", image.generation},
-                       {"warning", warning},
+                       {"warning", WARNING},
                        {"label", nameText(image.label)},
                        {"serial", image.serial},
                        {"manufacturer", nameText(image.manufacturer)},
@@ -210,9 +199,8 @@ std::string encodeImage(const Image &image) {
 
 Image decodeImage(std::string_view text) {
     const Json json = Json::parse(text);
-    if (json.at("format") != format || json.at("version") != version) {
+    if (json.at("format") != FORMAT || json.at("version") != VERSION)
         throw std::runtime_error("not a token of this version");
-    }
     Image image;
     image.id = json.at("id").get<std::string>();
     image.generation = json.at("generation").get<std::uint64_t>();

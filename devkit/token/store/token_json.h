@@ -11,7 +11,7 @@ namespace tembra::token::store {
 
 // The text begins with the token's id and generation: two files that agree in these first bytes are
 // the same file, so a change is noticed by reading no more than them.
-constexpr std::size_t headSize = 160;
+constexpr std::size_t HEAD_SIZE = 160;
 
 std::string encodeImage(const model::Image &image);
 

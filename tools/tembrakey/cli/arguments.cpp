@@ -27,19 +27,19 @@ Form split(const char *form) {
 } // namespace
 
 Arguments &Arguments::declare(CLI::Option *option, const std::string &valueName) {
-    last_ = option;
-    last_->type_name(valueName);
+    m_last = option;
+    m_last->type_name(valueName);
     return *this;
 }
 
 Arguments &Arguments::text(const char *form, std::string &target, const char *help) {
     const Form parts = split(form);
-    return declare(app_.add_option(parts.names, target, tr(help)), parts.value);
+    return declare(m_app.add_option(parts.names, target, tr(help)), parts.value);
 }
 
 Arguments &Arguments::number(const char *form, int &target, const char *help, int least, int most) {
     const Form parts = split(form);
-    CLI::Option *option = app_.add_option(parts.names, target, tr(help));
+    CLI::Option *option = m_app.add_option(parts.names, target, tr(help));
     const std::string name = option->get_name();
     option->check([=](const std::string &text) {
         int value = 0;
@@ -52,14 +52,14 @@ Arguments &Arguments::number(const char *form, int &target, const char *help, in
 }
 
 Arguments &Arguments::flag(const char *form, bool &target, const char *help) {
-    last_ = app_.add_flag(form, target, tr(help));
+    m_last = m_app.add_flag(form, target, tr(help));
     return *this;
 }
 
 Arguments &Arguments::choice(const char *form, std::string &target,
                              std::initializer_list<const char *> choices, const char *help) {
     const Form parts = split(form);
-    CLI::Option *option = app_.add_option(parts.names, target, tr(help));
+    CLI::Option *option = m_app.add_option(parts.names, target, tr(help));
     std::string shown;
     for (const char *one : choices)
         shown += (shown.empty() ? "" : "|") + std::string(one);
@@ -74,12 +74,12 @@ Arguments &Arguments::choice(const char *form, std::string &target,
 }
 
 Arguments &Arguments::required() {
-    last_->required();
+    m_last->required();
     return *this;
 }
 
 Arguments &Arguments::excludes(const char *option) {
-    last_->excludes(option);
+    m_last->excludes(option);
     return *this;
 }
 

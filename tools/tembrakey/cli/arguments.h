@@ -16,7 +16,7 @@ namespace tembra::tool {
 // translated here. Targets keep their value when the argument is absent, and must outlive parsing.
 class Arguments {
 public:
-    explicit Arguments(CLI::App &app) : app_(app) {}
+    explicit Arguments(CLI::App &app) : m_app(app) {}
 
     Arguments &text(const char *form, std::string &target, const char *help);
     Arguments &number(const char *form, int &target, const char *help, int least, int most);
@@ -31,8 +31,8 @@ public:
 private:
     Arguments &declare(CLI::Option *option, const std::string &valueName);
 
-    CLI::App &app_;
-    CLI::Option *last_ = nullptr;
+    CLI::App &m_app;
+    CLI::Option *m_last = nullptr;
 };
 
 } // namespace tembra::tool

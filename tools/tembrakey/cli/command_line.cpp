@@ -24,8 +24,8 @@ public:
     void parse(std::vector<std::string> arguments);
     void run(Context &context);
     Context context() const;
-    const CLI::App &app() const { return app_; }
-    int exit(const CLI::ParseError &error) { return app_.exit(error); }
+    const CLI::App &app() const { return m_app; }
+    int exit(const CLI::ParseError &error) { return m_app.exit(error); }
 
 private:
     struct Planted {
@@ -36,12 +36,12 @@ private:
     CLI::App &group(const std::string &name);
     void plant(const CommandEntry &entry);
 
-    CLI::App app_;
-    std::map<std::string, CLI::App *> groups_;
-    std::vector<Planted> planted_;
-    bool json_ = false;
-    std::string provider_;
-    std::string device_;
+    CLI::App m_app;
+    std::map<std::string, CLI::App *> m_groups;
+    std::vector<Planted> m_planted;
+    bool m_json = false;
+    std::string m_provider;
+    std::string m_device;
 };
 
 void shape(CLI::App &app) {
@@ -50,26 +50,26 @@ void shape(CLI::App &app) {
     app.fallthrough();
 }
 
-CommandLine::CommandLine() : app_(tr(toolSummary), "tembrakey") {
-    app_.formatter(makeHelpFormatter());
-    shape(app_);
-    app_.set_version_flag("--version", std::string("tembrakey ") + TEMBRA_VERSION,
-                          tr("Show the version and end"));
-    app_.require_subcommand(1);
-    app_.footer(tr(toolFooter));
-    Arguments(app_)
-        .flag("--json", json_, "Print results and errors as JSON")
-        .text("--provider PATH", provider_,
+CommandLine::CommandLine() : m_app(tr(TOOL_SUMMARY), "tembrakey") {
+    m_app.formatter(makeHelpFormatter());
+    shape(m_app);
+    m_app.set_version_flag("--version", std::string("tembrakey ") + TEMBRA_VERSION,
+                           tr("Show the version and end"));
+    m_app.require_subcommand(1);
+    m_app.footer(tr(TOOL_FOOTER));
+    Arguments(m_app)
+        .flag("--json", m_json, "Print results and errors as JSON")
+        .text("--provider PATH", m_provider,
               "The provider's library (else TEMBRA_KEY_PROV, else beside this program)")
-        .text("--device INDEX|SERIAL", device_, "The device, as list shows it");
+        .text("--device INDEX|SERIAL", m_device, "The device, as list shows it");
     for (const CommandEntry *entry : commandTable())
         plant(*entry);
 }
 
 CLI::App &CommandLine::group(const std::string &name) {
-    CLI::App *&app = groups_[name];
+    CLI::App *&app = m_groups[name];
     if (app == nullptr) {
-        app = app_.add_subcommand(name, tr(groupSummary(name)))->group(tr("Subcommands"));
+        app = m_app.add_subcommand(name, tr(groupSummary(name)))->group(tr("Subcommands"));
         shape(*app);
         app->require_subcommand(1);
         app->footer("");
@@ -80,38 +80,37 @@ CLI::App &CommandLine::group(const std::string &name) {
 void CommandLine::plant(const CommandEntry &entry) {
     const std::string name = entry.name;
     const auto blank = name.find(' ');
-    CLI::App &parent = blank == std::string::npos ? app_ : group(name.substr(0, blank));
+    CLI::App &parent = blank == std::string::npos ? m_app : group(name.substr(0, blank));
     CLI::App *app = parent.add_subcommand(
         blank == std::string::npos ? name : name.substr(blank + 1), tr(entry.summary));
     app->group(tr("Subcommands"));
     shape(*app);
     const std::string about = entry.about[0] == '\0' ? "" : std::string(tr(entry.about)) + "\n\n";
     app->footer(about + tr("Examples:") + "\n" + entry.examples);
-    planted_.push_back({app, entry.make()});
+    m_planted.push_back({app, entry.make()});
     Arguments arguments(*app);
-    planted_.back().command->describe(arguments);
+    m_planted.back().command->describe(arguments);
 }
 
 void CommandLine::parse(std::vector<std::string> arguments) {
     std::reverse(arguments.begin(), arguments.end()); // as the library takes them
-    app_.parse(std::move(arguments));
+    m_app.parse(std::move(arguments));
 }
 
 void CommandLine::run(Context &context) {
-    for (const Planted &planted : planted_) {
+    for (const Planted &planted : m_planted)
         if (planted.app->parsed())
             planted.command->run(context);
-    }
 }
 
 Context CommandLine::context() const {
-    return {Console(json_), provider_, device_, &app_};
+    return {Console(m_json), m_provider, m_device, &m_app};
 }
 
 int usageError(const CLI::App &app, const std::string &problem, bool json) {
     const std::string message = problem + tr(" (see {1} --help)", {commandNamed(app)});
-    Console(json).error(Failure(ExitCode::Usage, message));
-    return static_cast<int>(ExitCode::Usage);
+    Console(json).error(Failure(ExitCode::usage, message));
+    return static_cast<int>(ExitCode::usage);
 }
 
 } // namespace
@@ -131,13 +130,13 @@ int runCommandLine(std::vector<std::string> arguments) {
     try {
         line.run(context);
         context.console.finish();
-        return static_cast<int>(ExitCode::Ok);
+        return static_cast<int>(ExitCode::ok);
     } catch (const Failure &failure) {
         context.console.error(failure);
         return static_cast<int>(failure.code());
     } catch (const std::bad_alloc &) {
-        context.console.error(Failure(ExitCode::Failure, tr("Memory ran out")));
-        return static_cast<int>(ExitCode::Failure);
+        context.console.error(Failure(ExitCode::failure, tr("Memory ran out")));
+        return static_cast<int>(ExitCode::failure);
     }
 }
 

@@ -32,10 +32,9 @@ std::string optionValues(const CommandWords &command, const std::string &pattern
 
 std::string longNames(const CommandWords &command) {
     std::string names;
-    for (const OptionWords &option : command.options) {
+    for (const OptionWords &option : command.options)
         for (const std::string &name : option.names)
             names += name.starts_with("--") ? name + " " : "";
-    }
     return names;
 }
 

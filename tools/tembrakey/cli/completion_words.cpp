@@ -44,10 +44,9 @@ std::vector<CommandWords> completionWords(const CLI::App &app) {
         for (const CLI::App *child : children(one))
             words.subcommands.emplace_back(child->get_name(), child->get_description());
         const bool isTool = one.get_parent() == nullptr;
-        for (const CLI::Option *option : one.get_options()) {
+        for (const CLI::Option *option : one.get_options())
             if (isTool || option != one.get_help_ptr()) // the tool's holds for all
                 words.options.push_back(wordsOf(*option));
-        }
         commands.push_back(std::move(words));
     });
     return commands;

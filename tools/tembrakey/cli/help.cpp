@@ -6,10 +6,10 @@
 
 namespace tembra::tool {
 
-const char *const toolSummary =
+const char *const TOOL_SUMMARY =
     "Smart tokens from the command line, through the TembraKeyProv provider.";
 
-const char *const toolFooter =
+const char *const TOOL_FOOTER =
     "Exit codes:\n"
     "   0  done\n"
     "   1  the token, the host library or the device's state refused\n"

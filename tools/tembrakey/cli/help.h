@@ -10,8 +10,8 @@ class FormatterBase;
 
 namespace tembra::tool {
 
-extern const char *const toolSummary;
-extern const char *const toolFooter; // exit codes and environment variables
+extern const char *const TOOL_SUMMARY;
+extern const char *const TOOL_FOOTER; // exit codes and environment variables
 
 // "key" -> what its commands are about. English.
 const char *groupSummary(const std::string &name);

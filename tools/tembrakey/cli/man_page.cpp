@@ -68,10 +68,9 @@ std::string options(const CLI::App &app) {
 
 std::string synopsis(const CLI::App &app, const std::string &name) {
     std::string text = bold(name) + " [" + tr("OPTIONS") + "]";
-    for (const CLI::Option *option : app.get_options()) {
+    for (const CLI::Option *option : app.get_options())
         if (option->get_positional())
             text += " \\fI" + escaped(option->get_name(true)) + "\\fR";
-    }
     return text;
 }
 

@@ -23,10 +23,9 @@ std::vector<const CLI::App *> commandsNamed(const CLI::App &app) {
 const CLI::Option *find(const CLI::App &app,
                         const std::function<bool(const CLI::Option &)> &predicate) {
     for (const CLI::App *command : commandsNamed(app)) {
-        for (const CLI::Option *option : command->get_options()) {
+        for (const CLI::Option *option : command->get_options())
             if (predicate(*option))
                 return option;
-        }
     }
     return nullptr;
 }
@@ -52,10 +51,9 @@ std::string missing(const CLI::App &app) {
 }
 
 const CLI::Option *givenRival(const CLI::Option &option) {
-    for (const CLI::Option *rival : option.get_excludes()) {
+    for (const CLI::Option *rival : option.get_excludes())
         if (option.count() > 0 && rival->count() > 0)
             return rival;
-    }
     return nullptr;
 }
 
@@ -98,10 +96,9 @@ void refuseValue(const std::string &text) {
 std::string usageProblem(const CLI::App &app, const CLI::ParseError &error,
                          const std::string &lastWord) {
     // Whatever else is wrong may only follow from a word that nobody takes.
-    for (const std::string &word : app.remaining(true)) {
+    for (const std::string &word : app.remaining(true))
         if (word != "--")
             return unknownWord(*commandsNamed(app).back(), word);
-    }
     switch (static_cast<CLI::ExitCodes>(error.get_exit_code())) {
     case CLI::ExitCodes::RequiredError: return missing(app);
     case CLI::ExitCodes::ExcludesError: return notTogether(app);

@@ -6,8 +6,8 @@ namespace tembra::tool {
 
 namespace {
 
-const int sm3 = ORVEL_PKI_ALGORITHM_SM3;
-const TembraEccParam sm2Curve = {ORVEL_PKI_ECC_CURVE_SM2, 0};
+const int SM3 = ORVEL_PKI_ALGORITHM_SM3;
+const TembraEccParam SM2_CURVE = {ORVEL_PKI_ECC_CURVE_SM2, 0};
 
 // One question to the provider.
 struct Question {
@@ -19,11 +19,11 @@ struct Question {
     const void *param;
 };
 
-const Question questions[] = {
+const Question QUESTIONS[] = {
     {"SM2", "generate a key pair", ORVEL_PKI_ALGORITHM_ECC, 256, ORVEL_PKI_USAGE_GENKEYPAIR,
-     &sm2Curve},
+     &SM2_CURVE},
     {"SM2", "sign", ORVEL_PKI_ALGORITHM_SM2_SIGN, 0, ORVEL_PKI_USAGE_SIGN, nullptr},
-    {"SM2", "decrypt", ORVEL_PKI_ALGORITHM_SM2_ENC, 0, ORVEL_PKI_USAGE_DECRYPT, &sm3},
+    {"SM2", "decrypt", ORVEL_PKI_ALGORITHM_SM2_ENC, 0, ORVEL_PKI_USAGE_DECRYPT, &SM3},
     {"RSA-1024", "generate a key pair", ORVEL_PKI_ALGORITHM_RSA, 1024, ORVEL_PKI_USAGE_GENKEYPAIR,
      nullptr},
     {"RSA-2048", "generate a key pair", ORVEL_PKI_ALGORITHM_RSA, 2048, ORVEL_PKI_USAGE_GENKEYPAIR,
@@ -54,7 +54,7 @@ void Caps::run(Context &context) {
     const Device device = chooseDevice(session, context.device);
     Record::List rows;
     std::string text;
-    for (const Question &one : questions) {
+    for (const Question &one : QUESTIONS) {
         const bool yes =
             session->DeviceIsSupportedAlgorithm2(device.get(), one.algorithmId, one.bits,
                                                  one.usageId, one.param) == ORVEL_PKI_SUCCESS;

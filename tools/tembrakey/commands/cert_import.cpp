@@ -14,28 +14,28 @@ namespace {
 class CertImport final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("FILE", file_, "An X.509 certificate, PEM or DER").required();
-        key_.describe(arguments, true);
-        pin_.describe(arguments);
+        arguments.text("FILE", m_file, "An X.509 certificate, PEM or DER").required();
+        m_key.describe(arguments, true);
+        m_pin.describe(arguments);
     }
     void run(Context &context) override {
-        const crypto::Bytes der = readCertificate(file_);
+        const crypto::Bytes der = readCertificate(m_file);
         const Session session(context.provider);
         const Device device = chooseDevice(session, context.device);
-        const KeyPair pair = chooseKeyPair(device, key_);
-        logIn(device, pin_);
+        const KeyPair pair = chooseKeyPair(device, m_key);
+        logIn(device, m_pin);
         check("DeviceUpdateCertificate", session->DeviceUpdateCertificate(
                                              pair.get(), der.data(), static_cast<int>(der.size())));
         const std::string subject = certificateSubject(der).value_or("");
         context.console.result(
-            Record().add("label", label(pair)).add("type", key_.type).add("subject", subject),
+            Record().add("label", label(pair)).add("type", m_key.type).add("subject", subject),
             tr("Certificate of {1} stored with {2}", {subject, label(pair)}));
     }
 
 private:
-    std::string file_;
-    KeyPairChoice key_;
-    PinSource pin_{"pin", "User PIN"};
+    std::string m_file;
+    KeyPairChoice m_key;
+    PinSource m_pin{"pin", "User PIN"};
 };
 
 } // namespace

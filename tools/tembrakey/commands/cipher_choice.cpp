@@ -14,7 +14,7 @@ struct CipherName {
     bool chained;
 };
 
-const CipherName ciphers[] = {
+const CipherName CIPHERS[] = {
     {"sm4-cbc", ORVEL_PKI_ALGORITHM_SMS4_CBC, true},
     {"sm4-ecb", ORVEL_PKI_ALGORITHM_SMS4_ECB, false},
     {"sm1-cbc", ORVEL_PKI_ALGORITHM_SM1_CBC, true},
@@ -24,11 +24,10 @@ const CipherName ciphers[] = {
 };
 
 const CipherName &cipherNamed(const std::string &name) {
-    for (const CipherName &one : ciphers) {
+    for (const CipherName &one : CIPHERS)
         if (name == one.name)
             return one;
-    }
-    return ciphers[0]; // the command line knows only the names above
+    return CIPHERS[0]; // the command line knows only the names above
 }
 
 crypto::SecretBytes fromHex(std::string_view text) {
@@ -43,50 +42,50 @@ crypto::SecretBytes fromHex(std::string_view text) {
 } // namespace
 
 CipherChoice::~CipherChoice() {
-    crypto::wipe(keyHex_.data(), keyHex_.size());
+    crypto::wipe(m_keyHex.data(), m_keyHex.size());
 }
 
 void CipherChoice::describe(Arguments &arguments) {
     arguments
-        .choice("--algo", algorithm_,
+        .choice("--algo", m_algorithm,
                 {"sm4-cbc", "sm4-ecb", "sm1-cbc", "sm1-ecb", "ssf33-cbc", "ssf33-ecb"},
                 "Cipher and mode (sm4-cbc)")
-        .text("--key-file FILE", keyFile_, "A file with the key: 16 bytes, or 32 hex digits")
-        .text("--key-hex HEX", keyHex_,
+        .text("--key-file FILE", m_keyFile, "A file with the key: 16 bytes, or 32 hex digits")
+        .text("--key-hex HEX", m_keyHex,
               "The key in 32 hex digits; other users of the machine can see it")
         .excludes("--key-file")
-        .text("--iv HEX", iv_, "CBC: the initialisation vector in 32 hex digits")
-        .flag("--pad", pad_, "PKCS #7 padding; without it lengths are multiples of 16");
+        .text("--iv HEX", m_iv, "CBC: the initialisation vector in 32 hex digits")
+        .flag("--pad", m_pad, "PKCS #7 padding; without it lengths are multiples of 16");
 }
 
 int CipherChoice::algorithm() const {
-    return cipherNamed(algorithm_).algorithm;
+    return cipherNamed(m_algorithm).algorithm;
 }
 
 bool CipherChoice::chained() const {
-    return cipherNamed(algorithm_).chained;
+    return cipherNamed(m_algorithm).chained;
 }
 
 crypto::SecretBytes CipherChoice::key() const {
     if (!keyGiven())
-        throw Failure(ExitCode::Usage, tr("Give the key with --key-file or --key-hex"));
-    crypto::SecretBytes key = keyFile_.empty() ? fromHex(keyHex_) : readWhole(keyFile_);
-    if (key.size() > blockSize && !keyFile_.empty()) {
+        throw Failure(ExitCode::usage, tr("Give the key with --key-file or --key-hex"));
+    crypto::SecretBytes key = m_keyFile.empty() ? fromHex(m_keyHex) : readWhole(m_keyFile);
+    if (key.size() > BLOCK_SIZE && !m_keyFile.empty()) {
         while (!key.empty() && (key.back() == '\n' || key.back() == '\r'))
             key.pop_back();
         key = fromHex(crypto::asText(key));
     }
-    if (key.size() != blockSize)
-        throw Failure(ExitCode::Usage, tr("The key must be 16 bytes"));
+    if (key.size() != BLOCK_SIZE)
+        throw Failure(ExitCode::usage, tr("The key must be 16 bytes"));
     return key;
 }
 
 crypto::Bytes CipherChoice::iv() const {
     if (!chained())
         return {};
-    const auto iv = crypto::fromHex(iv_);
-    if (!iv || iv->size() != blockSize)
-        throw Failure(ExitCode::Usage, tr("CBC needs --iv with 32 hex digits"));
+    const auto iv = crypto::fromHex(m_iv);
+    if (!iv || iv->size() != BLOCK_SIZE)
+        throw Failure(ExitCode::usage, tr("CBC needs --iv with 32 hex digits"));
     return *iv;
 }
 

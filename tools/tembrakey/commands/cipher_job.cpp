@@ -17,25 +17,25 @@ public:
 
     void take(crypto::ByteView piece);
     void finish();
-    std::uint64_t written() const { return written_; }
+    std::uint64_t written() const { return m_written; }
 
 private:
     void transform(crypto::ByteView blocks);
     void write(crypto::ByteView bytes);
     void removePadding();
 
-    const Session &session_;
-    bool encrypt_;
-    bool padded_;
-    OutputFile &out_;
-    Cipher cipher_;
-    crypto::SecretBytes tail_; // an unfinished block of input
-    crypto::SecretBytes held_; // the last block of output, when decrypting with padding
-    std::uint64_t written_ = 0;
+    const Session &m_session;
+    bool m_encrypt;
+    bool m_padded;
+    OutputFile &m_out;
+    Cipher m_cipher;
+    crypto::SecretBytes m_tail; // an unfinished block of input
+    crypto::SecretBytes m_held; // the last block of output, when decrypting with padding
+    std::uint64_t m_written = 0;
 };
 
 [[noreturn]] void refuseLength() {
-    throw Failure(ExitCode::Usage,
+    throw Failure(ExitCode::usage,
                   tr("The input's length is no multiple of 16 bytes (--pad lets encrypt fill up)"));
 }
 
@@ -52,12 +52,12 @@ SPI_CIPHER_HANDLE newCipher(const Device &device, const CipherChoice &choice, bo
 
 CipherJob::CipherJob(const Device &device, const CipherChoice &choice, bool encrypt,
                      OutputFile &out)
-    : session_(device.session()), encrypt_(encrypt), padded_(choice.padded()), out_(out),
-      cipher_(session_, newCipher(device, choice, encrypt)) {}
+    : m_session(device.session()), m_encrypt(encrypt), m_padded(choice.padded()), m_out(out),
+      m_cipher(m_session, newCipher(device, choice, encrypt)) {}
 
 void CipherJob::write(crypto::ByteView bytes) {
-    out_.write(bytes);
-    written_ += bytes.size();
+    m_out.write(bytes);
+    m_written += bytes.size();
 }
 
 void CipherJob::transform(crypto::ByteView blocks) {
@@ -65,43 +65,43 @@ void CipherJob::transform(crypto::ByteView blocks) {
         return;
     crypto::SecretBytes result(blocks.size());
     int length = 0;
-    check("DeviceCipherUpdate", session_->DeviceCipherUpdate(
-                                    cipher_.get(), blocks.data(), static_cast<int>(blocks.size()),
+    check("DeviceCipherUpdate", m_session->DeviceCipherUpdate(
+                                    m_cipher.get(), blocks.data(), static_cast<int>(blocks.size()),
                                     result.data(), static_cast<int>(result.size()), &length));
-    if (encrypt_ || !padded_)
+    if (m_encrypt || !m_padded)
         return write(result);
-    write(held_);
-    const auto last = result.end() - blockSize;
-    write({result.data(), result.size() - blockSize});
-    held_.assign(last, result.end());
+    write(m_held);
+    const auto last = result.end() - BLOCK_SIZE;
+    write({result.data(), result.size() - BLOCK_SIZE});
+    m_held.assign(last, result.end());
 }
 
 void CipherJob::take(crypto::ByteView piece) {
-    const std::size_t whole = piece.size() - piece.size() % blockSize; // short only at the end
+    const std::size_t whole = piece.size() - piece.size() % BLOCK_SIZE; // short only at the end
     transform(piece.first(whole));
-    tail_.assign(piece.begin() + static_cast<std::ptrdiff_t>(whole), piece.end());
+    m_tail.assign(piece.begin() + static_cast<std::ptrdiff_t>(whole), piece.end());
 }
 
 void CipherJob::removePadding() {
-    const std::size_t count = held_.empty() ? 0 : held_.back();
-    bool good = count >= 1 && count <= blockSize;
+    const std::size_t count = m_held.empty() ? 0 : m_held.back();
+    bool good = count >= 1 && count <= BLOCK_SIZE;
     for (std::size_t i = 0; good && i < count; ++i)
-        good = held_[blockSize - 1 - i] == count;
+        good = m_held[BLOCK_SIZE - 1 - i] == count;
     if (!good)
-        throw Failure(ExitCode::Usage, tr("The padding is wrong: another key, IV or mode?"));
-    write({held_.data(), blockSize - count});
+        throw Failure(ExitCode::usage, tr("The padding is wrong: another key, IV or mode?"));
+    write({m_held.data(), BLOCK_SIZE - count});
 }
 
 void CipherJob::finish() {
-    if (encrypt_ && padded_) {
-        const auto count = static_cast<std::uint8_t>(blockSize - tail_.size());
-        tail_.insert(tail_.end(), count, count);
-        transform(tail_);
+    if (m_encrypt && m_padded) {
+        const auto count = static_cast<std::uint8_t>(BLOCK_SIZE - m_tail.size());
+        m_tail.insert(m_tail.end(), count, count);
+        transform(m_tail);
         return;
     }
-    if (!tail_.empty())
+    if (!m_tail.empty())
         refuseLength();
-    if (padded_)
+    if (m_padded)
         removePadding();
 }
 
@@ -110,7 +110,7 @@ void CipherJob::finish() {
 std::uint64_t runCipher(const Device &device, const CipherChoice &choice, bool encrypt,
                         const std::string &in, const std::string &out) {
     const bool whole = !encrypt || !choice.padded(); // blocks only
-    if (whole && InputFile(in).size().value_or(0) % blockSize != 0)
+    if (whole && InputFile(in).size().value_or(0) % BLOCK_SIZE != 0)
         refuseLength();
     OutputFile file(out);
     CipherJob job(device, choice, encrypt, file);
@@ -123,7 +123,7 @@ std::uint64_t runCipher(const Device &device, const CipherChoice &choice, bool e
 
 void requireSeparateOutput(const Console &console, const std::string &out) {
     if (console.json() && out == "-")
-        throw Failure(ExitCode::Usage, tr("--json needs --out FILE here"));
+        throw Failure(ExitCode::usage, tr("--json needs --out FILE here"));
 }
 
 void reportOutput(const Console &console, std::uint64_t bytes, const std::string &out) {

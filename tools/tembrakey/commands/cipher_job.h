@@ -10,7 +10,7 @@
 namespace tembra::tool {
 
 // Of all the ciphers, and of their keys and initialisation vectors; bytes.
-constexpr std::size_t blockSize = 16;
+constexpr std::size_t BLOCK_SIZE = 16;
 
 // The arguments that describe a raw key and its cipher.
 class CipherChoice {
@@ -18,21 +18,21 @@ public:
     ~CipherChoice();
 
     void describe(Arguments &arguments);
-    bool keyGiven() const { return !keyHex_.empty() || !keyFile_.empty(); }
+    bool keyGiven() const { return !m_keyHex.empty() || !m_keyFile.empty(); }
 
     int algorithm() const;           // ORVEL_PKI_ALGORITHM_
     crypto::SecretBytes key() const; // 16 bytes; throws Failure
     crypto::Bytes iv() const;        // 16 bytes, or none for ECB; throws Failure
-    bool padded() const { return pad_; }
+    bool padded() const { return m_pad; }
 
 private:
     bool chained() const;
 
-    std::string algorithm_ = "sm4-cbc";
-    std::string keyHex_;
-    std::string keyFile_;
-    std::string iv_;
-    bool pad_ = false;
+    std::string m_algorithm = "sm4-cbc";
+    std::string m_keyHex;
+    std::string m_keyFile;
+    std::string m_iv;
+    bool m_pad = false;
 };
 
 // Carries in to out through the token. Returns the bytes written. Throws Failure.

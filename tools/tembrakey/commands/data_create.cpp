@@ -14,25 +14,25 @@ class DataCreate final : public Command {
 public:
     void describe(Arguments &arguments) override {
         const int most = std::numeric_limits<int>::max();
-        arguments.number("ID", id_, "The object's number", 0, most)
+        arguments.number("ID", m_id, "The object's number", 0, most)
             .required()
-            .number("--size N", size_, "Its size in bytes, which stays", 0, most)
+            .number("--size N", m_size, "Its size in bytes, which stays", 0, most)
             .required()
-            .choice("--anyone", anyone_, {"none", "r", "w", "rw"}, "Rights of anyone (none)")
-            .choice("--user", user_, {"none", "r", "w", "rw"}, "Rights after user login (rw)");
-        pin_.describe(arguments);
+            .choice("--anyone", m_anyone, {"none", "r", "w", "rw"}, "Rights of anyone (none)")
+            .choice("--user", m_user, {"none", "r", "w", "rw"}, "Rights after user login (rw)");
+        m_pin.describe(arguments);
     }
     void run(Context &context) override {
         const Session session(context.provider);
         const Device device = chooseDevice(session, context.device);
-        logInIfGiven(device, pin_);
-        const char mode[] = {3, rights(anyone_), rights(user_)};
-        const int result = session->DeviceCreateData(device.get(), id_, mode, size_);
+        logInIfGiven(device, m_pin);
+        const char mode[] = {3, rights(m_anyone), rights(m_user)};
+        const int result = session->DeviceCreateData(device.get(), m_id, mode, m_size);
         check("DeviceCreateData", result,
               {ORVEL_PKI_FAILURE, tr("the token may be full or without application")});
-        context.console.result(
-            Record().add("id", id_).add("size", size_),
-            tr("Data object {1} created, {2} bytes", {std::to_string(id_), std::to_string(size_)}));
+        context.console.result(Record().add("id", m_id).add("size", m_size),
+                               tr("Data object {1} created, {2} bytes",
+                                  {std::to_string(m_id), std::to_string(m_size)}));
     }
 
 private:
@@ -43,11 +43,11 @@ private:
         return static_cast<char>((reading ? 1 : 0) | (writing ? 2 : 0));
     }
 
-    int id_ = 0;
-    int size_ = 0;
-    std::string anyone_ = "none";
-    std::string user_ = "rw";
-    PinSource pin_{"pin", "User PIN"};
+    int m_id = 0;
+    int m_size = 0;
+    std::string m_anyone = "none";
+    std::string m_user = "rw";
+    PinSource m_pin{"pin", "User PIN"};
 };
 
 } // namespace

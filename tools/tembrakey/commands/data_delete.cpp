@@ -13,22 +13,22 @@ namespace {
 class DataDelete final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.number("ID", id_, "The object's number", 0, std::numeric_limits<int>::max())
+        arguments.number("ID", m_id, "The object's number", 0, std::numeric_limits<int>::max())
             .required();
-        pin_.describe(arguments);
+        m_pin.describe(arguments);
     }
     void run(Context &context) override {
         const Session session(context.provider);
         const Device device = chooseDevice(session, context.device);
-        logInIfGiven(device, pin_);
-        check("DeviceDeleteData", session->DeviceDeleteData(device.get(), id_));
-        context.console.result(Record().add("id", id_).add("deleted", true),
-                               tr("Data object {1} deleted", {std::to_string(id_)}));
+        logInIfGiven(device, m_pin);
+        check("DeviceDeleteData", session->DeviceDeleteData(device.get(), m_id));
+        context.console.result(Record().add("id", m_id).add("deleted", true),
+                               tr("Data object {1} deleted", {std::to_string(m_id)}));
     }
 
 private:
-    int id_ = 0;
-    PinSource pin_{"pin", "User PIN"};
+    int m_id = 0;
+    PinSource m_pin{"pin", "User PIN"};
 };
 
 } // namespace

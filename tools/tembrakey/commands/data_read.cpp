@@ -16,36 +16,36 @@ class DataRead final : public Command {
 public:
     void describe(Arguments &arguments) override {
         const int most = std::numeric_limits<int>::max();
-        arguments.number("ID", id_, "The object's number", 0, most)
+        arguments.number("ID", m_id, "The object's number", 0, most)
             .required()
-            .number("--offset N", offset_, "Where to begin (0)", 0, most)
-            .number("--length N", length_, "How many bytes (else to the end)", 0, most)
-            .text("-o,--out FILE", out_, "Where the bytes go (else standard output)");
-        pin_.describe(arguments);
+            .number("--offset N", m_offset, "Where to begin (0)", 0, most)
+            .number("--length N", m_length, "How many bytes (else to the end)", 0, most)
+            .text("-o,--out FILE", m_out, "Where the bytes go (else standard output)");
+        m_pin.describe(arguments);
     }
     void run(Context &context) override;
 
 private:
     crypto::SecretBytes read(const Device &device) const;
 
-    int id_ = 0;
-    int offset_ = 0;
-    int length_ = -1;
-    std::string out_;
-    PinSource pin_{"pin", "User PIN"};
+    int m_id = 0;
+    int m_offset = 0;
+    int m_length = -1;
+    std::string m_out;
+    PinSource m_pin{"pin", "User PIN"};
 };
 
 crypto::SecretBytes DataRead::read(const Device &device) const {
     const char *const name = "DeviceReadDataEx";
     const auto call = [&](unsigned char *data, int capacity, int *length) {
-        const int result =
-            device.session()->DeviceReadDataEx(device.get(), id_, offset_, data, capacity, length);
+        const int result = device.session()->DeviceReadDataEx(device.get(), m_id, m_offset, data,
+                                                              capacity, length);
         check(name, result, {ORVEL_PKI_BADARGUMENT, tr("the offset lies beyond the object's end")});
     };
     int length = 0;
     call(nullptr, 0, &length);
-    if (length_ >= 0 && length_ < length)
-        length = length_;
+    if (m_length >= 0 && m_length < length)
+        length = m_length;
     crypto::SecretBytes data(static_cast<std::size_t>(length) + 1);
     call(data.data(), length, &length);
     data.resize(static_cast<std::size_t>(length));
@@ -55,19 +55,19 @@ crypto::SecretBytes DataRead::read(const Device &device) const {
 void DataRead::run(Context &context) {
     const Session session(context.provider);
     const Device device = chooseDevice(session, context.device);
-    logInIfGiven(device, pin_);
+    logInIfGiven(device, m_pin);
     const crypto::SecretBytes data = read(device);
     Record record;
-    record.add("id", id_).add("offset", offset_).add("bytes", static_cast<int>(data.size()));
-    if (out_.empty() && context.console.json()) {
+    record.add("id", m_id).add("offset", m_offset).add("bytes", static_cast<int>(data.size()));
+    if (m_out.empty() && context.console.json()) {
         context.console.result(record.add("data", crypto::toHex(data)), "");
         return;
     }
-    const std::string target = out_.empty() ? "-" : out_;
+    const std::string target = m_out.empty() ? "-" : m_out;
     writeWhole(target, data);
     if (target != "-")
-        context.console.result(record.add("out", out_),
-                               tr("{1} bytes written to {2}", {std::to_string(data.size()), out_}));
+        context.console.result(record.add("out", m_out), tr("{1} bytes written to {2}",
+                                                            {std::to_string(data.size()), m_out}));
 }
 
 } // namespace

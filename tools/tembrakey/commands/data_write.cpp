@@ -15,36 +15,36 @@ class DataWrite final : public Command {
 public:
     void describe(Arguments &arguments) override {
         const int most = std::numeric_limits<int>::max();
-        arguments.number("ID", id_, "The object's number", 0, most)
+        arguments.number("ID", m_id, "The object's number", 0, most)
             .required()
-            .text("FILE", file_, "What to write (- is standard input)")
+            .text("FILE", m_file, "What to write (- is standard input)")
             .required()
-            .number("--offset N", offset_, "Where to begin (0)", 0, most);
-        pin_.describe(arguments);
+            .number("--offset N", m_offset, "Where to begin (0)", 0, most);
+        m_pin.describe(arguments);
     }
     void run(Context &context) override {
-        const crypto::SecretBytes data = readWhole(file_, 1 << 24);
+        const crypto::SecretBytes data = readWhole(m_file, 1 << 24);
         const Session session(context.provider);
         const Device device = chooseDevice(session, context.device);
-        logInIfGiven(device, pin_);
-        const int result = session->DeviceWriteDataEx(device.get(), id_, offset_, data.data(),
+        logInIfGiven(device, m_pin);
+        const int result = session->DeviceWriteDataEx(device.get(), m_id, m_offset, data.data(),
                                                       static_cast<int>(data.size()));
         check("DeviceWriteDataEx", result,
               {ORVEL_PKI_BADARGUMENT,
                tr("there must be something to write, and it must fit in the object's size")});
         context.console.result(Record()
-                                   .add("id", id_)
-                                   .add("offset", offset_)
+                                   .add("id", m_id)
+                                   .add("offset", m_offset)
                                    .add("bytes", static_cast<int>(data.size())),
                                tr("{1} bytes written to data object {2}",
-                                  {std::to_string(data.size()), std::to_string(id_)}));
+                                  {std::to_string(data.size()), std::to_string(m_id)}));
     }
 
 private:
-    int id_ = 0;
-    std::string file_;
-    int offset_ = 0;
-    PinSource pin_{"pin", "User PIN"};
+    int m_id = 0;
+    std::string m_file;
+    int m_offset = 0;
+    PinSource m_pin{"pin", "User PIN"};
 };
 
 } // namespace

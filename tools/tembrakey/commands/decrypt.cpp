@@ -14,24 +14,24 @@ namespace {
 
 class Decrypt final : public Command {
 public:
-    Decrypt() { key_.type = "encrypt"; }
+    Decrypt() { m_key.type = "encrypt"; }
     void describe(Arguments &arguments) override {
-        arguments.text("FILE", file_, "The file to decrypt (- is standard input)").required();
-        key_.describe(arguments, true);
-        pin_.describe(arguments);
-        cipher_.describe(arguments);
-        arguments.text("-o,--out FILE", out_, "Where the plaintext goes (else standard output)");
+        arguments.text("FILE", m_file, "The file to decrypt (- is standard input)").required();
+        m_key.describe(arguments, true);
+        m_pin.describe(arguments);
+        m_cipher.describe(arguments);
+        arguments.text("-o,--out FILE", m_out, "Where the plaintext goes (else standard output)");
     }
     void run(Context &context) override;
 
 private:
     crypto::SecretBytes withPrivateKey(const Device &device) const;
 
-    std::string file_;
-    KeyPairChoice key_;
-    PinSource pin_{"pin", "User PIN"};
-    CipherChoice cipher_;
-    std::string out_ = "-";
+    std::string m_file;
+    KeyPairChoice m_key;
+    PinSource m_pin{"pin", "User PIN"};
+    CipherChoice m_cipher;
+    std::string m_out = "-";
 };
 
 // SM2 ciphertext in DER becomes flat, flat stays as it is.
@@ -45,10 +45,10 @@ crypto::SecretBytes flat(crypto::SecretBytes cipher) {
 
 crypto::SecretBytes Decrypt::withPrivateKey(const Device &device) const {
     const Session &session = device.session();
-    const KeyPair pair = chooseKeyPair(device, key_);
+    const KeyPair pair = chooseKeyPair(device, m_key);
     const bool rsa = isRsa(pair);
-    const crypto::SecretBytes cipher = rsa ? readWhole(file_) : flat(readWhole(file_));
-    logIn(device, pin_);
+    const crypto::SecretBytes cipher = rsa ? readWhole(m_file) : flat(readWhole(m_file));
+    logIn(device, m_pin);
     const int hashAlgorithm = ORVEL_PKI_ALGORITHM_SM3;
     crypto::SecretBytes clear(cipher.size() + 1); // the ciphertext's length is the upper bound
     int length = 0;
@@ -63,16 +63,16 @@ crypto::SecretBytes Decrypt::withPrivateKey(const Device &device) const {
 }
 
 void Decrypt::run(Context &context) {
-    requireSeparateOutput(context.console, out_);
+    requireSeparateOutput(context.console, m_out);
     const Session session(context.provider);
     const Device device = chooseDevice(session, context.device);
-    if (cipher_.keyGiven()) {
-        reportOutput(context.console, runCipher(device, cipher_, false, file_, out_), out_);
+    if (m_cipher.keyGiven()) {
+        reportOutput(context.console, runCipher(device, m_cipher, false, m_file, m_out), m_out);
         return;
     }
     const crypto::SecretBytes clear = withPrivateKey(device);
-    writeWhole(out_, clear);
-    reportOutput(context.console, clear.size(), out_);
+    writeWhole(m_out, clear);
+    reportOutput(context.console, clear.size(), m_out);
 }
 
 } // namespace

@@ -29,9 +29,9 @@ void Doctor::run(Context &context) {
     }
     context.console.result(report.record(), report.text());
     if (!isLoaded)
-        throw Failure(ExitCode::NoProvider, tr("Hosts cannot use the provider: see above"));
+        throw Failure(ExitCode::noProvider, tr("Hosts cannot use the provider: see above"));
     if (report.count(doctor::Status::failure) > 0)
-        throw Failure(ExitCode::Failure, tr("Something does not work: see above"));
+        throw Failure(ExitCode::failure, tr("Something does not work: see above"));
 }
 
 } // namespace

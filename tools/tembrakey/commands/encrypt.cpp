@@ -9,21 +9,21 @@ namespace {
 class Encrypt final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("FILE", file_, "The file to encrypt (- is standard input)").required();
-        cipher_.describe(arguments);
-        arguments.text("-o,--out FILE", out_, "Where the ciphertext goes (else standard output)");
+        arguments.text("FILE", m_file, "The file to encrypt (- is standard input)").required();
+        m_cipher.describe(arguments);
+        arguments.text("-o,--out FILE", m_out, "Where the ciphertext goes (else standard output)");
     }
     void run(Context &context) override {
-        requireSeparateOutput(context.console, out_);
+        requireSeparateOutput(context.console, m_out);
         const Session session(context.provider);
         const Device device = chooseDevice(session, context.device);
-        reportOutput(context.console, runCipher(device, cipher_, true, file_, out_), out_);
+        reportOutput(context.console, runCipher(device, m_cipher, true, m_file, m_out), m_out);
     }
 
 private:
-    std::string file_;
-    CipherChoice cipher_;
-    std::string out_ = "-";
+    std::string m_file;
+    CipherChoice m_cipher;
+    std::string m_out = "-";
 };
 
 } // namespace

@@ -12,12 +12,12 @@ namespace {
 class HashFile final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("FILE", file_, "The file to hash (- is standard input)").required();
+        arguments.text("FILE", m_file, "The file to hash (- is standard input)").required();
     }
     void run(Context &context) override;
 
 private:
-    std::string file_;
+    std::string m_file;
 };
 
 void HashFile::run(Context &context) {
@@ -26,7 +26,7 @@ void HashFile::run(Context &context) {
     const Hash hash(session, session->DeviceNewHash(device.get(), ORVEL_PKI_ALGORITHM_SM3));
     if (!hash)
         refuseNull("DeviceNewHash", tr("the token has no SM3, or no room for another digest"));
-    const auto bytes = forEachPiece(file_, tr("Hashing"), [&](crypto::ByteView piece) {
+    const auto bytes = forEachPiece(m_file, tr("Hashing"), [&](crypto::ByteView piece) {
         check("DeviceHashUpdate",
               session->DeviceHashUpdate(hash.get(), piece.data(), static_cast<int>(piece.size())));
     });
@@ -36,10 +36,10 @@ void HashFile::run(Context &context) {
     const std::string hex = crypto::toHex(value);
     context.console.result(Record()
                                .add("algorithm", "sm3")
-                               .add("file", file_)
+                               .add("file", m_file)
                                .add("bytes", static_cast<std::int64_t>(bytes))
                                .add("digest", hex),
-                           hex + "  " + file_);
+                           hex + "  " + m_file);
 }
 
 } // namespace

@@ -12,40 +12,40 @@ namespace {
 class KeyDelete final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("-l,--label LABEL", label_, "The label of the container to delete")
+        arguments.text("-l,--label LABEL", m_label, "The label of the container to delete")
             .required()
-            .flag("--yes", yes_, "Do not ask");
-        pin_.describe(arguments);
+            .flag("--yes", m_yes, "Do not ask");
+        m_pin.describe(arguments);
     }
     void run(Context &context) override;
 
 private:
     KeyPair eitherPair(const Device &device) const;
 
-    std::string label_;
-    bool yes_ = false;
-    PinSource pin_{"pin", "User PIN"};
+    std::string m_label;
+    bool m_yes = false;
+    PinSource m_pin{"pin", "User PIN"};
 };
 
 KeyPair KeyDelete::eitherPair(const Device &device) const {
     SPI_KEYPAIR_HANDLE handle = nullptr;
     if (device.session()->DeviceFindKeypair(device.get(), ORVEL_PKI_KEYPAIRTYPE_ENCRYPT,
-                                            label_.c_str(), &handle) == ORVEL_PKI_SUCCESS)
+                                            m_label.c_str(), &handle) == ORVEL_PKI_SUCCESS)
         return KeyPair(device.session(), handle);
-    return chooseKeyPair(device, {label_, "sign"});
+    return chooseKeyPair(device, {m_label, "sign"});
 }
 
 void KeyDelete::run(Context &context) {
     const Session session(context.provider);
     const Device device = chooseDevice(session, context.device);
     const KeyPair pair = eitherPair(device);
-    if (!yes_ && !context.console.confirms(
-                     tr("Delete {1} with all its keys and certificates from the token?", {label_})))
-        throw Failure(ExitCode::Failure, tr("Nothing was deleted"));
-    logIn(device, pin_);
+    if (!m_yes && !context.console.confirms(tr(
+                      "Delete {1} with all its keys and certificates from the token?", {m_label})))
+        throw Failure(ExitCode::failure, tr("Nothing was deleted"));
+    logIn(device, m_pin);
     check("DeviceDeleteKeypair", session->DeviceDeleteKeypair(pair.get()));
-    context.console.result(Record().add("label", label_).add("deleted", true),
-                           tr("Container {1} deleted", {label_}));
+    context.console.result(Record().add("label", m_label).add("deleted", true),
+                           tr("Container {1} deleted", {m_label}));
 }
 
 } // namespace

@@ -11,30 +11,30 @@ namespace {
 class KeyEnvelope final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("FILE", file_, "The private key to envelope, unencrypted PEM")
+        arguments.text("FILE", m_file, "The private key to envelope, unencrypted PEM")
             .required()
-            .text("--to FILE", container_, "The container's public signature key, PEM or DER")
+            .text("--to FILE", m_container, "The container's public signature key, PEM or DER")
             .required()
-            .text("-o,--out FILE", out_, "Where the blob goes")
+            .text("-o,--out FILE", m_out, "Where the blob goes")
             .required()
-            .flag("--gdk", gdk_, "SM2: the 48-byte form of the private key instead of 32 bytes");
+            .flag("--gdk", m_gdk, "SM2: the 48-byte form of the private key instead of 32 bytes");
     }
     void run(Context &context) override {
-        const auto form = gdk_ ? Sm2PrivateForm::Gdk : Sm2PrivateForm::Plain;
-        const crypto::PrivateKey key = readPrivateKey(file_, readWhole(file_));
-        const crypto::Bytes blob = envelopeKeyPair(key, readPublicKey(container_), form);
-        writeWhole(out_, blob);
+        const auto form = m_gdk ? Sm2PrivateForm::gdk : Sm2PrivateForm::plain;
+        const crypto::PrivateKey key = readPrivateKey(m_file, readWhole(m_file));
+        const crypto::Bytes blob = envelopeKeyPair(key, readPublicKey(m_container), form);
+        writeWhole(m_out, blob);
         const std::string bytes = std::to_string(blob.size());
         context.console.result(
-            Record().add("out", out_).add("bytes", static_cast<int>(blob.size())),
-            tr("Enveloped key pair written to {1} ({2} bytes)", {out_, bytes}));
+            Record().add("out", m_out).add("bytes", static_cast<int>(blob.size())),
+            tr("Enveloped key pair written to {1} ({2} bytes)", {m_out, bytes}));
     }
 
 private:
-    std::string file_;
-    std::string container_;
-    std::string out_;
-    bool gdk_ = false;
+    std::string m_file;
+    std::string m_container;
+    std::string m_out;
+    bool m_gdk = false;
 };
 
 } // namespace

@@ -12,30 +12,30 @@ namespace {
 class KeyExport final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        key_.describe(arguments, true);
-        arguments.text("-o,--out FILE", out_, "Where the PEM goes (else standard output)");
+        m_key.describe(arguments, true);
+        arguments.text("-o,--out FILE", m_out, "Where the PEM goes (else standard output)");
     }
     void run(Context &context) override;
 
 private:
-    KeyPairChoice key_;
-    std::string out_;
+    KeyPairChoice m_key;
+    std::string m_out;
 };
 
 void KeyExport::run(Context &context) {
     const Session session(context.provider);
     const Device device = chooseDevice(session, context.device);
-    const KeyPair pair = chooseKeyPair(device, key_);
+    const KeyPair pair = chooseKeyPair(device, m_key);
     const std::string pem = crypto::encodePem("PUBLIC KEY", publicKeyDer(pair));
     Record record;
-    record.add("label", label(pair)).add("type", key_.type).add("algorithm", algorithmName(pair));
-    if (out_.empty()) {
+    record.add("label", label(pair)).add("type", m_key.type).add("algorithm", algorithmName(pair));
+    if (m_out.empty()) {
         context.console.result(record.add("pem", pem), pem.substr(0, pem.size() - 1));
         return;
     }
-    writeWhole(out_, crypto::asBytes(pem));
-    if (out_ != "-")
-        context.console.result(record.add("out", out_), tr("Public key written to {1}", {out_}));
+    writeWhole(m_out, crypto::asBytes(pem));
+    if (m_out != "-")
+        context.console.result(record.add("out", m_out), tr("Public key written to {1}", {m_out}));
 }
 
 } // namespace

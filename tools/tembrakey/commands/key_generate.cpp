@@ -11,53 +11,53 @@ namespace {
 class KeyGenerate final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.choice("--algo", algorithm_, {"sm2", "rsa"}, "Algorithm (sm2)")
-            .number("--bits N", bits_, "Key size: 256 for SM2, 1024 or 2048 for RSA (2048)", 256,
+        arguments.choice("--algo", m_algorithm, {"sm2", "rsa"}, "Algorithm (sm2)")
+            .number("--bits N", m_bits, "Key size: 256 for SM2, 1024 or 2048 for RSA (2048)", 256,
                     2048)
-            .text("-l,--label LABEL", label_, "The label, the name of a new container")
+            .text("-l,--label LABEL", m_label, "The label, the name of a new container")
             .required();
-        pin_.describe(arguments);
+        m_pin.describe(arguments);
     }
     void run(Context &context) override;
 
 private:
     void settleBits();
 
-    std::string algorithm_ = "sm2";
-    int bits_ = 0;
-    std::string label_;
-    PinSource pin_{"pin", "User PIN"};
+    std::string m_algorithm = "sm2";
+    int m_bits = 0;
+    std::string m_label;
+    PinSource m_pin{"pin", "User PIN"};
 };
 
 // Tested before the token makes a container for a key that it then refuses.
 void KeyGenerate::settleBits() {
-    const bool rsa = algorithm_ == "rsa";
-    if (bits_ == 0)
-        bits_ = rsa ? 2048 : 256;
-    if (rsa ? bits_ != 1024 && bits_ != 2048 : bits_ != 256)
-        throw Failure(ExitCode::Usage, tr("Keys are SM2 with 256 or RSA with 1024 or 2048 bits"));
+    const bool rsa = m_algorithm == "rsa";
+    if (m_bits == 0)
+        m_bits = rsa ? 2048 : 256;
+    if (rsa ? m_bits != 1024 && m_bits != 2048 : m_bits != 256)
+        throw Failure(ExitCode::usage, tr("Keys are SM2 with 256 or RSA with 1024 or 2048 bits"));
 }
 
 void KeyGenerate::run(Context &context) {
     settleBits();
-    const bool rsa = algorithm_ == "rsa";
+    const bool rsa = m_algorithm == "rsa";
     const TembraEccParam curve = {ORVEL_PKI_ECC_CURVE_SM2, 0};
     const Session session(context.provider);
     const Device device = chooseDevice(session, context.device);
-    logIn(device, pin_);
+    logIn(device, m_pin);
     SPI_KEYPAIR_HANDLE handle = nullptr;
     check("DeviceGenerateKeypair",
           session->DeviceGenerateKeypair(
-              device.get(), rsa ? ORVEL_PKI_ALGORITHM_RSA : ORVEL_PKI_ALGORITHM_ECC, bits_,
-              rsa ? nullptr : &curve, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, label_.c_str(), &handle));
+              device.get(), rsa ? ORVEL_PKI_ALGORITHM_RSA : ORVEL_PKI_ALGORITHM_ECC, m_bits,
+              rsa ? nullptr : &curve, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, m_label.c_str(), &handle));
     const KeyPair pair(session, handle);
-    context.console.result(
-        Record()
-            .add("label", label_)
-            .add("type", "sign")
-            .add("algorithm", algorithm_)
-            .add("bits", bits_),
-        tr("Key pair {1} generated ({2}, {3} bits)", {label_, algorithm_, std::to_string(bits_)}));
+    context.console.result(Record()
+                               .add("label", m_label)
+                               .add("type", "sign")
+                               .add("algorithm", m_algorithm)
+                               .add("bits", m_bits),
+                           tr("Key pair {1} generated ({2}, {3} bits)",
+                              {m_label, m_algorithm, std::to_string(m_bits)}));
 }
 
 } // namespace

@@ -19,20 +19,20 @@ class KeyImport final : public Command {
 public:
     void describe(Arguments &arguments) override {
         arguments
-            .text("FILE", file_, "An enveloped key pair blob, or an unencrypted PEM private key")
+            .text("FILE", m_file, "An enveloped key pair blob, or an unencrypted PEM private key")
             .required()
-            .text("-l,--label LABEL", label_, "The container with the signature key pair")
+            .text("-l,--label LABEL", m_label, "The container with the signature key pair")
             .required();
-        pin_.describe(arguments);
+        m_pin.describe(arguments);
     }
     void run(Context &context) override;
 
 private:
     crypto::SecretBytes blob() const;
 
-    std::string file_;
-    std::string label_;
-    PinSource pin_{"pin", "User PIN"};
+    std::string m_file;
+    std::string m_label;
+    PinSource m_pin{"pin", "User PIN"};
 };
 
 bool beginsWith(crypto::ByteView bytes, std::string_view text) {
@@ -41,12 +41,12 @@ bool beginsWith(crypto::ByteView bytes, std::string_view text) {
 
 // What the provider takes: both blob forms as they are, a PEM key as a plain key pair blob.
 crypto::SecretBytes KeyImport::blob() const {
-    crypto::SecretBytes content = readWhole(file_);
+    crypto::SecretBytes content = readWhole(m_file);
     if (beginsWith(content, "SCAENCKP") || beginsWith(content, "_KEYPAIR"))
         return content;
-    auto plain = crypto::encodeKeyPairBlob(readPrivateKey(file_, content));
+    auto plain = crypto::encodeKeyPairBlob(readPrivateKey(m_file, content));
     if (plain.empty())
-        throw Failure(ExitCode::Usage, tr("{1}: RSA keys must have 1024 or 2048 bits", {file_}));
+        throw Failure(ExitCode::usage, tr("{1}: RSA keys must have 1024 or 2048 bits", {m_file}));
     return plain;
 }
 
@@ -54,21 +54,21 @@ void KeyImport::run(Context &context) {
     const crypto::SecretBytes keyPair = blob();
     const Session session(context.provider);
     const Device device = chooseDevice(session, context.device);
-    chooseKeyPair(device, {label_, "sign"}); // says it better than the import would
-    logIn(device, pin_);
+    chooseKeyPair(device, {m_label, "sign"}); // says it better than the import would
+    logIn(device, m_pin);
     SPI_KEYPAIR_HANDLE handle = nullptr;
     check("DeviceImportKeypair", session->DeviceImportKeypair(
                                      device.get(), keyPair.data(), static_cast<int>(keyPair.size()),
-                                     ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, label_.c_str(), &handle));
+                                     ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, m_label.c_str(), &handle));
     const KeyPair pair(session, handle);
     const int bits = session->DeviceGetKeypairBits(pair.get());
     context.console.result(Record()
-                               .add("label", label_)
+                               .add("label", m_label)
                                .add("type", "encrypt")
                                .add("algorithm", algorithmName(pair))
                                .add("bits", bits),
                            tr("Encryption key pair imported into {1} ({2}, {3} bits)",
-                              {label_, algorithmName(pair), std::to_string(bits)}));
+                              {m_label, algorithmName(pair), std::to_string(bits)}));
 }
 
 } // namespace

@@ -107,7 +107,7 @@ void List::run(Context &context) {
         text += (text.empty() ? "" : "\n") + shown.text;
     }
     if (devices.empty() && !context.device.empty())
-        throw Failure(ExitCode::NotFound,
+        throw Failure(ExitCode::notFound,
                       tr("There is no device {1}: list shows them", {context.device}));
     if (devices.empty())
         text = tr("No token is connected");

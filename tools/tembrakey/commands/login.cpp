@@ -12,27 +12,27 @@ namespace {
 class Login final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.flag("--so", so_, "As administrator")
-            .flag("--device-auth", deviceAuthentication_,
+        arguments.flag("--so", m_so, "As administrator")
+            .flag("--device-auth", m_deviceAuthentication,
                   "With the device-authentication key, 32 characters")
             .excludes("--so");
-        pin_.describe(arguments);
+        m_pin.describe(arguments);
     }
     void run(Context &context) override {
         const Session session(context.provider);
         const Device device = chooseDevice(session, context.device);
-        const int type = deviceAuthentication_ ? TEMBRA_PWD_DEVICE_AUTH
-                         : so_                 ? TEMBRA_PWD_ADMIN
-                                               : TEMBRA_PWD_USER;
-        verifyPin(device, type, pin_.read());
-        const char *as = deviceAuthentication_ ? "device" : so_ ? "administrator" : "user";
+        const int type = m_deviceAuthentication ? TEMBRA_PWD_DEVICE_AUTH
+                         : m_so                 ? TEMBRA_PWD_ADMIN
+                                                : TEMBRA_PWD_USER;
+        verifyPin(device, type, m_pin.read());
+        const char *as = m_deviceAuthentication ? "device" : m_so ? "administrator" : "user";
         context.console.result(Record().add("as", as).add("loggedIn", true), tr("Login succeeded"));
     }
 
 private:
-    bool so_ = false;
-    bool deviceAuthentication_ = false;
-    PinSource pin_{"pin", "PIN or key"};
+    bool m_so = false;
+    bool m_deviceAuthentication = false;
+    PinSource m_pin{"pin", "PIN or key"};
 };
 
 } // namespace

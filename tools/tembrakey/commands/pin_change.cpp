@@ -11,29 +11,29 @@ namespace {
 class PinChange final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.flag("--so", so_, "The administrator PIN instead of the user PIN");
-        pin_.describe(arguments);
-        newPin_.describe(arguments);
+        arguments.flag("--so", m_so, "The administrator PIN instead of the user PIN");
+        m_pin.describe(arguments);
+        m_newPin.describe(arguments);
     }
     void run(Context &context) override {
         const Session session(context.provider);
         const Device device = chooseDevice(session, context.device);
-        const SecretText oldPin = pin_.read();
-        const SecretText newPin = newPin_.readNew();
-        const int type = so_ ? TEMBRA_PWD_ADMIN : TEMBRA_PWD_USER;
+        const SecretText oldPin = m_pin.read();
+        const SecretText newPin = m_newPin.readNew();
+        const int type = m_so ? TEMBRA_PWD_ADMIN : TEMBRA_PWD_USER;
         int tries = -1;
         checkPin(
             "DeviceChangePwd", device, type,
             session->DeviceChangePwd(device.get(), type, oldPin.c_str(), newPin.c_str(), &tries));
         context.console.result(
-            Record().add("pin", so_ ? "administrator" : "user").add("changed", true),
+            Record().add("pin", m_so ? "administrator" : "user").add("changed", true),
             tr("The PIN is changed"));
     }
 
 private:
-    bool so_ = false;
-    PinSource pin_{"pin", "Present PIN"};
-    PinSource newPin_{"new-pin", "New PIN"};
+    bool m_so = false;
+    PinSource m_pin{"pin", "Present PIN"};
+    PinSource m_newPin{"new-pin", "New PIN"};
 };
 
 } // namespace

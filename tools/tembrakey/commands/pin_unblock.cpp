@@ -11,14 +11,14 @@ namespace {
 class PinUnblock final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        soPin_.describe(arguments, "pin");
-        newPin_.describe(arguments);
+        m_soPin.describe(arguments, "pin");
+        m_newPin.describe(arguments);
     }
     void run(Context &context) override {
         const Session session(context.provider);
         const Device device = chooseDevice(session, context.device);
-        const SecretText soPin = soPin_.read();
-        const SecretText newPin = newPin_.readNew();
+        const SecretText soPin = m_soPin.read();
+        const SecretText newPin = m_newPin.readNew();
         int tries = -1;
         const int result = session->DeviceUnlockPwd(device.get(), TEMBRA_PWD_USER, soPin.c_str(),
                                                     newPin.c_str(), &tries);
@@ -33,7 +33,7 @@ private:
     static void checkUnblocked(const Device &device, int result, int tries) {
         if (result == ORVEL_PKI_FAILURE && tries > 0)
             throw Failure(
-                ExitCode::WrongPin,
+                ExitCode::wrongPin,
                 tr("{1} answered {2}: {3}", {"DeviceUnlockPwd", "0",
                                              tr("the administrator PIN is wrong, tries left: {1}",
                                                 {std::to_string(tries)})}),
@@ -41,8 +41,8 @@ private:
         checkPin("DeviceUnlockPwd", device, TEMBRA_PWD_ADMIN, result);
     }
 
-    PinSource soPin_{"so-pin", "Administrator PIN"};
-    PinSource newPin_{"new-pin", "New user PIN"};
+    PinSource m_soPin{"so-pin", "Administrator PIN"};
+    PinSource m_newPin{"new-pin", "New user PIN"};
 };
 
 } // namespace

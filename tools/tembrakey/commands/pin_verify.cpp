@@ -11,20 +11,20 @@ namespace {
 class PinVerify final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.flag("--so", so_, "The administrator PIN instead of the user PIN");
-        pin_.describe(arguments);
+        arguments.flag("--so", m_so, "The administrator PIN instead of the user PIN");
+        m_pin.describe(arguments);
     }
     void run(Context &context) override {
         const Session session(context.provider);
         const Device device = chooseDevice(session, context.device);
-        verifyPin(device, so_ ? TEMBRA_PWD_ADMIN : TEMBRA_PWD_USER, pin_.read());
-        context.console.result(Record().add("pin", so_ ? "administrator" : "user").add("ok", true),
+        verifyPin(device, m_so ? TEMBRA_PWD_ADMIN : TEMBRA_PWD_USER, m_pin.read());
+        context.console.result(Record().add("pin", m_so ? "administrator" : "user").add("ok", true),
                                tr("The PIN is right"));
     }
 
 private:
-    bool so_ = false;
-    PinSource pin_{"pin", "PIN"};
+    bool m_so = false;
+    PinSource m_pin{"pin", "PIN"};
 };
 
 } // namespace

@@ -10,17 +10,17 @@ namespace {
 class Completion final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.choice("SHELL", shell_, {"bash", "zsh", "fish"}, "The shell").required();
+        arguments.choice("SHELL", m_shell, {"bash", "zsh", "fish"}, "The shell").required();
     }
     void run(Context &context) override {
-        const auto write = shell_ == "bash"  ? &bashCompletion
-                           : shell_ == "zsh" ? &zshCompletion
-                                             : &fishCompletion;
+        const auto write = m_shell == "bash"  ? &bashCompletion
+                           : m_shell == "zsh" ? &zshCompletion
+                                              : &fishCompletion;
         Console::write(write(*context.app));
     }
 
 private:
-    std::string shell_;
+    std::string m_shell;
 };
 
 class Man final : public Command {

@@ -15,56 +15,56 @@ namespace {
 class Sign final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("FILE", file_, "The file to sign (- is standard input)").required();
-        key_.describe(arguments, false);
-        signerId_.describe(arguments);
-        arguments.text("-o,--out FILE", out_,
+        arguments.text("FILE", m_file, "The file to sign (- is standard input)").required();
+        m_key.describe(arguments, false);
+        m_signerId.describe(arguments);
+        arguments.text("-o,--out FILE", m_out,
                        "Where the signature goes as bytes (else it is printed in hex)");
-        pin_.describe(arguments);
+        m_pin.describe(arguments);
     }
     void run(Context &context) override;
 
 private:
     crypto::Bytes sm2Digest(const KeyPair &pair) const;
 
-    std::string file_;
-    KeyPairChoice key_;
-    SignerId signerId_;
-    std::string out_;
-    PinSource pin_{"pin", "User PIN"};
+    std::string m_file;
+    KeyPairChoice m_key;
+    SignerId m_signerId;
+    std::string m_out;
+    PinSource m_pin{"pin", "User PIN"};
 };
 
 crypto::Bytes Sign::sm2Digest(const KeyPair &pair) const {
     const auto key = publicKey(pair);
     const auto *sm2 = std::get_if<crypto::Sm2PublicKey>(&key);
     if (sm2 == nullptr)
-        throw Failure(ExitCode::Failure, tr("The public key of {1} is no SM2 key", {label(pair)}));
-    return sm2ToBeSigned(file_, *sm2, signerId_);
+        throw Failure(ExitCode::failure, tr("The public key of {1} is no SM2 key", {label(pair)}));
+    return sm2ToBeSigned(m_file, *sm2, m_signerId);
 }
 
 void Sign::run(Context &context) {
     const Session session(context.provider);
     const Device device = chooseDevice(session, context.device);
-    const KeyPair pair = chooseKeyPair(device, key_);
+    const KeyPair pair = chooseKeyPair(device, m_key);
     const bool rsa = isRsa(pair);
     const int algorithm =
         rsa ? ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_SIGN : ORVEL_PKI_ALGORITHM_SM2_SIGN;
-    const crypto::Bytes toSign = rsa ? rsaToBeSigned(file_) : sm2Digest(pair);
-    logIn(device, pin_);
+    const crypto::Bytes toSign = rsa ? rsaToBeSigned(m_file) : sm2Digest(pair);
+    logIn(device, m_pin);
     const auto signature = readBytes("DeviceSign", [&](auto *buffer, int capacity, int *length) {
         return session->DeviceSign(pair.get(), algorithm, nullptr, toSign.data(),
                                    static_cast<int>(toSign.size()), buffer, capacity, length);
     });
     Record record;
     record.add("label", label(pair)).add("algorithm", rsa ? "rsa-sha256" : "sm2-sm3");
-    if (out_.empty()) {
+    if (m_out.empty()) {
         const std::string hex = crypto::toHex(signature);
         context.console.result(record.add("signature", hex), hex);
         return;
     }
-    writeWhole(out_, signature);
-    if (out_ != "-")
-        context.console.result(record.add("out", out_), tr("Signature written to {1}", {out_}));
+    writeWhole(m_out, signature);
+    if (m_out != "-")
+        context.console.result(record.add("out", m_out), tr("Signature written to {1}", {m_out}));
 }
 
 } // namespace

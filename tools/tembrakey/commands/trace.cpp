@@ -17,7 +17,7 @@ namespace tembra::tool {
 
 namespace {
 
-constexpr std::size_t mostFailures = 1000; // in the list at the top
+constexpr std::size_t MOST_FAILURES = 1000; // in the list at the top
 
 std::vector<std::string> split(const std::string &list) {
     std::vector<std::string> parts;
@@ -37,19 +37,19 @@ public:
     using TakeForeign = std::function<void(std::uint64_t, std::string_view)>;
 
     Funnel(const trace::Filter &filter, TakeCall takeCall, TakeForeign takeForeignLine)
-        : filter_(filter), takeCall_(std::move(takeCall)),
-          takeForeign_(std::move(takeForeignLine)) {}
+        : m_filter(filter), m_takeCall(std::move(takeCall)),
+          m_takeForeign(std::move(takeForeignLine)) {}
 
-    void take(trace::Call &&call) override { filter_.pass(std::move(call), takeCall_); }
+    void take(trace::Call &&call) override { m_filter.pass(std::move(call), m_takeCall); }
     void takeForeign(std::uint64_t number, std::string_view text) override {
-        if (filter_.isEmpty())
-            takeForeign_(number, text);
+        if (m_filter.isEmpty())
+            m_takeForeign(number, text);
     }
 
 private:
-    const trace::Filter &filter_;
-    TakeCall takeCall_;
-    TakeForeign takeForeign_;
+    const trace::Filter &m_filter;
+    TakeCall m_takeCall;
+    TakeForeign m_takeForeign;
 };
 
 class Trace final : public Command {
@@ -65,92 +65,92 @@ private:
     void printJson(const trace::Filter &wanted) const;
     void printText(const trace::Filter &wanted) const;
 
-    std::string file_;
-    std::string threads_;
-    std::string entryPoints_;
-    std::string level_ = "verbose";
-    bool errorsOnly_ = false;
-    std::string page_;
-    std::string copy_;
-    int limit_ = 5000;
+    std::string m_file;
+    std::string m_threads;
+    std::string m_entryPoints;
+    std::string m_level = "verbose";
+    bool m_errorsOnly = false;
+    std::string m_page;
+    std::string m_copy;
+    int m_limit = 5000;
 };
 
 void Trace::describe(Arguments &arguments) {
     arguments
-        .text("FILE", file_, "The trace log (- is standard input, for --json, --html, --redact)")
+        .text("FILE", m_file, "The trace log (- is standard input, for --json, --html, --redact)")
         .required()
-        .text("--thread ID,...", threads_, "Only calls of these threads")
-        .text("--entry NAME,...", entryPoints_, "Only calls of these entry points")
-        .choice("--level LEVEL", level_, {"error", "warning", "information", "debug", "verbose"},
+        .text("--thread ID,...", m_threads, "Only calls of these threads")
+        .text("--entry NAME,...", m_entryPoints, "Only calls of these entry points")
+        .choice("--level LEVEL", m_level, {"error", "warning", "information", "debug", "verbose"},
                 "Only lines of this level and the more serious ones")
-        .flag("--errors", errorsOnly_, "Only calls that wrote an error line")
-        .text("--html OUT", page_, "Write a page with a timeline, searchable, in one file")
-        .number("--limit N", limit_, "Most calls that the page holds", 1, 1000000)
-        .text("--redact OUT", copy_,
+        .flag("--errors", m_errorsOnly, "Only calls that wrote an error line")
+        .text("--html OUT", m_page, "Write a page with a timeline, searchable, in one file")
+        .number("--limit N", m_limit, "Most calls that the page holds", 1, 1000000)
+        .text("--redact OUT", m_copy,
               "Write a copy that can be sent away: no PINs, no hex texts of data");
 }
 
 trace::Filter Trace::filter() const {
     trace::Filter wanted;
-    for (const std::string &id : split(threads_)) {
+    for (const std::string &id : split(m_threads)) {
         std::int64_t thread = 0;
         const auto end = std::from_chars(id.data(), id.data() + id.size(), thread);
         if (end.ec != std::errc() || end.ptr != id.data() + id.size())
-            throw Failure(ExitCode::Usage, tr("{1} is no thread id", {id}));
+            throw Failure(ExitCode::usage, tr("{1} is no thread id", {id}));
         wanted.threads.push_back(thread);
     }
-    for (const std::string &name : split(entryPoints_)) {
+    for (const std::string &name : split(m_entryPoints)) {
         if (trace::findEntryPoint(name) == nullptr)
-            throw Failure(ExitCode::Usage, tr("{1} is no entry point of the provider", {name}));
+            throw Failure(ExitCode::usage, tr("{1} is no entry point of the provider", {name}));
         wanted.entryPoints.push_back(name);
     }
     constexpr std::string_view levels[] = {"error", "warning", "information", "debug", "verbose"};
-    const auto *level = std::find(std::begin(levels), std::end(levels), level_);
+    const auto *level = std::find(std::begin(levels), std::end(levels), m_level);
     wanted.level = static_cast<trace::Level>(level - std::begin(levels) + 1);
-    wanted.failedOnly = errorsOnly_;
+    wanted.failedOnly = m_errorsOnly;
     return wanted;
 }
 
 trace::Summary Trace::read(trace::Mask mask, Funnel funnel, const char *what) const {
     trace::TraceReader reader(mask, funnel);
-    forEachPiece(file_, tr(what),
+    forEachPiece(m_file, tr(what),
                  [&](crypto::ByteView piece) { reader.feed(crypto::asText(piece)); });
     reader.finish();
     return reader.summary();
 }
 
 void Trace::redact(const Console &console) const {
-    OutputFile file(copy_);
+    OutputFile file(m_copy);
     trace::RedactingCopy copy([&](std::string_view text) { file.write(crypto::asBytes(text)); });
-    forEachPiece(file_, tr("Masking"),
+    forEachPiece(m_file, tr("Masking"),
                  [&](crypto::ByteView piece) { copy.feed(crypto::asText(piece)); });
     copy.finish();
     file.commit();
     const auto masked = static_cast<std::int64_t>(copy.maskedLines());
-    if (copy_ != "-")
-        console.result(Record().add("redacted", copy_).add("maskedLines", masked),
+    if (m_copy != "-")
+        console.result(Record().add("redacted", m_copy).add("maskedLines", masked),
                        tr("{1} written, with secrets masked in {2} lines",
-                          {copy_, trace::grouped(copy.maskedLines())}));
+                          {m_copy, trace::grouped(copy.maskedLines())}));
 }
 
 void Trace::writePage(const Console &console, const trace::Filter &wanted) const {
-    trace::PageContent content(static_cast<std::size_t>(limit_));
+    trace::PageContent content(static_cast<std::size_t>(m_limit));
     const trace::Summary summary = read(
         trace::Mask::pinsAndData,
         Funnel(
             wanted, [&](trace::Call &&call) { content.add(std::move(call)); },
             [&](std::uint64_t line, std::string_view text) { content.addForeign(line, text); }),
         "Reading");
-    OutputFile file(page_);
-    const auto slash = file_.find_last_of("/\\");
-    const std::string name = slash == file_.npos ? file_ : file_.substr(slash + 1);
+    OutputFile file(m_page);
+    const auto slash = m_file.find_last_of("/\\");
+    const std::string name = slash == m_file.npos ? m_file : m_file.substr(slash + 1);
     content.write([&](std::string_view text) { file.write(crypto::asBytes(text)); }, name, summary,
                   !wanted.isEmpty(), &tr);
     file.commit();
-    if (page_ != "-")
+    if (m_page != "-")
         console.result(
-            Record().add("page", page_).add("calls", static_cast<std::int64_t>(summary.calls)),
-            tr("{1} written; open it in a browser", {page_}));
+            Record().add("page", m_page).add("calls", static_cast<std::int64_t>(summary.calls)),
+            tr("{1} written; open it in a browser", {m_page}));
 }
 
 // One object a line, so that a reader needs no more memory than we do.
@@ -178,7 +178,7 @@ void Trace::printText(const trace::Filter &wanted) const {
     std::size_t count = 0;
     const auto collect = [&](const trace::Call &call) {
         const std::string lines = listing.failures(call);
-        if (!lines.empty() && ++count <= mostFailures)
+        if (!lines.empty() && ++count <= MOST_FAILURES)
             failures += lines;
     };
     const trace::Summary summary = read(trace::Mask::pins,
@@ -189,9 +189,9 @@ void Trace::printText(const trace::Filter &wanted) const {
     Console::write(trace::summaryText(summary, &tr) + "\n");
     if (count > 0)
         Console::write("\n" + std::string(tr("Calls with errors")) + "\n" + failures);
-    if (count > mostFailures)
-        Console::write(tr("... and {1} more", {trace::grouped(count - mostFailures)}) + "\n");
-    Console::write("\n" + std::string(tr(errorsOnly_ ? "These calls in full" : "All calls")) +
+    if (count > MOST_FAILURES)
+        Console::write(tr("... and {1} more", {trace::grouped(count - MOST_FAILURES)}) + "\n");
+    Console::write("\n" + std::string(tr(m_errorsOnly ? "These calls in full" : "All calls")) +
                    "\n");
     read(trace::Mask::pins,
          Funnel(
@@ -204,15 +204,15 @@ void Trace::printText(const trace::Filter &wanted) const {
 
 void Trace::run(Context &context) {
     const trace::Filter wanted = filter();
-    if (file_ == "-" && (copy_.empty() + page_.empty() != 1) &&
-        !(context.console.json() && copy_.empty() && page_.empty()))
-        throw Failure(ExitCode::Usage, tr("Standard input can be read only once: use - with one of "
+    if (m_file == "-" && (m_copy.empty() + m_page.empty() != 1) &&
+        !(context.console.json() && m_copy.empty() && m_page.empty()))
+        throw Failure(ExitCode::usage, tr("Standard input can be read only once: use - with one of "
                                           "--json, --html and --redact"));
-    if (!copy_.empty())
+    if (!m_copy.empty())
         redact(context.console);
-    if (!page_.empty())
+    if (!m_page.empty())
         writePage(context.console, wanted);
-    if (!copy_.empty() || !page_.empty())
+    if (!m_copy.empty() || !m_page.empty())
         return;
     if (context.console.json())
         printJson(wanted);

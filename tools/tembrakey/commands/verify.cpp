@@ -17,17 +17,17 @@ namespace {
 class Verify final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("FILE", file_, "The signed file (- is standard input)")
+        arguments.text("FILE", m_file, "The signed file (- is standard input)")
             .required()
-            .text("--signature FILE", signature_, "The signature, as sign writes or prints it")
+            .text("--signature FILE", m_signature, "The signature, as sign writes or prints it")
             .required()
-            .text("-l,--label LABEL", label_, "The label of the signer's key on the token")
-            .text("--key FILE", key_, "The signer's public key, PEM or DER")
+            .text("-l,--label LABEL", m_label, "The label of the signer's key on the token")
+            .text("--key FILE", m_key, "The signer's public key, PEM or DER")
             .excludes("--label")
-            .text("--cert FILE", certificate_, "The signer's X.509 certificate, PEM or DER")
+            .text("--cert FILE", m_certificate, "The signer's X.509 certificate, PEM or DER")
             .excludes("--label")
             .excludes("--key");
-        signerId_.describe(arguments);
+        m_signerId.describe(arguments);
     }
     void run(Context &context) override;
 
@@ -38,36 +38,36 @@ private:
     bool isRight(const crypto::RsaPublicKey &key) const;
     bool isRight(const crypto::Sm2PublicKey &key) const;
 
-    std::string file_;
-    std::string signature_;
-    std::string label_;
-    std::string key_;
-    std::string certificate_;
-    SignerId signerId_;
+    std::string m_file;
+    std::string m_signature;
+    std::string m_label;
+    std::string m_key;
+    std::string m_certificate;
+    SignerId m_signerId;
 };
 
 void Verify::refuseUnclear() const {
-    if (label_.empty() && key_.empty() && certificate_.empty())
-        throw Failure(ExitCode::Usage, tr("Give the key with --label, --key or --cert"));
-    const std::string files[] = {file_, signature_, key_, certificate_};
+    if (m_label.empty() && m_key.empty() && m_certificate.empty())
+        throw Failure(ExitCode::usage, tr("Give the key with --label, --key or --cert"));
+    const std::string files[] = {m_file, m_signature, m_key, m_certificate};
     if (std::ranges::count(files, std::string("-")) > 1)
-        throw Failure(ExitCode::Usage,
+        throw Failure(ExitCode::usage,
                       tr("Standard input can be read only once: use - for one file"));
 }
 
 crypto::PublicKey Verify::signersKey(const Context &context) const {
-    if (!key_.empty())
-        return readPublicKey(key_);
-    if (!certificate_.empty())
-        return readCertifiedKey(certificate_);
+    if (!m_key.empty())
+        return readPublicKey(m_key);
+    if (!m_certificate.empty())
+        return readCertifiedKey(m_certificate);
     const Session session(context.provider);
     const Device device = chooseDevice(session, context.device);
-    return publicKey(chooseKeyPair(device, {label_, "sign"}));
+    return publicKey(chooseKeyPair(device, {m_label, "sign"}));
 }
 
 // Bytes cannot be taken for hex: a tag of DER is no digit, and the many of RSA never all are.
 crypto::Bytes Verify::signature() const {
-    const crypto::SecretBytes content = readWhole(signature_);
+    const crypto::SecretBytes content = readWhole(m_signature);
     std::string text(content.begin(), content.end());
     text.erase(text.find_last_not_of(" \t\r\n") + 1);
     const auto bytes = crypto::fromHex(text);
@@ -75,12 +75,12 @@ crypto::Bytes Verify::signature() const {
 }
 
 bool Verify::isRight(const crypto::RsaPublicKey &key) const {
-    return crypto::rsaVerify(key, rsaToBeSigned(file_), signature());
+    return crypto::rsaVerify(key, rsaToBeSigned(m_file), signature());
 }
 
 bool Verify::isRight(const crypto::Sm2PublicKey &key) const {
     const auto numbers = crypto::decodeSm2Signature(signature());
-    const crypto::Bytes digest = sm2ToBeSigned(file_, key, signerId_);
+    const crypto::Bytes digest = sm2ToBeSigned(m_file, key, m_signerId);
     return numbers && crypto::sm2Verify(key, digest, *numbers);
 }
 
@@ -88,21 +88,21 @@ void Verify::run(Context &context) {
     refuseUnclear();
     const crypto::PublicKey key = signersKey(context);
     if (!crypto::isUsable(key))
-        throw Failure(ExitCode::Usage, tr("The public key cannot be used: RSA keys have 512 to "
+        throw Failure(ExitCode::usage, tr("The public key cannot be used: RSA keys have 512 to "
                                           "4096 bits, SM2 keys lie on the curve"));
     if (!std::visit([&](const auto &one) { return isRight(one); }, key))
         throw Failure(
-            ExitCode::BadSignature,
-            tr("Signature of {1} is wrong: another file, key or signer's identity?", {file_}));
+            ExitCode::badSignature,
+            tr("Signature of {1} is wrong: another file, key or signer's identity?", {m_file}));
     const auto *rsa = std::get_if<crypto::RsaPublicKey>(&key);
     const int bits = rsa == nullptr ? 256 : static_cast<int>(rsa->bits());
     context.console.result(Record()
-                               .add("file", file_)
+                               .add("file", m_file)
                                .add("algorithm", rsa == nullptr ? "sm2-sm3" : "rsa-sha256")
                                .add("bits", bits)
                                .add("ok", true),
                            tr("Signature of {1} is right ({2}, {3} bits)",
-                              {file_, rsa == nullptr ? "sm2" : "rsa", std::to_string(bits)}));
+                              {m_file, rsa == nullptr ? "sm2" : "rsa", std::to_string(bits)}));
 }
 
 } // namespace

@@ -13,7 +13,7 @@ struct Meaning {
     const char *text; // English
 };
 
-const Meaning meanings[] = {
+const Meaning MEANINGS[] = {
     {SAR_FAIL, "failed, without a reason"},
     {SAR_NOTSUPPORTYETERR, "not supported"},
     {SAR_INVALIDHANDLEERR, "invalid handle"},
@@ -29,10 +29,9 @@ const Meaning meanings[] = {
 std::string resultText(ULONG result) {
     char number[16];
     std::snprintf(number, sizeof number, "0x%08X", static_cast<unsigned>(result));
-    for (const Meaning &one : meanings) {
+    for (const Meaning &one : MEANINGS)
         if (one.result == result)
             return std::string(number) + " (" + tr(one.text) + ")";
-    }
     return number;
 }
 

@@ -20,18 +20,18 @@ std::string resultText(ULONG result);
 template <typename T>
 class Guarded {
 public:
-    Guarded() { room_.fill(mark); }
-    BYTE *bytes() { return reinterpret_cast<BYTE *>(&value_); }
-    T *get() { return &value_; }
-    const T *operator->() const { return &value_; }
+    Guarded() { m_room.fill(MARK); }
+    BYTE *bytes() { return reinterpret_cast<BYTE *>(&m_value); }
+    T *get() { return &m_value; }
+    const T *operator->() const { return &m_value; }
     bool isOverrun() const {
-        return std::any_of(room_.begin(), room_.end(), [](BYTE byte) { return byte != mark; });
+        return std::any_of(m_room.begin(), m_room.end(), [](BYTE byte) { return byte != MARK; });
     }
 
 private:
-    static constexpr BYTE mark = 0xA7;
-    T value_ = {};
-    std::array<BYTE, 4096> room_;
+    static constexpr BYTE MARK = 0xA7;
+    T m_value = {};
+    std::array<BYTE, 4096> m_room;
 };
 
 // A fixed text field, which holds no NUL when it is full.

@@ -14,7 +14,7 @@ namespace tembra::tool::doctor {
 
 namespace {
 
-const char *const entryPoints[] = {
+const char *const ENTRY_POINTS[] = {
 #define TEMBRA_ENTRY_POINT(result, name, arguments) #name,
 #include "tembra_key_prov_entry_points.h"
 };
@@ -26,25 +26,24 @@ struct Subject {
     const char *lacksAdvice; // English
 };
 
-const Subject providerSubject = {
-    "provider", entryPoints, nullptr,
+const Subject PROVIDER_SUBJECT = {
+    "provider", ENTRY_POINTS, nullptr,
     "this is another library, or of another version: install the provider again"};
 
-const Subject tokenSubject = {
+const Subject TOKEN_SUBJECT = {
     "token library", skfFunctions, "TembraSoftTokenCreate",
     "ask the token's vendor for a library with these functions (GM/T 0016)"};
 
-const Subject hostSubject = {
+const Subject HOST_SUBJECT = {
     "host library", hostFunctions, "TembraHostKitSetFaults",
     "install the host framework in the version that the provider is made for"};
 
 std::vector<std::string> missingFunctions(const platform::DynamicLibrary &library,
                                           std::span<const char *const> wanted) {
     std::vector<std::string> missing;
-    for (const char *name : wanted) {
+    for (const char *name : wanted)
         if (library.symbol(name) == nullptr)
             missing.emplace_back(name);
-    }
     return missing;
 }
 
@@ -141,12 +140,12 @@ void examineLibraries(Report &report, const std::string &given, Libraries &libra
                     tr("see below which library or function it lacks"), details(path, {}));
     else
         libraries.providerWorks =
-            reportLoaded(report, providerSubject, libraries.provider, libraries.provider.path());
+            reportLoaded(report, PROVIDER_SUBJECT, libraries.provider, libraries.provider.path());
     const std::string folder = folderOf(path);
     libraries.tokenWorks =
-        examineBelow(report, tokenSubject, "QXSKFAPI", folder, isLoaded, libraries.token);
+        examineBelow(report, TOKEN_SUBJECT, "QXSKFAPI", folder, isLoaded, libraries.token);
     libraries.providerWorks &=
-        examineBelow(report, hostSubject, "ORVEL_CRYPTO", folder, isLoaded, libraries.host);
+        examineBelow(report, HOST_SUBJECT, "ORVEL_CRYPTO", folder, isLoaded, libraries.host);
 }
 
 } // namespace tembra::tool::doctor

@@ -47,12 +47,12 @@ std::string line(const Finding &finding, const std::string &subject, std::size_t
 } // namespace
 
 void Report::begin(const char *section, const char *title) {
-    sections_.push_back({section, title});
+    m_sections.push_back({section, title});
 }
 
 void Report::add(Finding finding) {
-    finding.section = sections_.back().name;
-    findings_.push_back(std::move(finding));
+    finding.section = m_sections.back().name;
+    m_findings.push_back(std::move(finding));
 }
 
 void Report::ok(std::string subject, std::string text, Record details) {
@@ -71,19 +71,18 @@ void Report::fail(std::string subject, std::string text, std::string advice, Rec
 
 int Report::count(Status status) const {
     return static_cast<int>(
-        std::count_if(findings_.begin(), findings_.end(),
+        std::count_if(m_findings.begin(), m_findings.end(),
                       [status](const Finding &one) { return one.status == status; }));
 }
 
 std::string Report::sectionText(const Section &section) const {
     std::size_t width = 0;
-    for (const Finding &one : findings_) {
+    for (const Finding &one : m_findings)
         if (one.section == section.name)
             width = std::max(width, columns(one.subject));
-    }
     std::string text = std::string(tr(section.title)) + "\n";
     std::string subject;
-    for (const Finding &one : findings_) {
+    for (const Finding &one : m_findings) {
         if (one.section != section.name)
             continue;
         text += line(one, one.subject == subject ? "" : one.subject, width);
@@ -94,7 +93,7 @@ std::string Report::sectionText(const Section &section) const {
 
 std::string Report::text() const {
     std::string text;
-    for (const Section &section : sections_)
+    for (const Section &section : m_sections)
         text += sectionText(section);
     const int failures = count(Status::failure);
     const int warnings = count(Status::warning);
@@ -106,7 +105,7 @@ std::string Report::text() const {
 
 Record Report::record() const {
     Record::List findings;
-    for (const Finding &one : findings_) {
+    for (const Finding &one : m_findings) {
         Record record;
         record.add("section", one.section)
             .add("subject", one.subject)

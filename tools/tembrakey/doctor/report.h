@@ -42,8 +42,8 @@ private:
     void add(Finding finding);
     std::string sectionText(const Section &section) const;
 
-    std::vector<Section> sections_;
-    std::vector<Finding> findings_;
+    std::vector<Section> m_sections;
+    std::vector<Finding> m_findings;
 };
 
 } // namespace tembra::tool::doctor

@@ -17,7 +17,7 @@ struct Flag {
     const char *on;
 };
 
-const Flag flags[] = {
+const Flag FLAGS[] = {
     {"HasSM3", "hosts that ask are told that tokens have no SM3",
      "hosts that ask are told that tokens have SM3"},
     {"HasSM4", "hosts that ask are told that tokens have no SM4",
@@ -26,8 +26,8 @@ const Flag flags[] = {
      "plain SM2 key pairs are enveloped in the 48-byte form"},
 };
 
-constexpr std::uint32_t defaultLength = 1024;
-constexpr std::uint32_t longestLength = 0x7FFFFFF0;
+constexpr std::uint32_t DEFAULT_LENGTH = 1024;
+constexpr std::uint32_t LONGEST_LENGTH = 0x7FFFFFF0;
 
 struct Value {
     bool isSet = false;
@@ -66,8 +66,8 @@ void report(Report &out, const char *name, const Value &value, std::uint32_t num
 void examineLength(Report &out) {
     const char *const name = "MaxOperationLen";
     const Value value = query(name);
-    const bool isUsable = value.isNumber && value.number > 0 && value.number <= longestLength;
-    const std::uint32_t length = isUsable ? (value.number + 15) / 16 * 16 : defaultLength;
+    const bool isUsable = value.isNumber && value.number > 0 && value.number <= LONGEST_LENGTH;
+    const std::uint32_t length = isUsable ? (value.number + 15) / 16 * 16 : DEFAULT_LENGTH;
     const std::string meaning = tr("most bytes that one token call of a hash or cipher is fed");
     if (value.isNumber && !isUsable)
         out.warn(name, tr("{1} is out of range", {std::to_string(value.number)}),
@@ -92,7 +92,7 @@ void examineSettings(Report &out) {
         out.warn(tr("origin"), tr("{1} does not exist, so all defaults hold", {place}),
                  tr("import the settings that come with the provider, and change what you need"),
                  Record().add("path", place));
-    for (const Flag &flag : flags) {
+    for (const Flag &flag : FLAGS) {
         const Value value = query(flag.name);
         report(out, flag.name, value, value.number, tr(value.number != 0 ? flag.on : flag.off));
     }

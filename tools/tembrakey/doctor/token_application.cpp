@@ -6,9 +6,9 @@ namespace tembra::tool::doctor {
 
 namespace {
 
-constexpr ULONG applicationCapacity = 1024; // the provider's
-constexpr ULONG containerCapacity = 4096;
-constexpr std::size_t mostContainers = 32;
+constexpr ULONG APPLICATION_CAPACITY = 1024; // the provider's
+constexpr ULONG CONTAINER_CAPACITY = 4096;
+constexpr std::size_t MOST_CONTAINERS = 32;
 
 void examinePin(const Token &token, HAPPLICATION application, ULONG type, const char *what) {
     ULONG most = 0;
@@ -44,7 +44,7 @@ void examinePin(const Token &token, HAPPLICATION application, ULONG type, const 
 } // namespace
 
 void examineContainers(const Token &token, HAPPLICATION application) {
-    const NameList list = askNames(containerCapacity, [&](LPSTR buffer, ULONG *length) {
+    const NameList list = askNames(CONTAINER_CAPACITY, [&](LPSTR buffer, ULONG *length) {
         return token.skf.EnumContainer(application, buffer, length);
     });
     token.complain("SKF_EnumContainer", list.complaints);
@@ -53,7 +53,7 @@ void examineContainers(const Token &token, HAPPLICATION application) {
         return;
     }
     const std::string count = std::to_string(list.names.size());
-    if (list.names.size() > mostContainers)
+    if (list.names.size() > MOST_CONTAINERS)
         token.report.warn(token.name, tr("{1} containers, of which hosts see 32", {count}),
                           tr("delete those that are not needed: key delete"));
     else
@@ -76,7 +76,7 @@ void examineContainers(const Token &token, HAPPLICATION application) {
 }
 
 void examineApplication(const Token &token) {
-    NameList list = askNames(applicationCapacity, [&](LPSTR buffer, ULONG *length) {
+    NameList list = askNames(APPLICATION_CAPACITY, [&](LPSTR buffer, ULONG *length) {
         return token.skf.EnumApplication(token.device, buffer, length);
     });
     token.complain("SKF_EnumApplication", list.complaints);

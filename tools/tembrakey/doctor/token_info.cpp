@@ -15,7 +15,7 @@ struct Capability {
     const char *name;
 };
 
-const Capability capabilities[] = {
+const Capability CAPABILITIES[] = {
     {Kind::asymmetric, SGD_SM2_1, "SM2 (signature)"},
     {Kind::asymmetric, SGD_SM2_3, "SM2 (encryption)"},
     {Kind::asymmetric, SGD_RSA, "RSA"},
@@ -44,7 +44,7 @@ std::string versionText(const VERSION &version) {
 
 std::string capabilityText(const DEVINFO &info, Record::List &list) {
     std::string text;
-    for (const Capability &one : capabilities) {
+    for (const Capability &one : CAPABILITIES) {
         if ((claimed(info, one.kind) & one.bits) != one.bits)
             continue;
         text += (text.empty() ? "" : ", ") + std::string(one.name);

@@ -12,8 +12,8 @@ namespace tembra::tool::doctor {
 
 namespace {
 
-constexpr std::size_t coordinate = 32;
-constexpr std::size_t mostCertificate = 16384;
+constexpr std::size_t COORDINATE = 32;
+constexpr std::size_t MOST_CERTIFICATE = 16384;
 
 std::vector<std::string> complaintsOf(const RSAPUBLICKEYBLOB &blob) {
     const crypto::ByteView modulus(blob.Modulus, sizeof blob.Modulus);
@@ -36,10 +36,10 @@ bool isZero(const BYTE *bytes, std::size_t count) {
 }
 
 std::vector<std::string> complaintsOf(const ECCPUBLICKEYBLOB &blob) {
-    constexpr std::size_t at = sizeof blob.XCoordinate - coordinate;
+    constexpr std::size_t at = sizeof blob.XCoordinate - COORDINATE;
     crypto::Sm2PublicKey key;
-    std::memcpy(key.x.data(), blob.XCoordinate + at, coordinate);
-    std::memcpy(key.y.data(), blob.YCoordinate + at, coordinate);
+    std::memcpy(key.x.data(), blob.XCoordinate + at, COORDINATE);
+    std::memcpy(key.y.data(), blob.YCoordinate + at, COORDINATE);
     std::vector<std::string> complaints;
     if (blob.BitLen != 256)
         complaints.push_back(tr("it has {1} bits", {std::to_string(blob.BitLen)}));
@@ -72,8 +72,8 @@ std::optional<ULONG> examineKey(const Token &token, HCONTAINER container, BOOL i
 // The certificate's subject; empty when there is none.
 std::string examineCertificate(const Token &token, HCONTAINER container, BOOL isSignature,
                                const std::string &what) {
-    Guarded<std::array<BYTE, mostCertificate>> buffer;
-    ULONG length = mostCertificate;
+    Guarded<std::array<BYTE, MOST_CERTIFICATE>> buffer;
+    ULONG length = MOST_CERTIFICATE;
     const ULONG result =
         token.skf.ExportCertificate(container, isSignature, buffer.bytes(), &length);
     if (buffer.isOverrun())
@@ -81,7 +81,7 @@ std::string examineCertificate(const Token &token, HCONTAINER container, BOOL is
     if (result != SAR_OK || length == 0)
         return {};
     const auto subject =
-        length <= mostCertificate ? certificateSubject({buffer.bytes(), length}) : std::nullopt;
+        length <= MOST_CERTIFICATE ? certificateSubject({buffer.bytes(), length}) : std::nullopt;
     if (!subject)
         token.complain(tr("{1}: its certificate is no X.509", {what}));
     return subject.value_or("");

@@ -9,8 +9,8 @@ namespace tembra::tool::doctor {
 
 namespace {
 
-constexpr ULONG listCapacity = 1024; // the provider's
-constexpr std::size_t mostTokens = 16;
+constexpr ULONG LIST_CAPACITY = 1024; // the provider's
+constexpr std::size_t MOST_TOKENS = 16;
 
 bool examineToken(const SkfFunctions &skf, Report &report, std::string name) {
     Token token{skf, report, name, nullptr};
@@ -60,7 +60,7 @@ int examineTokens(Report &report, const platform::DynamicLibrary &library) {
     report.begin("tokens", "Tokens");
     const SkfFunctions skf(library);
     const NameList devices = askNames(
-        listCapacity, [&](LPSTR buffer, ULONG *length) { return skf.EnumDev(1, buffer, length); });
+        LIST_CAPACITY, [&](LPSTR buffer, ULONG *length) { return skf.EnumDev(1, buffer, length); });
     const Token all{skf, report, tr("all"), nullptr};
     all.complain("SKF_EnumDev", devices.complaints);
     if (devices.result != SAR_OK)
@@ -68,7 +68,7 @@ int examineTokens(Report &report, const platform::DynamicLibrary &library) {
     else if (devices.names.empty())
         report.warn(tr("all"), tr("no token is connected"),
                     tr("plug one in; the development kit makes one with token create"));
-    if (devices.names.size() > mostTokens)
+    if (devices.names.size() > MOST_TOKENS)
         report.warn(tr("all"),
                     tr("{1} tokens are connected, and hosts see 16",
                        {std::to_string(devices.names.size())}),

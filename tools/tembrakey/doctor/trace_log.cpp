@@ -12,9 +12,9 @@ namespace tembra::tool::doctor {
 
 namespace {
 
-constexpr int levelOfPins = 3;
-constexpr int levelOfData = 5;
-constexpr long long large = 1LL << 30;
+constexpr int LEVEL_OF_PINS = 3;
+constexpr int LEVEL_OF_DATA = 5;
+constexpr long long LARGE = 1LL << 30;
 
 const char *levelMeaning(int level) {
     switch (level) {
@@ -29,21 +29,21 @@ const char *levelMeaning(int level) {
 // The level that holds.
 int examineLevel(Report &report) {
     const auto value = platform::environment("TEMBRA_KEY_PROV_LOG_LEVEL");
-    const int level = value ? std::atoi(value->c_str()) : levelOfPins;
+    const int level = value ? std::atoi(value->c_str()) : LEVEL_OF_PINS;
     const std::string number = std::to_string(level);
     const std::string text =
         value ? tr("{1} (TEMBRA_KEY_PROV_LOG_LEVEL): {2}", {number, tr(levelMeaning(level))})
               : tr("{1} (not set): {2}", {number, tr(levelMeaning(level))});
     Record details;
-    details.add("level", level).add("writesPins", level >= levelOfPins);
+    details.add("level", level).add("writesPins", level >= LEVEL_OF_PINS);
     const bool isNumber = !value || value->find_first_not_of("0123456789") == value->npos;
     if (!isNumber)
         report.warn(tr("level"), text + tr(" (\"{1}\" is no number)", {*value}),
                     tr("set TEMBRA_KEY_PROV_LOG_LEVEL to a number from 0 to 5"), details);
-    else if (level >= levelOfData)
+    else if (level >= LEVEL_OF_DATA)
         report.warn(tr("level"), text + tr("; PINs and data to be enciphered are written in clear"),
                     tr("set TEMBRA_KEY_PROV_LOG_LEVEL to 2 or less where PINs are real"), details);
-    else if (level >= levelOfPins)
+    else if (level >= LEVEL_OF_PINS)
         report.warn(tr("level"), text + tr("; PINs are written in clear"),
                     tr("set TEMBRA_KEY_PROV_LOG_LEVEL to 2 or less where PINs are real"), details);
     else
@@ -81,7 +81,7 @@ void examineFile(Report &report, const std::string &path) {
     else if (state.othersMayRead)
         report.warn(tr("file"), tr("{1} can be read by other users", {path}),
                     tr("take their right away: chmod 600 {1}", {path}), details);
-    else if (state.size >= large)
+    else if (state.size >= LARGE)
         report.warn(
             tr("file"),
             tr("{1} has {2} MB, and is never shortened", {path, std::to_string(state.size >> 20)}),

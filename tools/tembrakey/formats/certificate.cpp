@@ -18,7 +18,7 @@ struct AttributeName {
     const char *name;
 };
 
-const AttributeName attributeNames[] = {
+const AttributeName ATTRIBUTE_NAMES[] = {
     {{0x55, 0x04, 0x03}, "CN"}, {{0x55, 0x04, 0x05}, "serialNumber"},
     {{0x55, 0x04, 0x06}, "C"},  {{0x55, 0x04, 0x07}, "L"},
     {{0x55, 0x04, 0x08}, "ST"}, {{0x55, 0x04, 0x0A}, "O"},
@@ -43,10 +43,9 @@ std::string dotted(ByteView oid) {
 }
 
 std::string nameOf(ByteView oid) {
-    for (const AttributeName &one : attributeNames) {
+    for (const AttributeName &one : ATTRIBUTE_NAMES)
         if (std::equal(oid.begin(), oid.end(), one.oid.begin(), one.oid.end()))
             return one.name;
-    }
     return dotted(oid);
 }
 
@@ -70,15 +69,15 @@ std::string fromBmp(ByteView bytes) {
     return text;
 }
 
-constexpr std::uint8_t set = 0x31;
-constexpr std::uint8_t bmpString = 0x1E;
-constexpr std::uint8_t textTags[] = {0x0C /* UTF8 */, 0x13 /* Printable */, 0x14 /* Teletex */,
-                                     0x16 /* IA5 */, 0x1A /* Visible */};
+constexpr std::uint8_t SET = 0x31;
+constexpr std::uint8_t BMP_STRING = 0x1E;
+constexpr std::uint8_t TEXT_TAGS[] = {0x0C /* UTF8 */, 0x13 /* Printable */, 0x14 /* Teletex */,
+                                      0x16 /* IA5 */, 0x1A /* Visible */};
 
 std::string valueOf(DerReader &attribute) {
-    if (const auto bmp = attribute.element(bmpString))
+    if (const auto bmp = attribute.element(BMP_STRING))
         return fromBmp(*bmp);
-    for (const std::uint8_t tag : textTags) {
+    for (const std::uint8_t tag : TEXT_TAGS) {
         if (const auto bytes = attribute.element(tag)) {
             std::string text(bytes->begin(), bytes->end()); // control characters stay off terminals
             std::replace_if(
@@ -93,7 +92,7 @@ std::string valueOf(DerReader &attribute) {
 std::optional<std::string> nameText(DerReader name) {
     std::string text;
     while (!name.atEnd()) {
-        auto relative = name.nested(set);
+        auto relative = name.nested(SET);
         auto attribute = relative ? relative->sequence() : std::nullopt;
         const auto oid = attribute ? attribute->oid() : std::nullopt;
         if (!oid)
@@ -111,7 +110,7 @@ std::optional<DerReader> fromSubject(ByteView der) {
         return std::nullopt;
     body->element(crypto::der::explicitTag(0)); // version, may be absent
     if (!body->unsignedInteger())               // serial number; some are negative
-        body->element(crypto::der::integer);
+        body->element(crypto::der::INTEGER);
     if (!body->sequence() || !body->sequence() || !body->sequence()) // algorithm, issuer, validity
         return std::nullopt;
     return body;
@@ -129,9 +128,9 @@ std::optional<crypto::PublicKey> certificatePublicKey(ByteView der) {
     auto body = fromSubject(der);
     if (!body || !body->sequence())
         return std::nullopt;
-    const auto info = body->element(crypto::der::sequence);
+    const auto info = body->element(crypto::der::SEQUENCE);
     return info ? crypto::decodePublicKey(
-                      crypto::DerWriter().element(crypto::der::sequence, *info).bytes())
+                      crypto::DerWriter().element(crypto::der::SEQUENCE, *info).bytes())
                 : std::nullopt;
 }
 

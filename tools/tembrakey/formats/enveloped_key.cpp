@@ -23,33 +23,33 @@ class BlobWriter {
 public:
     BlobWriter &number(std::size_t value) {
         for (int shift = 24; shift >= 0; shift -= 8)
-            out_.push_back(static_cast<std::uint8_t>(value >> shift));
+            m_out.push_back(static_cast<std::uint8_t>(value >> shift));
         return *this;
     }
     BlobWriter &bytes(ByteView value) {
-        out_.insert(out_.end(), value.begin(), value.end());
+        m_out.insert(m_out.end(), value.begin(), value.end());
         return *this;
     }
     BlobWriter &counted(ByteView value) { return number(value.size()).bytes(value); }
     BlobWriter &point(const crypto::Sm2PublicKey &key) {
-        out_.push_back(4);
+        m_out.push_back(4);
         return bytes(key.x).bytes(key.y);
     }
-    const Bytes &done() const { return out_; }
+    const Bytes &done() const { return m_out; }
 
 private:
-    Bytes out_;
+    Bytes m_out;
 };
 
 template <typename T>
 T usable(std::optional<T> made) {
     if (!made)
-        throw Failure(ExitCode::Usage, tr("A key cannot be used for enveloping"));
+        throw Failure(ExitCode::usage, tr("A key cannot be used for enveloping"));
     return std::move(*made);
 }
 
 SecretBytes randomKey() {
-    SecretBytes key(crypto::sm4KeySize);
+    SecretBytes key(crypto::SM4_KEY_SIZE);
     crypto::fillRandom(key);
     return key;
 }
@@ -59,7 +59,7 @@ Bytes encryptPrivate(ByteView key, ByteView plain, crypto::Sm4Padding padding) {
 }
 
 SecretBytes laidOut(const SecretBytes &d, Sm2PrivateForm form) {
-    if (form == Sm2PrivateForm::Plain)
+    if (form == Sm2PrivateForm::plain)
         return d;
     constexpr std::uint8_t padding = 12;
     SecretBytes plain = {0x00, 0x01, 0x00, 0x00}; // 256, the length in bits
@@ -98,7 +98,7 @@ Bytes rsaPayload(const crypto::RsaPrivateKey &pair, const crypto::RsaPublicKey &
 Bytes envelopeKeyPair(const crypto::PrivateKey &key, const crypto::PublicKey &container,
                       Sm2PrivateForm form) {
     if (key.index() != container.index())
-        throw Failure(ExitCode::Usage,
+        throw Failure(ExitCode::usage,
                       tr("The key and the container's key are not of one algorithm"));
     const auto *rsa = std::get_if<crypto::RsaPrivateKey>(&key);
     const Bytes payload = rsa != nullptr

@@ -23,8 +23,8 @@ namespace tembra::tool {
 
 // How the SM2 private key is laid out before it is encrypted.
 enum class Sm2PrivateForm {
-    Plain, // d, 32 bytes
-    Gdk    // its length in bits (little-endian), d, and padding to 48 bytes
+    plain, // d, 32 bytes
+    gdk    // its length in bits (little-endian), d, and padding to 48 bytes
 };
 
 // Both keys are of one algorithm. Throws Failure when they are not, or when a key cannot be used.

@@ -16,17 +16,16 @@ crypto::SecretBytes readDer(const std::string &path, std::string_view pemLabel) 
     if (isDerSequence(content))
         return content;
     if (const auto blocks = crypto::decodePem(crypto::asText(content))) {
-        for (const crypto::PemBlock &block : *blocks) {
+        for (const crypto::PemBlock &block : *blocks)
             if (block.label == pemLabel)
                 return block.data;
-        }
     }
-    throw Failure(ExitCode::Usage, tr("{1} holds neither PEM \"{2}\" nor DER", {path, pemLabel}));
+    throw Failure(ExitCode::usage, tr("{1} holds neither PEM \"{2}\" nor DER", {path, pemLabel}));
 }
 
 crypto::PublicKey required(const std::optional<crypto::PublicKey> &key, const std::string &path) {
     if (!key)
-        throw Failure(ExitCode::Usage, tr("{1} holds no RSA or SM2 public key", {path}));
+        throw Failure(ExitCode::usage, tr("{1} holds no RSA or SM2 public key", {path}));
     return *key;
 }
 
@@ -35,7 +34,7 @@ crypto::PublicKey required(const std::optional<crypto::PublicKey> &key, const st
 crypto::Bytes readCertificate(const std::string &path) {
     const crypto::SecretBytes der = readDer(path, "CERTIFICATE");
     if (!certificateSubject(der))
-        throw Failure(ExitCode::Usage, tr("{1} holds no X.509 certificate", {path}));
+        throw Failure(ExitCode::usage, tr("{1} holds no X.509 certificate", {path}));
     return {der.begin(), der.end()};
 }
 
@@ -50,7 +49,7 @@ crypto::PublicKey readCertifiedKey(const std::string &path) {
 crypto::PrivateKey readPrivateKey(const std::string &path, crypto::ByteView content) {
     auto key = crypto::decodePrivateKeyPem(crypto::asText(content));
     if (!key)
-        throw Failure(ExitCode::Usage,
+        throw Failure(ExitCode::usage,
                       tr("{1} holds no unencrypted RSA or SM2 private key in PEM", {path}));
     return std::move(*key);
 }

@@ -30,7 +30,7 @@ crypto::Bytes sm2ToBeSigned(const std::string &file, const crypto::Sm2PublicKey 
                             const SignerId &signer) {
     const auto z = crypto::sm2SignerDigest(key, signer.value);
     if (!z)
-        throw Failure(ExitCode::Usage, tr("The signer's identity is longer than 8191 bytes"));
+        throw Failure(ExitCode::usage, tr("The signer's identity is longer than 8191 bytes"));
     crypto::Digest digest(crypto::DigestAlgorithm::sm3);
     digest.update(*z);
     return withFile(std::move(digest), file);

@@ -10,7 +10,7 @@ namespace tembra::tool {
 
 // The signer's identity in SM2 signatures, as the command line gives it.
 struct SignerId {
-    std::string value{crypto::sm2DefaultSignerId};
+    std::string value{crypto::SM2_DEFAULT_SIGNER_ID};
 
     void describe(Arguments &arguments);
 };

@@ -21,7 +21,7 @@ std::string firstReadable(const std::vector<std::string> &paths, const std::stri
             return path;
         places += (places.empty() ? "" : ", ") + path;
     }
-    throw Failure(ExitCode::NoProvider,
+    throw Failure(ExitCode::noProvider,
                   tr("Cannot find {1}; looked for {2}; {3}", {what, places, advice}));
 }
 

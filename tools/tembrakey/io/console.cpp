@@ -19,7 +19,7 @@ void print(std::FILE *stream, const std::string &line) {
 } // namespace
 
 void Console::result(const Record &record, const std::string &text) const {
-    print(stdout, json_ ? toJson(record) : text);
+    print(stdout, m_json ? toJson(record) : text);
 }
 
 void Console::write(std::string_view text) {
@@ -27,13 +27,13 @@ void Console::write(std::string_view text) {
 }
 
 void Console::note(const std::string &text) const {
-    if (!json_)
+    if (!m_json)
         print(stderr, text);
 }
 
 void Console::error(const Failure &failure) const {
     std::fflush(stdout);
-    if (!json_) {
+    if (!m_json) {
         print(stderr, std::string("tembrakey: ") + failure.what());
         return;
     }
@@ -56,7 +56,7 @@ bool Console::confirms(const std::string &question) const {
 
 void Console::finish() const {
     if (std::fflush(stdout) != 0 || std::ferror(stdout))
-        throw Failure(ExitCode::InputOutput,
+        throw Failure(ExitCode::inputOutput,
                       tr("Cannot write to standard output: {1}", {std::strerror(errno)}));
 }
 

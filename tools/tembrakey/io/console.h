@@ -12,9 +12,9 @@ namespace tembra::tool {
 
 class Console {
 public:
-    explicit Console(bool json) : json_(json) {}
+    explicit Console(bool json) : m_json(json) {}
 
-    bool json() const { return json_; }
+    bool json() const { return m_json; }
 
     // The result: the record with --json, else the text, which needs no line end.
     void result(const Record &record, const std::string &text) const;
@@ -36,7 +36,7 @@ public:
     void finish() const;
 
 private:
-    bool json_;
+    bool m_json;
 };
 
 } // namespace tembra::tool

@@ -12,7 +12,7 @@ namespace tembra::tool {
 namespace {
 
 [[noreturn]] void fail(const char *message, const std::string &path) {
-    throw Failure(ExitCode::InputOutput, tr(message, {path, std::strerror(errno)}));
+    throw Failure(ExitCode::inputOutput, tr(message, {path, std::strerror(errno)}));
 }
 
 std::optional<std::uint64_t> sizeOf(std::FILE *stream) {
@@ -26,61 +26,61 @@ std::optional<std::uint64_t> sizeOf(std::FILE *stream) {
 } // namespace
 
 InputFile::InputFile(const std::string &path)
-    : path_(path), stream_(path == "-" ? stdin : platform::openFile(path, "rb")) {
-    if (stream_ == nullptr)
-        fail("Cannot open {1}: {2}", path_);
-    if (stream_ != stdin)
-        size_ = sizeOf(stream_);
+    : m_path(path), m_stream(path == "-" ? stdin : platform::openFile(path, "rb")) {
+    if (m_stream == nullptr)
+        fail("Cannot open {1}: {2}", m_path);
+    if (m_stream != stdin)
+        m_size = sizeOf(m_stream);
 }
 
 InputFile::~InputFile() {
-    if (stream_ != stdin)
-        std::fclose(stream_);
+    if (m_stream != stdin)
+        std::fclose(m_stream);
 }
 
 std::size_t InputFile::read(std::uint8_t *buffer, std::size_t capacity) {
-    const std::size_t count = std::fread(buffer, 1, capacity, stream_);
-    if (count < capacity && std::ferror(stream_))
-        fail("Cannot read {1}: {2}", path_);
+    const std::size_t count = std::fread(buffer, 1, capacity, m_stream);
+    if (count < capacity && std::ferror(m_stream))
+        fail("Cannot read {1}: {2}", m_path);
     return count;
 }
 
-OutputFile::OutputFile(const std::string &path) : path_(path) {
+OutputFile::OutputFile(const std::string &path) : m_path(path) {
     if (path == "-") {
-        stream_ = stdout;
+        m_stream = stdout;
         return;
     }
     if (!platform::isSpecialFile(path))
-        temporary_ = path + "." + platform::processNumber() + ".part";
-    stream_ = platform::openFile(temporary_.empty() ? path : temporary_, "wb");
-    if (stream_ == nullptr)
-        fail("Cannot write {1}: {2}", path_);
+        m_temporary = path + "." + platform::processNumber() + ".part";
+    m_stream = platform::openFile(m_temporary.empty() ? path : m_temporary, "wb");
+    if (m_stream == nullptr)
+        fail("Cannot write {1}: {2}", m_path);
 }
 
 OutputFile::~OutputFile() {
-    if (stream_ != nullptr && stream_ != stdout)
-        std::fclose(stream_);
-    if (!temporary_.empty())
-        platform::removeFile(temporary_);
+    if (m_stream != nullptr && m_stream != stdout)
+        std::fclose(m_stream);
+    if (!m_temporary.empty())
+        platform::removeFile(m_temporary);
 }
 
 void OutputFile::write(crypto::ByteView bytes) {
-    if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), stream_) != bytes.size())
-        fail("Cannot write {1}: {2}", path_);
+    if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), m_stream) != bytes.size())
+        fail("Cannot write {1}: {2}", m_path);
 }
 
 void OutputFile::commit() {
-    if (std::fflush(stream_) != 0)
-        fail("Cannot write {1}: {2}", path_);
-    if (stream_ == stdout)
+    if (std::fflush(m_stream) != 0)
+        fail("Cannot write {1}: {2}", m_path);
+    if (m_stream == stdout)
         return;
-    std::FILE *closing = stream_;
-    stream_ = nullptr;
+    std::FILE *closing = m_stream;
+    m_stream = nullptr;
     if (std::fclose(closing) != 0)
-        fail("Cannot write {1}: {2}", path_);
-    if (!temporary_.empty() && !platform::replaceFile(temporary_, path_))
-        fail("Cannot write {1}: {2}", path_);
-    temporary_.clear();
+        fail("Cannot write {1}: {2}", m_path);
+    if (!m_temporary.empty() && !platform::replaceFile(m_temporary, m_path))
+        fail("Cannot write {1}: {2}", m_path);
+    m_temporary.clear();
 }
 
 crypto::SecretBytes readWhole(const std::string &path, std::size_t limit) {
@@ -91,7 +91,7 @@ crypto::SecretBytes readWhole(const std::string &path, std::size_t limit) {
         const std::size_t count = file.read(bytes.data() + used, 4096);
         used += count;
         if (used > limit)
-            throw Failure(ExitCode::Usage,
+            throw Failure(ExitCode::usage,
                           tr("{1} is longer than {2} bytes", {path, std::to_string(limit)}));
         if (count < 4096) {
             bytes.resize(used);

@@ -20,13 +20,13 @@ public:
     // Fills the buffer as far as the file goes: the number of bytes, 0 at the end.
     std::size_t read(std::uint8_t *buffer, std::size_t capacity);
     // The whole length in bytes when it is known.
-    std::optional<std::uint64_t> size() const { return size_; }
-    const std::string &name() const { return path_; }
+    std::optional<std::uint64_t> size() const { return m_size; }
+    const std::string &name() const { return m_path; }
 
 private:
-    std::string path_;
-    std::FILE *stream_;
-    std::optional<std::uint64_t> size_;
+    std::string m_path;
+    std::FILE *m_stream;
+    std::optional<std::uint64_t> m_size;
 };
 
 // A file appears under its name, complete, at commit(); without it nothing is left behind. Standard
@@ -42,9 +42,9 @@ public:
     void commit();
 
 private:
-    std::string path_;
-    std::string temporary_; // empty when written directly
-    std::FILE *stream_;
+    std::string m_path;
+    std::string m_temporary; // empty when written directly
+    std::FILE *m_stream;
 };
 
 // A whole file of at most limit bytes.

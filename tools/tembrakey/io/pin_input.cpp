@@ -12,21 +12,21 @@ namespace tembra::tool {
 
 namespace {
 
-constexpr std::size_t longest = 1024; // far beyond what tokens take
+constexpr std::size_t LONGEST = 1024; // far beyond what tokens take
 
 // A line under construction, wiped whatever happens.
 struct Line {
-    char text[longest] = {};
+    char text[LONGEST] = {};
     ~Line() { crypto::wipe(text, sizeof text); }
 };
 
 SecretText fromDescriptor(int descriptor) {
     Line line;
     std::size_t used = 0;
-    for (char c = 0; used < longest - 1; line.text[used++] = c) {
+    for (char c = 0; used < LONGEST - 1; line.text[used++] = c) {
         const int count = platform::readDescriptor(descriptor, &c, 1);
         if (count < 0)
-            throw Failure(ExitCode::InputOutput, tr("Cannot read a PIN from descriptor {1}",
+            throw Failure(ExitCode::inputOutput, tr("Cannot read a PIN from descriptor {1}",
                                                     {std::to_string(descriptor)}));
         if (count == 0 || c == '\n')
             break;
@@ -39,7 +39,7 @@ SecretText fromDescriptor(int descriptor) {
 SecretText fromEnvironment(const std::string &variable) {
     auto value = platform::environment(variable);
     if (!value)
-        throw Failure(ExitCode::Usage, tr("The environment variable {1} is not set", {variable}));
+        throw Failure(ExitCode::usage, tr("The environment variable {1} is not set", {variable}));
     std::string &characters = *value;
     SecretText text(characters);
     crypto::wipe(characters.data(), characters.size());
@@ -50,25 +50,25 @@ SecretText fromPrompt(const std::string &prompt) {
     std::fprintf(stderr, "%s: ", prompt.c_str());
     std::fflush(stderr);
     Line line;
-    if (!platform::readTerminalLine(line.text, longest, true))
-        throw Failure(ExitCode::InputOutput, tr("No PIN was entered"));
+    if (!platform::readTerminalLine(line.text, LONGEST, true))
+        throw Failure(ExitCode::inputOutput, tr("No PIN was entered"));
     return SecretText(line.text);
 }
 
 } // namespace
 
 void PinSource::describe(Arguments &arguments, const char *alias) {
-    std::string variable = "--" + std::string(name_) + "-env";
-    std::string descriptor = "--" + std::string(name_) + "-fd";
+    std::string variable = "--" + std::string(m_name) + "-env";
+    std::string descriptor = "--" + std::string(m_name) + "-fd";
     if (alias != nullptr) {
         variable += ",--" + std::string(alias) + "-env";
         descriptor += ",--" + std::string(alias) + "-fd";
     }
     arguments
-        .text((variable + " NAME").c_str(), variable_,
-              tr("{1} from an environment variable", {tr(what_)}).c_str())
-        .number((descriptor + " N").c_str(), descriptor_,
-                tr("{1} from a line of an open file descriptor", {tr(what_)}).c_str(), 0, 65535)
+        .text((variable + " NAME").c_str(), m_variable,
+              tr("{1} from an environment variable", {tr(m_what)}).c_str())
+        .number((descriptor + " N").c_str(), m_descriptor,
+                tr("{1} from a line of an open file descriptor", {tr(m_what)}).c_str(), 0, 65535)
         .excludes(variable.substr(0, variable.find(',')).c_str());
 }
 
@@ -77,21 +77,21 @@ bool PinSource::available() const {
 }
 
 SecretText PinSource::read() const {
-    if (!variable_.empty())
-        return fromEnvironment(variable_);
-    if (descriptor_ >= 0)
-        return fromDescriptor(descriptor_);
+    if (!m_variable.empty())
+        return fromEnvironment(m_variable);
+    if (m_descriptor >= 0)
+        return fromDescriptor(m_descriptor);
     if (platform::isTerminal(stdin))
-        return fromPrompt(tr(what_));
+        return fromPrompt(tr(m_what));
     throw Failure(
-        ExitCode::Usage,
-        tr("There is no terminal to ask for the PIN: use --{1}-env NAME or --{1}-fd N", {name_}));
+        ExitCode::usage,
+        tr("There is no terminal to ask for the PIN: use --{1}-env NAME or --{1}-fd N", {m_name}));
 }
 
 SecretText PinSource::readNew() const {
     SecretText pin = read();
-    if (!given() && !(fromPrompt(tr("{1} again", {tr(what_)})) == pin))
-        throw Failure(ExitCode::Usage, tr("The two PINs differ"));
+    if (!given() && !(fromPrompt(tr("{1} again", {tr(m_what)})) == pin))
+        throw Failure(ExitCode::usage, tr("The two PINs differ"));
     return pin;
 }
 

@@ -11,15 +11,15 @@ namespace tembra::tool {
 // A text that wipes itself.
 class SecretText {
 public:
-    SecretText() { bytes_.push_back(0); }
-    explicit SecretText(std::string_view text) : bytes_(text.begin(), text.end()) {
-        bytes_.push_back(0);
+    SecretText() { m_bytes.push_back(0); }
+    explicit SecretText(std::string_view text) : m_bytes(text.begin(), text.end()) {
+        m_bytes.push_back(0);
     }
-    const char *c_str() const { return reinterpret_cast<const char *>(bytes_.data()); }
+    const char *c_str() const { return reinterpret_cast<const char *>(m_bytes.data()); }
     friend bool operator==(const SecretText &, const SecretText &) = default;
 
 private:
-    crypto::SecretBytes bytes_; // with a closing NUL
+    crypto::SecretBytes m_bytes; // with a closing NUL
 };
 
 // Where one PIN comes from.
@@ -27,12 +27,12 @@ class PinSource {
 public:
     // name makes the options --NAME-env and --NAME-fd; what, in English, is what is prompted for,
     // for example "User PIN".
-    PinSource(const char *name, const char *what) : name_(name), what_(what) {}
+    PinSource(const char *name, const char *what) : m_name(name), m_what(what) {}
 
     // alias may name a second pair of options for the same PIN, or be null.
     void describe(Arguments &arguments, const char *alias = nullptr);
 
-    bool given() const { return !variable_.empty() || descriptor_ >= 0; }
+    bool given() const { return !m_variable.empty() || m_descriptor >= 0; }
     // Whether there is a way to have the PIN: an option, or a terminal to ask at.
     bool available() const;
 
@@ -43,10 +43,10 @@ public:
     SecretText readNew() const;
 
 private:
-    const char *name_;
-    const char *what_;
-    std::string variable_;
-    int descriptor_ = -1;
+    const char *m_name;
+    const char *m_what;
+    std::string m_variable;
+    int m_descriptor = -1;
 };
 
 } // namespace tembra::tool

@@ -9,8 +9,8 @@ namespace tembra::tool {
 
 namespace {
 
-constexpr auto patience = std::chrono::seconds(1);
-constexpr auto interval = std::chrono::milliseconds(100);
+constexpr auto PATIENCE = std::chrono::seconds(1);
+constexpr auto INTERVAL = std::chrono::milliseconds(100);
 
 std::string inMebibytes(double bytes) {
     char text[32];
@@ -28,29 +28,29 @@ std::string bar(double share, int width) {
 } // namespace
 
 Progress::Progress(std::string what, std::optional<std::uint64_t> totalBytes)
-    : what_(std::move(what)), total_(totalBytes), atTerminal_(platform::isTerminal(stderr)),
-      start_(Clock::now()), next_(start_ + patience) {}
+    : m_what(std::move(what)), m_total(totalBytes), m_atTerminal(platform::isTerminal(stderr)),
+      m_start(Clock::now()), m_next(m_start + PATIENCE) {}
 
 Progress::~Progress() {
-    if (drawn_)
+    if (m_drawn)
         std::fputs("\r\033[K", stderr);
 }
 
 void Progress::advance(std::uint64_t bytes) {
-    done_ += bytes;
-    if (atTerminal_ && Clock::now() >= next_)
+    m_done += bytes;
+    if (m_atTerminal && Clock::now() >= m_next)
         draw();
 }
 
 void Progress::draw() {
-    next_ = Clock::now() + interval;
-    drawn_ = true;
-    const double seconds = std::chrono::duration<double>(Clock::now() - start_).count();
-    const double done = static_cast<double>(done_);
-    std::string line = what_ + "  ";
+    m_next = Clock::now() + INTERVAL;
+    m_drawn = true;
+    const double seconds = std::chrono::duration<double>(Clock::now() - m_start).count();
+    const double done = static_cast<double>(m_done);
+    std::string line = m_what + "  ";
     const int width = std::clamp(platform::terminalColumns() - 50, 0, 40);
-    if (total_ && *total_ > 0 && width > 0)
-        line += bar(std::min(1.0, done / static_cast<double>(*total_)), width);
+    if (m_total && *m_total > 0 && width > 0)
+        line += bar(std::min(1.0, done / static_cast<double>(*m_total)), width);
     line += inMebibytes(done) + "  " + inMebibytes(done / seconds) + "/s";
     std::fprintf(stderr, "\r%s\033[K", line.c_str());
     std::fflush(stderr);

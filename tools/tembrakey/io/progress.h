@@ -22,13 +22,13 @@ private:
     using Clock = std::chrono::steady_clock;
     void draw();
 
-    std::string what_;
-    std::optional<std::uint64_t> total_;
-    std::uint64_t done_ = 0;
-    bool atTerminal_;
-    bool drawn_ = false;
-    Clock::time_point start_;
-    Clock::time_point next_;
+    std::string m_what;
+    std::optional<std::uint64_t> m_total;
+    std::uint64_t m_done = 0;
+    bool m_atTerminal;
+    bool m_drawn = false;
+    Clock::time_point m_start;
+    Clock::time_point m_next;
 };
 
 } // namespace tembra::tool

@@ -5,7 +5,7 @@
 namespace tembra::tool {
 
 Record &Record::add(std::string name, std::string value) {
-    fields_.push_back({std::move(name), Value(std::move(value))});
+    m_fields.push_back({std::move(name), Value(std::move(value))});
     return *this;
 }
 
@@ -14,17 +14,17 @@ Record &Record::add(std::string name, int value) {
 }
 
 Record &Record::add(std::string name, std::int64_t value) {
-    fields_.push_back({std::move(name), Value(value)});
+    m_fields.push_back({std::move(name), Value(value)});
     return *this;
 }
 
 Record &Record::add(std::string name, bool value) {
-    fields_.push_back({std::move(name), Value(value)});
+    m_fields.push_back({std::move(name), Value(value)});
     return *this;
 }
 
 Record &Record::add(std::string name, List value) {
-    fields_.push_back({std::move(name), Value(std::move(value))});
+    m_fields.push_back({std::move(name), Value(std::move(value))});
     return *this;
 }
 

@@ -26,10 +26,10 @@ public:
     Record &add(std::string name, bool value);
     Record &add(std::string name, List value);
 
-    const std::vector<Field> &fields() const { return fields_; }
+    const std::vector<Field> &fields() const { return m_fields; }
 
 private:
-    std::vector<Field> fields_;
+    std::vector<Field> m_fields;
 };
 
 // Bytes that are no UTF-8 come out as replacement characters. Indented by two blanks.

@@ -9,7 +9,7 @@
 namespace tembra::tool {
 
 // Bytes in one piece, a multiple of every block size.
-constexpr std::size_t pieceSize = 1 << 18;
+constexpr std::size_t PIECE_SIZE = 1 << 18;
 
 // Hands the file's bytes to take, in pieces of pieceSize except for the last, with a progress bar
 // that says what (translated) is going on. Returns the number of bytes. Throws Failure.

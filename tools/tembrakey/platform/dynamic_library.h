@@ -27,7 +27,7 @@ public:
     void *symbol(const char *name) const;
 
 private:
-    void *handle_ = nullptr;
+    void *m_handle = nullptr;
 };
 
 } // namespace tembra::tool::platform

@@ -7,8 +7,8 @@
 namespace tembra::tool::platform {
 
 DynamicLibrary::~DynamicLibrary() {
-    if (handle_ != nullptr)
-        dlclose(handle_);
+    if (m_handle != nullptr)
+        dlclose(m_handle);
 }
 
 std::string DynamicLibrary::open(const std::string &path) {
@@ -16,8 +16,8 @@ std::string DynamicLibrary::open(const std::string &path) {
 }
 
 std::string DynamicLibrary::openNamed(const std::string &fileName) {
-    handle_ = dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (handle_ != nullptr)
+    m_handle = dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (m_handle != nullptr)
         return {};
     const char *reason = dlerror();
     return reason == nullptr ? fileName : reason;
@@ -25,7 +25,7 @@ std::string DynamicLibrary::openNamed(const std::string &fileName) {
 
 std::string DynamicLibrary::path() const {
     link_map *entry = nullptr;
-    if (dlinfo(handle_, RTLD_DI_LINKMAP, &entry) != 0)
+    if (dlinfo(m_handle, RTLD_DI_LINKMAP, &entry) != 0)
         return {};
     std::error_code error;
     const auto path = std::filesystem::canonical(entry->l_name, error);
@@ -33,7 +33,7 @@ std::string DynamicLibrary::path() const {
 }
 
 void *DynamicLibrary::symbol(const char *name) const {
-    return dlsym(handle_, name);
+    return dlsym(m_handle, name);
 }
 
 } // namespace tembra::tool::platform

@@ -34,14 +34,14 @@ std::wstring findOutsideOurFolder(const std::wstring &name) {
 } // namespace
 
 DynamicLibrary::~DynamicLibrary() {
-    if (handle_ != nullptr)
-        FreeLibrary(static_cast<HMODULE>(handle_));
+    if (m_handle != nullptr)
+        FreeLibrary(static_cast<HMODULE>(m_handle));
 }
 
 std::string DynamicLibrary::open(const std::string &path) {
     const std::wstring absolute = std::filesystem::absolute(widen(path)).wstring();
-    handle_ = LoadLibraryExW(absolute.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
-    return handle_ == nullptr ? errorText(GetLastError()) : std::string();
+    m_handle = LoadLibraryExW(absolute.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    return m_handle == nullptr ? errorText(GetLastError()) : std::string();
 }
 
 std::string DynamicLibrary::openNamed(const std::string &fileName) {
@@ -49,21 +49,21 @@ std::string DynamicLibrary::openNamed(const std::string &fileName) {
     std::wstring found = name; // when it is loaded already
     if (GetModuleHandleW(name.c_str()) == nullptr)
         found = findOutsideOurFolder(name);
-    handle_ = found.empty() ? nullptr : LoadLibraryW(found.c_str());
-    if (handle_ != nullptr)
+    m_handle = found.empty() ? nullptr : LoadLibraryW(found.c_str());
+    if (m_handle != nullptr)
         return {};
     return errorText(found.empty() ? ERROR_MOD_NOT_FOUND : GetLastError());
 }
 
 std::string DynamicLibrary::path() const {
     std::wstring path(32768, L'\0');
-    path.resize(GetModuleFileNameW(static_cast<HMODULE>(handle_), path.data(),
+    path.resize(GetModuleFileNameW(static_cast<HMODULE>(m_handle), path.data(),
                                    static_cast<DWORD>(path.size())));
     return narrow(path);
 }
 
 void *DynamicLibrary::symbol(const char *name) const {
-    return reinterpret_cast<void *>(GetProcAddress(static_cast<HMODULE>(handle_), name));
+    return reinterpret_cast<void *>(GetProcAddress(static_cast<HMODULE>(m_handle), name));
 }
 
 } // namespace tembra::tool::platform

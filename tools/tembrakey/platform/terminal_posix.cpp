@@ -16,29 +16,30 @@ void remember(int number) {
     caughtSignal = number;
 }
 
-constexpr int endingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+constexpr int ENDING_SIGNALS[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 
 // Switches echo off and, while it is off, turns ending signals into an interrupted read.
 class HiddenInput {
 public:
-    explicit HiddenInput(bool hidden) : hidden_(hidden && tcgetattr(STDIN_FILENO, &before_) == 0) {
-        if (!hidden_)
+    explicit HiddenInput(bool hidden)
+        : m_hidden(hidden && tcgetattr(STDIN_FILENO, &m_before) == 0) {
+        if (!m_hidden)
             return;
         caughtSignal = 0;
         struct sigaction action = {};
         action.sa_handler = remember;
         for (int i = 0; i < 4; ++i)
-            sigaction(endingSignals[i], &action, &actionsBefore_[i]);
-        termios silent = before_;
+            sigaction(ENDING_SIGNALS[i], &action, &m_actionsBefore[i]);
+        termios silent = m_before;
         silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
         tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
     }
     ~HiddenInput() {
-        if (!hidden_)
+        if (!m_hidden)
             return;
-        tcsetattr(STDIN_FILENO, TCSAFLUSH, &before_);
+        tcsetattr(STDIN_FILENO, TCSAFLUSH, &m_before);
         for (int i = 0; i < 4; ++i)
-            sigaction(endingSignals[i], &actionsBefore_[i], nullptr);
+            sigaction(ENDING_SIGNALS[i], &m_actionsBefore[i], nullptr);
         (void)!write(STDERR_FILENO, "\n", 1);
         if (caughtSignal != 0)
             std::raise(caughtSignal);
@@ -47,9 +48,9 @@ public:
     HiddenInput &operator=(const HiddenInput &) = delete;
 
 private:
-    termios before_ = {}; // read by the initialiser of hidden_
-    bool hidden_;
-    struct sigaction actionsBefore_[4] = {};
+    termios m_before = {}; // read by the initialiser of hidden_
+    bool m_hidden;
+    struct sigaction m_actionsBefore[4] = {};
 };
 
 } // namespace

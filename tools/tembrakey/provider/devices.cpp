@@ -46,11 +46,11 @@ Device chooseDevice(const Session &session, const std::string &wanted) {
     if (matching.empty() && !wanted.empty() && isIndex(wanted) && std::stoi(wanted) < count)
         matching.push_back(std::stoi(wanted));
     if (matching.empty())
-        throw Failure(ExitCode::NotFound,
+        throw Failure(ExitCode::notFound,
                       wanted.empty() ? tr("No token is connected")
                                      : tr("There is no device {1}: list shows them", {wanted}));
     if (matching.size() > 1)
-        throw Failure(ExitCode::NotFound,
+        throw Failure(ExitCode::notFound,
                       tr("There are several devices: choose one with --device INDEX (list shows "
                          "them)"));
     return Device(session, session->DeviceGetDevice(set.get(), matching.front()));

@@ -28,12 +28,12 @@ KeyPair onlyKeyPair(const Device &device, const KeyPairChoice &choice) {
         if (session->DeviceGetKeypairType(pair.get()) != choice.typeNumber())
             continue;
         if (found)
-            throw Failure(ExitCode::NotFound,
+            throw Failure(ExitCode::notFound,
                           tr("There are several keys: choose one with --label (list shows them)"));
         found = std::move(pair);
     }
     if (!found)
-        throw Failure(ExitCode::NotFound,
+        throw Failure(ExitCode::notFound,
                       tr("The device has no key pair of type {1}", {choice.type}));
     return found;
 }
@@ -47,7 +47,7 @@ KeyPair chooseKeyPair(const Device &device, const KeyPairChoice &choice) {
     SPI_KEYPAIR_HANDLE handle = nullptr;
     if (session->DeviceFindKeypair(device.get(), choice.typeNumber(), choice.label.c_str(),
                                    &handle) != ORVEL_PKI_SUCCESS)
-        throw Failure(ExitCode::NotFound,
+        throw Failure(ExitCode::notFound,
                       tr("There is no key pair of type {1} with the label {2}: list shows them",
                          {choice.type, choice.label}));
     return KeyPair(session, handle);
@@ -84,7 +84,7 @@ crypto::Bytes publicKeyDer(const KeyPair &pair) {
 crypto::PublicKey publicKey(const KeyPair &pair) {
     const auto key = crypto::decodePublicKey(publicKeyDer(pair));
     if (!key)
-        throw Failure(ExitCode::Failure,
+        throw Failure(ExitCode::failure,
                       tr("The host library's encoding of the public key is no X.509 "
                          "SubjectPublicKeyInfo"));
     return *key;

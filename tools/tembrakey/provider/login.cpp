@@ -34,7 +34,7 @@ void checkPin(const char *entryPoint, const Device &device, int type, int result
     const bool refused = result == ORVEL_PKI_WRONGPIN || result == ORVEL_PKI_FAILURE;
     const int tries = refused ? triesLeft(device, type) : -1;
     if (result == ORVEL_PKI_FAILURE && tries == 0) // a locked PIN is a plain failure to the token
-        throw Failure(ExitCode::WrongPin,
+        throw Failure(ExitCode::wrongPin,
                       tr("{1} answered {2}: {3}", {entryPoint, "0", triesAdvice(type, 0)}),
                       entryPoint, result);
     check(entryPoint, result,

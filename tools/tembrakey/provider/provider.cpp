@@ -33,14 +33,14 @@ std::string fill(Provider &provider, const platform::DynamicLibrary &library) {
 } // namespace
 
 ProviderLibrary::ProviderLibrary(const std::string &given)
-    : path_(firstReadable(providerCandidates(given), tr("the provider's library"),
-                          tr("name it with --provider or TEMBRA_KEY_PROV"))) {
-    const std::string reason = library_.open(path_);
+    : m_path(firstReadable(providerCandidates(given), tr("the provider's library"),
+                           tr("name it with --provider or TEMBRA_KEY_PROV"))) {
+    const std::string reason = m_library.open(m_path);
     if (!reason.empty())
-        throw Failure(ExitCode::NoProvider, tr("{1} cannot be loaded: {2}", {path_, reason}));
-    const std::string missing = fill(provider_, library_);
+        throw Failure(ExitCode::noProvider, tr("{1} cannot be loaded: {2}", {m_path, reason}));
+    const std::string missing = fill(m_provider, m_library);
     if (!missing.empty())
-        throw Failure(ExitCode::NoProvider, tr("{1} lacks entry points:{2}", {path_, missing}));
+        throw Failure(ExitCode::noProvider, tr("{1} lacks entry points:{2}", {m_path, missing}));
 }
 
 } // namespace tembra::tool

@@ -25,13 +25,13 @@ public:
     // be loaded, or when entry points are missing, which are then named.
     explicit ProviderLibrary(const std::string &given);
 
-    const Provider &entryPoints() const { return provider_; }
-    const std::string &path() const { return path_; }
+    const Provider &entryPoints() const { return m_provider; }
+    const std::string &path() const { return m_path; }
 
 private:
-    platform::DynamicLibrary library_;
-    Provider provider_;
-    std::string path_;
+    platform::DynamicLibrary m_library;
+    Provider m_provider;
+    std::string m_path;
 };
 
 } // namespace tembra::tool

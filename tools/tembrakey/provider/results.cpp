@@ -15,33 +15,32 @@ struct Meaning {
     const char *advice;
 };
 
-const Meaning meanings[] = {
-    {ORVEL_PKI_FAILURE, ExitCode::Failure, "failure",
+const Meaning MEANINGS[] = {
+    {ORVEL_PKI_FAILURE, ExitCode::failure, "failure",
      "the provider's trace log has the token's own answer (TEMBRA_KEY_PROV_LOG_PATH)"},
-    {ORVEL_PKI_BADARGUMENT, ExitCode::Failure, "bad argument",
+    {ORVEL_PKI_BADARGUMENT, ExitCode::failure, "bad argument",
      "see the command's --help for what it takes"},
-    {ORVEL_PKI_NULLHANDLE, ExitCode::Failure, "no handle", "the key pair may have been deleted"},
-    {ORVEL_PKI_MOREDATA, ExitCode::Failure, "buffer too short",
+    {ORVEL_PKI_NULLHANDLE, ExitCode::failure, "no handle", "the key pair may have been deleted"},
+    {ORVEL_PKI_MOREDATA, ExitCode::failure, "buffer too short",
      "the token changed its answer; try again"},
-    {ORVEL_PKI_WRONGPIN, ExitCode::WrongPin, "wrong or locked PIN",
+    {ORVEL_PKI_WRONGPIN, ExitCode::wrongPin, "wrong or locked PIN",
      "pin retries shows how many tries are left"},
-    {ORVEL_PKI_ALREADYEXISTS, ExitCode::AlreadyExists, "already exists", "choose another name"},
-    {ORVEL_PKI_NOTEXIST, ExitCode::DoesNotExist, "does not exist", "check the number"},
-    {ORVEL_PKI_NOTLOGGEDIN, ExitCode::NotLoggedIn, "user not logged in",
+    {ORVEL_PKI_ALREADYEXISTS, ExitCode::alreadyExists, "already exists", "choose another name"},
+    {ORVEL_PKI_NOTEXIST, ExitCode::doesNotExist, "does not exist", "check the number"},
+    {ORVEL_PKI_NOTLOGGEDIN, ExitCode::notLoggedIn, "user not logged in",
      "give the user PIN with --pin-env NAME or --pin-fd N"},
-    {ORVEL_PKI_PINLENGTH, ExitCode::PinLength, "PIN length",
+    {ORVEL_PKI_PINLENGTH, ExitCode::pinLength, "PIN length",
      "the token does not take a PIN of this length"},
 };
 
-const Meaning unknown = {0, ExitCode::Failure, "unknown result",
+const Meaning UNKNOWN = {0, ExitCode::failure, "unknown result",
                          "the provider's trace log may say more (TEMBRA_KEY_PROV_LOG_PATH)"};
 
 const Meaning &meaningOf(int result) {
-    for (const Meaning &one : meanings) {
+    for (const Meaning &one : MEANINGS)
         if (one.result == result)
             return one;
-    }
-    return unknown;
+    return UNKNOWN;
 }
 
 } // namespace
@@ -58,7 +57,7 @@ void check(const char *entryPoint, int result, const Advice &advice) {
 }
 
 void refuseNull(const char *entryPoint, const std::string &advice) {
-    throw Failure(ExitCode::Failure, tr("{1} answered null: {2}", {entryPoint, advice}), entryPoint,
+    throw Failure(ExitCode::failure, tr("{1} answered null: {2}", {entryPoint, advice}), entryPoint,
                   0);
 }
 

@@ -5,13 +5,13 @@
 
 namespace tembra::tool {
 
-Session::Session(const std::string &path) : library_(path) {
-    check("DeviceInit", library_.entryPoints().DeviceInit(),
+Session::Session(const std::string &path) : m_library(path) {
+    check("DeviceInit", m_library.entryPoints().DeviceInit(),
           {ORVEL_PKI_FAILURE, tr("the host library gave no pseudo device")});
 }
 
 Session::~Session() {
-    library_.entryPoints().DeviceEnd();
+    m_library.entryPoints().DeviceEnd();
 }
 
 } // namespace tembra::tool

@@ -17,36 +17,36 @@ public:
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
 
-    const Provider *operator->() const { return &library_.entryPoints(); }
+    const Provider *operator->() const { return &m_library.entryPoints(); }
 
 private:
-    ProviderLibrary library_;
+    ProviderLibrary m_library;
 };
 
 // A handle that goes back through its DeviceFree... entry point.
 template <typename H, int (*Provider::*Free)(H)>
 class Owned {
 public:
-    Owned(const Session &session, H handle) : session_(&session), handle_(handle) {}
+    Owned(const Session &session, H handle) : m_session(&session), m_handle(handle) {}
     Owned(Owned &&other) noexcept
-        : session_(other.session_), handle_(std::exchange(other.handle_, nullptr)) {}
+        : m_session(other.m_session), m_handle(std::exchange(other.m_handle, nullptr)) {}
     Owned &operator=(Owned &&other) noexcept {
-        std::swap(session_, other.session_);
-        std::swap(handle_, other.handle_);
+        std::swap(m_session, other.m_session);
+        std::swap(m_handle, other.m_handle);
         return *this;
     }
     ~Owned() {
-        if (handle_ != nullptr)
-            ((*session_).operator->()->*Free)(handle_);
+        if (m_handle != nullptr)
+            ((*m_session).operator->()->*Free)(m_handle);
     }
 
-    H get() const { return handle_; }
-    explicit operator bool() const { return handle_ != nullptr; }
-    const Session &session() const { return *session_; }
+    H get() const { return m_handle; }
+    explicit operator bool() const { return m_handle != nullptr; }
+    const Session &session() const { return *m_session; }
 
 private:
-    const Session *session_;
-    H handle_;
+    const Session *m_session;
+    H m_handle;
 };
 
 using DeviceSet = Owned<SPI_DEVICESET_HANDLE, &Provider::DeviceFreeDevices>;

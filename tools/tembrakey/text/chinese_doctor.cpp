@@ -4,7 +4,7 @@ namespace tembra::tool {
 
 namespace {
 
-const Translation doctorTexts[] = {
+const Translation DOCTOR_TEXTS[] = {
     // the command line
     {"Find out what is wrong: libraries, settings, trace log, tokens",
      "检查哪里有问题：库、设置、跟踪日志、令牌"},
@@ -191,7 +191,7 @@ const Translation doctorTexts[] = {
 } // namespace
 
 std::span<const Translation> chineseDoctor() {
-    return doctorTexts;
+    return DOCTOR_TEXTS;
 }
 
 } // namespace tembra::tool

@@ -11,7 +11,7 @@ namespace {
     "提供者的跟踪日志从级别 3（信息，即默认级别）起会以明文记录 PIN：\n" \
     "将 TEMBRA_KEY_PROV_LOG_LEVEL 设为 2 或更小即可避免。"
 
-const Translation helpTexts[] = {
+const Translation HELP_TEXTS[] = {
     // the pages' words
     {"Usage", "用法"},
     {"Positionals", "参数"},
@@ -30,26 +30,26 @@ const Translation helpTexts[] = {
     {"Examples:", "示例："},
     {"Show this help and end", "显示此帮助并退出"},
     {"Show the version and end", "显示版本并退出"},
-    {toolSummary, "在命令行中通过 TembraKeyProv 提供者使用智能密码钥匙。"},
-    {toolFooter, "退出码：\n"
-                 "   0  成功\n"
-                 "   1  令牌、宿主库或设备状态拒绝了请求\n"
-                 "   2  用法错误，或文件内容无法使用\n"
-                 "   3  没有该设备、密钥或证书，或有多个可选\n"
-                 "   4  未登录\n"
-                 "   5  PIN 错误或已锁定，或设备认证失败\n"
-                 "   6  已存在\n"
-                 "   7  数据对象不存在\n"
-                 "   8  无法加载库\n"
-                 "   9  无法读写文件\n"
-                 "  10  令牌不接受此长度的 PIN\n"
-                 "  11  签名错误\n"
-                 "\n"
-                 "环境变量：\n"
-                 "  TEMBRA_KEY_PROV            提供者库的路径\n"
-                 "  TEMBRA_KEY_PROV_LOG_LEVEL  提供者的跟踪日志：0 关闭，1 错误 …… 5 详尽\n"
-                 "  TEMBRA_KEY_PROV_LOG_PATH   日志文件\n"
-                 "跟踪日志从级别 3（默认）起以明文记录 PIN。"},
+    {TOOL_SUMMARY, "在命令行中通过 TembraKeyProv 提供者使用智能密码钥匙。"},
+    {TOOL_FOOTER, "退出码：\n"
+                  "   0  成功\n"
+                  "   1  令牌、宿主库或设备状态拒绝了请求\n"
+                  "   2  用法错误，或文件内容无法使用\n"
+                  "   3  没有该设备、密钥或证书，或有多个可选\n"
+                  "   4  未登录\n"
+                  "   5  PIN 错误或已锁定，或设备认证失败\n"
+                  "   6  已存在\n"
+                  "   7  数据对象不存在\n"
+                  "   8  无法加载库\n"
+                  "   9  无法读写文件\n"
+                  "  10  令牌不接受此长度的 PIN\n"
+                  "  11  签名错误\n"
+                  "\n"
+                  "环境变量：\n"
+                  "  TEMBRA_KEY_PROV            提供者库的路径\n"
+                  "  TEMBRA_KEY_PROV_LOG_LEVEL  提供者的跟踪日志：0 关闭，1 错误 …… 5 详尽\n"
+                  "  TEMBRA_KEY_PROV_LOG_PATH   日志文件\n"
+                  "跟踪日志从级别 3（默认）起以明文记录 PIN。"},
     {TEMBRA_PIN_WARNING, PIN_WARNING},
 
     // groups and commands
@@ -213,7 +213,7 @@ const Translation helpTexts[] = {
 } // namespace
 
 std::span<const Translation> chineseHelp() {
-    return helpTexts;
+    return HELP_TEXTS;
 }
 
 } // namespace tembra::tool

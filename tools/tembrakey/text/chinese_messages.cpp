@@ -4,7 +4,7 @@ namespace tembra::tool {
 
 namespace {
 
-const Translation messages[] = {
+const Translation MESSAGES[] = {
     // the command line
     {"There is no option {1} here", "此处没有选项 {1}"},
     {"There is no subcommand {1} here", "此处没有子命令 {1}"},
@@ -194,7 +194,7 @@ const Translation messages[] = {
 } // namespace
 
 std::span<const Translation> chineseMessages() {
-    return messages;
+    return MESSAGES;
 }
 
 } // namespace tembra::tool

@@ -4,7 +4,7 @@ namespace tembra::tool {
 
 namespace {
 
-const Translation traceTexts[] = {
+const Translation TRACE_TEXTS[] = {
     // the command line
     {"Read a trace log: calls, durations, errors first; or mask it",
      "读取跟踪日志：调用、耗时、错误在前；或将其脱敏"},
@@ -121,7 +121,7 @@ const Translation traceTexts[] = {
 } // namespace
 
 std::span<const Translation> chineseTrace() {
-    return traceTexts;
+    return TRACE_TEXTS;
 }
 
 } // namespace tembra::tool

@@ -30,10 +30,9 @@ bool wantsChinese() {
 void chooseLanguage() {
     if (!wantsChinese())
         return;
-    for (const auto texts : {chineseHelp(), chineseMessages(), chineseTrace(), chineseDoctor()}) {
+    for (const auto texts : {chineseHelp(), chineseMessages(), chineseTrace(), chineseDoctor()})
         for (const Translation &entry : texts)
             table().emplace(entry.english, entry.translated);
-    }
 }
 
 const char *tr(const char *english) {

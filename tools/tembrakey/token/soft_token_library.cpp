@@ -10,7 +10,7 @@
 
 namespace tembra::tool {
 
-const char *const softTokenPrefix = "TEMBRA-SOFT-";
+const char *const SOFT_TOKEN_PREFIX = "TEMBRA-SOFT-";
 
 namespace {
 
@@ -20,28 +20,27 @@ struct Meaning {
     const char *text;
 };
 
-const Meaning meanings[] = {
-    {0x0A000004, ExitCode::InputOutput, "a file could not be read or written"},
-    {0x0A000006, ExitCode::Usage, "a value is out of range"},
-    {0x0A000009, ExitCode::Usage, "a name or text is empty or too long"},
-    {0x0A000023, ExitCode::NotFound, "there is no token of that name (see token list)"},
-    {0x0A000027, ExitCode::PinLength, "PINs have 6 to 16 bytes"},
-    {0x0A00002C, ExitCode::AlreadyExists, "the token has an application of that name"},
-    {0x0A00002F, ExitCode::AlreadyExists, "there is a token with that serial number"},
-    {0x0A000030, ExitCode::Failure, "the token has no room for it"},
+const Meaning MEANINGS[] = {
+    {0x0A000004, ExitCode::inputOutput, "a file could not be read or written"},
+    {0x0A000006, ExitCode::usage, "a value is out of range"},
+    {0x0A000009, ExitCode::usage, "a name or text is empty or too long"},
+    {0x0A000023, ExitCode::notFound, "there is no token of that name (see token list)"},
+    {0x0A000027, ExitCode::pinLength, "PINs have 6 to 16 bytes"},
+    {0x0A00002C, ExitCode::alreadyExists, "the token has an application of that name"},
+    {0x0A00002F, ExitCode::alreadyExists, "there is a token with that serial number"},
+    {0x0A000030, ExitCode::failure, "the token has no room for it"},
 };
 
 void check(const char *function, std::uint32_t result) {
     if (result == 0)
         return;
     const Meaning *found = nullptr;
-    for (const Meaning &one : meanings) {
+    for (const Meaning &one : MEANINGS)
         if (one.code == result)
             found = &one;
-    }
     char code[16];
     std::snprintf(code, sizeof code, "0x%08X", static_cast<unsigned>(result));
-    throw Failure(found != nullptr ? found->exitCode : ExitCode::Failure,
+    throw Failure(found != nullptr ? found->exitCode : ExitCode::failure,
                   tr("{1} answered {2}: {3}",
                      {function, code,
                       tr(found != nullptr ? found->text
@@ -53,11 +52,11 @@ void check(const char *function, std::uint32_t result) {
 
 template <typename Function>
 void SoftTokenLibrary::find(Function *&function, const char *name) {
-    function = reinterpret_cast<Function *>(library_.symbol(name));
+    function = reinterpret_cast<Function *>(m_library.symbol(name));
     if (function == nullptr)
         throw Failure(
-            ExitCode::NoProvider,
-            tr("{1} is not the development kit's software token: it lacks {2}", {path_, name}));
+            ExitCode::noProvider,
+            tr("{1} is not the development kit's software token: it lacks {2}", {m_path, name}));
 }
 
 // The command tembra-devkit says where the kit is installed; in a build it lies beside the tool.
@@ -69,32 +68,32 @@ static std::vector<std::string> kitCandidates() {
 }
 
 SoftTokenLibrary::SoftTokenLibrary()
-    : path_(firstReadable(kitCandidates(), tr("the software token's library"),
-                          tr("it comes with the development kit"))) {
-    const std::string reason = library_.open(path_);
+    : m_path(firstReadable(kitCandidates(), tr("the software token's library"),
+                           tr("it comes with the development kit"))) {
+    const std::string reason = m_library.open(m_path);
     if (!reason.empty())
-        throw Failure(ExitCode::NoProvider, tr("{1} cannot be loaded: {2}", {path_, reason}));
-    find(create_, "TembraSoftTokenCreate");
-    find(remove_, "TembraSoftTokenRemove");
-    find(addApplication_, "TembraSoftTokenAddApplication");
-    find(list_, "TembraSoftTokenList");
-    find(directory_, "TembraSoftTokenDirectory");
+        throw Failure(ExitCode::noProvider, tr("{1} cannot be loaded: {2}", {m_path, reason}));
+    find(m_create, "TembraSoftTokenCreate");
+    find(m_remove, "TembraSoftTokenRemove");
+    find(m_addApplication, "TembraSoftTokenAddApplication");
+    find(m_list, "TembraSoftTokenList");
+    find(m_directory, "TembraSoftTokenDirectory");
 }
 
 std::string SoftTokenLibrary::create(const TembraSoftTokenOptions &options) const {
     char name[64] = {};
     std::uint32_t size = sizeof name;
-    check("TembraSoftTokenCreate", create_(&options, name, &size));
+    check("TembraSoftTokenCreate", m_create(&options, name, &size));
     return name;
 }
 
 void SoftTokenLibrary::addApplication(const std::string &token,
                                       const TembraSoftTokenApplication &application) const {
-    check("TembraSoftTokenAddApplication", addApplication_(token.c_str(), &application));
+    check("TembraSoftTokenAddApplication", m_addApplication(token.c_str(), &application));
 }
 
 void SoftTokenLibrary::remove(const std::string &token) const {
-    check("TembraSoftTokenRemove", remove_(token.c_str()));
+    check("TembraSoftTokenRemove", m_remove(token.c_str()));
 }
 
 namespace {
@@ -112,7 +111,7 @@ std::string readAll(const char *function, std::uint32_t (*read)(char *, std::uin
 } // namespace
 
 std::vector<std::string> SoftTokenLibrary::list() const {
-    const std::string names = readAll("TembraSoftTokenList", list_);
+    const std::string names = readAll("TembraSoftTokenList", m_list);
     std::vector<std::string> result;
     for (std::size_t at = 0; at < names.size() && names[at] != '\0';) {
         result.emplace_back(names.c_str() + at);
@@ -122,7 +121,7 @@ std::vector<std::string> SoftTokenLibrary::list() const {
 }
 
 std::string SoftTokenLibrary::directory() const {
-    std::string text = readAll("TembraSoftTokenDirectory", directory_);
+    std::string text = readAll("TembraSoftTokenDirectory", m_directory);
     text.resize(std::strlen(text.c_str()));
     return text;
 }

@@ -28,16 +28,16 @@ private:
     template <typename Function>
     void find(Function *&function, const char *name);
 
-    platform::DynamicLibrary library_;
-    std::string path_;
-    decltype(&TembraSoftTokenCreate) create_ = nullptr;
-    decltype(&TembraSoftTokenRemove) remove_ = nullptr;
-    decltype(&TembraSoftTokenAddApplication) addApplication_ = nullptr;
-    decltype(&TembraSoftTokenList) list_ = nullptr;
-    decltype(&TembraSoftTokenDirectory) directory_ = nullptr;
+    platform::DynamicLibrary m_library;
+    std::string m_path;
+    decltype(&TembraSoftTokenCreate) m_create = nullptr;
+    decltype(&TembraSoftTokenRemove) m_remove = nullptr;
+    decltype(&TembraSoftTokenAddApplication) m_addApplication = nullptr;
+    decltype(&TembraSoftTokenList) m_list = nullptr;
+    decltype(&TembraSoftTokenDirectory) m_directory = nullptr;
 };
 
 // What stands before the serial number in a software token's device name.
-extern const char *const softTokenPrefix;
+extern const char *const SOFT_TOKEN_PREFIX;
 
 } // namespace tembra::tool

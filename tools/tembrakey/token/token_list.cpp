@@ -12,7 +12,7 @@ public:
     void run(Context &context) override {
         const SoftTokenLibrary library;
         const std::string directory = library.directory();
-        const std::size_t prefix = std::string(softTokenPrefix).size();
+        const std::size_t prefix = std::string(SOFT_TOKEN_PREFIX).size();
         Record::List tokens;
         std::string text = tr("Software tokens in {1}:", {directory});
         for (const std::string &name : library.list()) {

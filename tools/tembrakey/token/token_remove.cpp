@@ -9,23 +9,23 @@ namespace {
 class TokenRemove final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("SERIAL", serial_, "The token's serial number")
+        arguments.text("SERIAL", m_serial, "The token's serial number")
             .required()
-            .flag("--yes", yes_, "Do not ask");
+            .flag("--yes", m_yes, "Do not ask");
     }
     void run(Context &context) override {
         const SoftTokenLibrary library;
-        if (!yes_ && !context.console.confirms(
-                         tr("Remove the software token {1} with all that is on it?", {serial_})))
-            throw Failure(ExitCode::Failure, tr("Nothing was removed"));
-        library.remove(softTokenPrefix + serial_);
-        context.console.result(Record().add("serial", serial_).add("removed", true),
-                               tr("Software token {1} removed", {serial_}));
+        if (!m_yes && !context.console.confirms(
+                          tr("Remove the software token {1} with all that is on it?", {m_serial})))
+            throw Failure(ExitCode::failure, tr("Nothing was removed"));
+        library.remove(SOFT_TOKEN_PREFIX + m_serial);
+        context.console.result(Record().add("serial", m_serial).add("removed", true),
+                               tr("Software token {1} removed", {m_serial}));
     }
 
 private:
-    std::string serial_;
-    bool yes_ = false;
+    std::string m_serial;
+    bool m_yes = false;
 };
 
 } // namespace

@@ -9,22 +9,22 @@ namespace tembra::trace {
 namespace {
 
 // What one call with its inner calls, and all open calls together, may hold on to.
-constexpr std::size_t mostBytes = std::size_t{256} << 10;
-constexpr std::size_t mostBytesWithErrors = 2 * mostBytes; // error lines have room of their own
-constexpr std::size_t mostThreads = 256;
-constexpr std::size_t mostDepth = 64;
-constexpr std::size_t longestMessage = 2000;
-constexpr std::size_t bytesOfALine = sizeof(CallLine) + 32;
+constexpr std::size_t MOST_BYTES = std::size_t{256} << 10;
+constexpr std::size_t MOST_BYTES_WITH_ERRORS = 2 * MOST_BYTES; // error lines have room of their own
+constexpr std::size_t MOST_THREADS = 256;
+constexpr std::size_t MOST_DEPTH = 64;
+constexpr std::size_t LONGEST_MESSAGE = 2000;
+constexpr std::size_t BYTES_OF_A_LINE = sizeof(CallLine) + 32;
 
-constexpr std::string_view entryTracer = "call_stack_tracer::call_stack_tracer";
-constexpr std::string_view exitTracer = "call_stack_tracer::~call_stack_tracer";
-constexpr std::string_view entryMark = ">>>>> ";
-constexpr std::string_view exitMark = "<<<<< ";
+constexpr std::string_view ENTRY_TRACER = "call_stack_tracer::call_stack_tracer";
+constexpr std::string_view EXIT_TRACER = "call_stack_tracer::~call_stack_tracer";
+constexpr std::string_view ENTRY_MARK = ">>>>> ";
+constexpr std::string_view EXIT_MARK = "<<<<< ";
 
 std::string shortened(std::string_view message, std::uint64_t fullLength) {
-    if (fullLength <= longestMessage && message.size() <= longestMessage)
+    if (fullLength <= LONGEST_MESSAGE && message.size() <= LONGEST_MESSAGE)
         return std::string(message);
-    std::size_t length = std::min(message.size(), longestMessage);
+    std::size_t length = std::min(message.size(), LONGEST_MESSAGE);
     while (length > 0 && length < message.size() && (message[length] & 0xC0) == 0x80)
         --length; // not inside a UTF-8 character
     return std::string(message.substr(0, length)) + "... (" + std::to_string(fullLength) + ")";
@@ -58,24 +58,24 @@ bool releasesThrough(std::string_view outer, std::string_view inner) {
 } // namespace
 
 CallBuilder::Thread &CallBuilder::threadOf(const Line &line, std::uint64_t number) {
-    if (threads_.size() >= mostThreads && !threads_.contains(line.thread)) {
+    if (m_threads.size() >= MOST_THREADS && !m_threads.contains(line.thread)) {
         const auto quietest =
-            std::min_element(threads_.begin(), threads_.end(), [](const auto &a, const auto &b) {
+            std::min_element(m_threads.begin(), m_threads.end(), [](const auto &a, const auto &b) {
                 return a.second.lastLine < b.second.lastLine;
             });
         closeAll(quietest->second);
-        threads_.erase(quietest);
+        m_threads.erase(quietest);
     }
-    Thread &thread = threads_[line.thread];
+    Thread &thread = m_threads[line.thread];
     thread.lastLine = number;
     return thread;
 }
 
 void CallBuilder::add(const Line &line, std::uint64_t number, std::uint64_t fullLength) {
     Thread &thread = threadOf(line, number);
-    if (line.function == entryTracer && line.message.starts_with(entryMark)) {
+    if (line.function == ENTRY_TRACER && line.message.starts_with(ENTRY_MARK)) {
         enter(thread, line, number);
-    } else if (line.function == exitTracer && line.message.starts_with(exitMark)) {
+    } else if (line.function == EXIT_TRACER && line.message.starts_with(EXIT_MARK)) {
         leave(thread, line, number);
     } else {
         if (thread.open.empty() || !thread.open.front().entered)
@@ -85,10 +85,10 @@ void CallBuilder::add(const Line &line, std::uint64_t number, std::uint64_t full
 }
 
 void CallBuilder::enter(Thread &thread, const Line &line, std::uint64_t number) {
-    const std::string_view name = line.message.substr(entryMark.size());
+    const std::string_view name = line.message.substr(ENTRY_MARK.size());
     if (!thread.open.empty() && (!thread.open.front().entered || provesLoss(thread.open, name)))
         closeAll(thread);
-    if (thread.open.size() >= mostDepth) {
+    if (thread.open.size() >= MOST_DEPTH) {
         ++thread.open.back().omitted;
         return;
     }
@@ -97,7 +97,7 @@ void CallBuilder::enter(Thread &thread, const Line &line, std::uint64_t number) 
 }
 
 void CallBuilder::leave(Thread &thread, const Line &line, std::uint64_t number) {
-    const std::string_view name = line.message.substr(exitMark.size());
+    const std::string_view name = line.message.substr(EXIT_MARK.size());
     auto found = std::find_if(thread.open.rbegin(), thread.open.rend(),
                               [&](const Call &call) { return call.name == name; });
     if (found == thread.open.rend()) {
@@ -143,7 +143,7 @@ void CallBuilder::keep(Thread &thread, const Line &line, std::uint64_t number,
     call.warnings += line.level == Level::warning ? 1 : 0;
     call.lastLine = number;
     call.end = line.second;
-    const std::size_t most = line.level == Level::error ? mostBytesWithErrors : mostBytes;
+    const std::size_t most = line.level == Level::error ? MOST_BYTES_WITH_ERRORS : MOST_BYTES;
     if (thread.kept >= most) {
         ++call.omitted;
         return;
@@ -154,7 +154,7 @@ void CallBuilder::keep(Thread &thread, const Line &line, std::uint64_t number,
     call.lines.push_back({number, line.second, line.level,
                           std::string(line.function.substr(0, 256)),
                           shortened(line.message, fullLength)});
-    thread.kept += bytesOfALine + call.lines.back().message.size();
+    thread.kept += BYTES_OF_A_LINE + call.lines.back().message.size();
 }
 
 void CallBuilder::close(Thread &thread) {
@@ -162,13 +162,13 @@ void CallBuilder::close(Thread &thread) {
     thread.open.pop_back();
     if (thread.open.empty()) {
         thread.kept = 0;
-        sink_.take(std::move(call));
+        m_sink.take(std::move(call));
         return;
     }
     Call &outer = thread.open.back();
     outer.lastLine = call.lastLine;
     outer.end = call.end;
-    const bool fits = thread.kept < (call.failed() ? mostBytesWithErrors : mostBytes);
+    const bool fits = thread.kept < (call.failed() ? MOST_BYTES_WITH_ERRORS : MOST_BYTES);
     if (!fits) {
         outer.omitted += 1 + call.omitted;
         outer.errors += call.errors;
@@ -185,13 +185,13 @@ void CallBuilder::closeAll(Thread &thread) {
 
 void CallBuilder::finish() {
     std::vector<Thread *> left;
-    for (auto &[id, thread] : threads_)
+    for (auto &[id, thread] : m_threads)
         left.push_back(&thread);
     std::sort(left.begin(), left.end(),
               [](const Thread *a, const Thread *b) { return a->lastLine < b->lastLine; });
     for (Thread *thread : left)
         closeAll(*thread);
-    threads_.clear();
+    m_threads.clear();
 }
 
 } // namespace tembra::trace

@@ -26,7 +26,7 @@ public:
 // line that holds its arguments and lasts to the next call of its thread.
 class CallBuilder {
 public:
-    explicit CallBuilder(Sink &sink) : sink_(sink) {}
+    explicit CallBuilder(Sink &sink) : m_sink(sink) {}
 
     // fullLength: of the message, which can be longer than what the line still holds of it.
     void add(const Line &line, std::uint64_t number, std::uint64_t fullLength);
@@ -49,8 +49,8 @@ private:
     void close(Thread &thread);
     void closeAll(Thread &thread);
 
-    Sink &sink_;
-    std::unordered_map<std::int64_t, Thread> threads_;
+    Sink &m_sink;
+    std::unordered_map<std::int64_t, Thread> m_threads;
 };
 
 } // namespace tembra::trace

@@ -16,11 +16,10 @@ void writeSeconds(JsonText &json, std::string_view name, std::optional<std::int6
 
 void writeArguments(JsonText &json, const Call &call) {
     json.name("arguments").beginObject();
-    if (call.opening) {
+    if (call.opening)
         for (const auto &[name, value] :
              readArguments(call.name, call.lines[*call.opening].message))
             json.member(name, value);
-    }
     json.endObject();
 }
 

@@ -95,10 +95,9 @@ std::string_view callOf(std::string_view function) {
         {"cipherUpdate", "DeviceCipherUpdate"},
         {"decodeSm2CipherText", "DevicePrivateKeyDecrypt"},
     };
-    for (const Row &row : rows) {
+    for (const Row &row : rows)
         if (row.routine == function)
             return row.entryPoint;
-    }
     const EntryPoint *own = findEntryPoint(function);
     return own ? own->name : std::string_view();
 }

@@ -7,42 +7,42 @@
 namespace tembra::trace {
 
 void JsonText::separate() {
-    if (wantsComma_)
-        text_ += ',';
-    wantsComma_ = true;
+    if (m_wantsComma)
+        m_text += ',';
+    m_wantsComma = true;
 }
 
 JsonText &JsonText::beginObject() {
     separate();
-    text_ += '{';
-    wantsComma_ = false;
+    m_text += '{';
+    m_wantsComma = false;
     return *this;
 }
 
 JsonText &JsonText::endObject() {
-    text_ += '}';
-    wantsComma_ = true;
+    m_text += '}';
+    m_wantsComma = true;
     return *this;
 }
 
 JsonText &JsonText::beginArray() {
     separate();
-    text_ += '[';
-    wantsComma_ = false;
+    m_text += '[';
+    m_wantsComma = false;
     return *this;
 }
 
 JsonText &JsonText::endArray() {
-    text_ += ']';
-    wantsComma_ = true;
+    m_text += ']';
+    m_wantsComma = true;
     return *this;
 }
 
 JsonText &JsonText::name(std::string_view name) {
     separate();
     quote(name);
-    text_ += ':';
-    wantsComma_ = false;
+    m_text += ':';
+    m_wantsComma = false;
     return *this;
 }
 
@@ -54,45 +54,45 @@ JsonText &JsonText::value(std::string_view text) {
 
 JsonText &JsonText::value(bool truth) {
     separate();
-    text_ += truth ? "true" : "false";
+    m_text += truth ? "true" : "false";
     return *this;
 }
 
 JsonText &JsonText::value(std::int64_t number) {
     separate();
-    text_ += std::to_string(number);
+    m_text += std::to_string(number);
     return *this;
 }
 
 JsonText &JsonText::value(std::uint64_t number) {
     separate();
-    text_ += std::to_string(number);
+    m_text += std::to_string(number);
     return *this;
 }
 
 JsonText &JsonText::null() {
     separate();
-    text_ += "null";
+    m_text += "null";
     return *this;
 }
 
 void JsonText::quote(std::string_view text) {
-    text_ += '"';
+    m_text += '"';
     while (!text.empty()) {
         const std::string_view character = takeCharacter(text);
         const auto byte = static_cast<unsigned char>(character[0]);
         if (character == "\"" || character == "\\") {
-            text_ += '\\';
-            text_ += character;
+            m_text += '\\';
+            m_text += character;
         } else if (byte < 0x20 || byte == 0x7F || character == "<" || character == "&") {
             char escape[8];
             std::snprintf(escape, sizeof escape, "\\u%04x", byte);
-            text_ += escape;
+            m_text += escape;
         } else {
-            text_ += character;
+            m_text += character;
         }
     }
-    text_ += '"';
+    m_text += '"';
 }
 
 } // namespace tembra::trace

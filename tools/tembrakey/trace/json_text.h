@@ -28,16 +28,16 @@ public:
         return name(memberName).value(memberValue);
     }
 
-    const std::string &text() const { return text_; }
+    const std::string &text() const { return m_text; }
     // Forgets the text, which has been written out; what follows continues it.
-    void clear() { text_.clear(); }
+    void clear() { m_text.clear(); }
 
 private:
     void separate();
     void quote(std::string_view text);
 
-    std::string text_;
-    bool wantsComma_ = false;
+    std::string m_text;
+    bool m_wantsComma = false;
 };
 
 } // namespace tembra::trace

@@ -7,8 +7,8 @@ namespace tembra::trace {
 
 namespace {
 
-constexpr std::array<std::string_view, 5> tags = {"ERROR", "WARN", "INFO", "DEBUG", "VERBOSE"};
-constexpr std::string_view timeShape = "dddd-dd-dd dd:dd:dd";
+constexpr std::array<std::string_view, 5> TAGS = {"ERROR", "WARN", "INFO", "DEBUG", "VERBOSE"};
+constexpr std::string_view TIME_SHAPE = "dddd-dd-dd dd:dd:dd";
 
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
@@ -38,12 +38,11 @@ std::optional<std::int64_t> takeThread(std::string_view &text) {
 }
 
 std::optional<std::int64_t> takeSecond(std::string_view &text) {
-    if (text.size() <= timeShape.size() || text[timeShape.size()] != ' ')
+    if (text.size() <= TIME_SHAPE.size() || text[TIME_SHAPE.size()] != ' ')
         return std::nullopt;
-    for (std::size_t i = 0; i < timeShape.size(); ++i) {
-        if (timeShape[i] == 'd' ? !isDigit(text[i]) : text[i] != timeShape[i])
+    for (std::size_t i = 0; i < TIME_SHAPE.size(); ++i)
+        if (TIME_SHAPE[i] == 'd' ? !isDigit(text[i]) : text[i] != TIME_SHAPE[i])
             return std::nullopt;
-    }
     const int month = number(text.substr(5, 2));
     const int day = number(text.substr(8, 2));
     if (month < 1 || month > 12 || day < 1 || day > 31)
@@ -52,7 +51,7 @@ std::optional<std::int64_t> takeSecond(std::string_view &text) {
     const std::int64_t second = days * 86400 + std::int64_t{number(text.substr(11, 2))} * 3600 +
                                 std::int64_t{number(text.substr(14, 2))} * 60 +
                                 number(text.substr(17, 2));
-    text.remove_prefix(timeShape.size() + 1);
+    text.remove_prefix(TIME_SHAPE.size() + 1);
     return second;
 }
 
@@ -69,17 +68,16 @@ std::optional<std::string_view> takeBracketed(std::string_view &text) {
 }
 
 std::optional<Level> levelOf(std::string_view tag) {
-    for (std::size_t i = 0; i < tags.size(); ++i) {
-        if (tag == tags[i])
+    for (std::size_t i = 0; i < TAGS.size(); ++i)
+        if (tag == TAGS[i])
             return static_cast<Level>(i + 1);
-    }
     return std::nullopt;
 }
 
 } // namespace
 
 std::string_view levelTag(Level level) {
-    return tags[static_cast<std::size_t>(level) - 1];
+    return TAGS[static_cast<std::size_t>(level) - 1];
 }
 
 std::optional<Line> parseLine(std::string_view text) {

@@ -13,25 +13,25 @@ std::size_t endingLength(std::string_view line) {
 } // namespace
 
 void LineReader::hand(std::string_view text, std::string_view ending, bool last) {
-    take_({line_, text, ending, first_, last});
-    first_ = last;
-    line_ += last ? 1 : 0;
+    m_take({m_line, text, ending, m_first, last});
+    m_first = last;
+    m_line += last ? 1 : 0;
 }
 
 void LineReader::pass(std::string_view line) {
     const std::size_t ending = endingLength(line);
     std::string_view text = line.substr(0, line.size() - ending);
-    for (; text.size() > limit_; text.remove_prefix(limit_))
-        hand(text.substr(0, limit_), {}, false);
+    for (; text.size() > m_limit; text.remove_prefix(m_limit))
+        hand(text.substr(0, m_limit), {}, false);
     hand(text, line.substr(line.size() - ending), true);
 }
 
 // Two bytes stay behind, so that a line end is never cut in two.
 void LineReader::passAllButTheEnd() {
     std::size_t passed = 0;
-    for (; carried_.size() - passed > limit_ + 2; passed += limit_)
-        hand(std::string_view(carried_).substr(passed, limit_), {}, false);
-    carried_.erase(0, passed);
+    for (; m_carried.size() - passed > m_limit + 2; passed += m_limit)
+        hand(std::string_view(m_carried).substr(passed, m_limit), {}, false);
+    m_carried.erase(0, passed);
 }
 
 void LineReader::feed(std::string_view block) {
@@ -39,24 +39,24 @@ void LineReader::feed(std::string_view block) {
         const auto end = block.find('\n');
         const std::string_view part = block.substr(0, end == block.npos ? end : end + 1);
         block.remove_prefix(part.size());
-        if (end != block.npos && carried_.empty()) {
+        if (end != block.npos && m_carried.empty()) {
             pass(part);
             continue;
         }
-        carried_.append(part);
+        m_carried.append(part);
         if (end == block.npos) {
             passAllButTheEnd();
         } else {
-            pass(carried_);
-            carried_.clear();
+            pass(m_carried);
+            m_carried.clear();
         }
     }
 }
 
 void LineReader::finish() {
-    if (!carried_.empty() || !first_)
-        pass(carried_);
-    carried_.clear();
+    if (!m_carried.empty() || !m_first)
+        pass(m_carried);
+    m_carried.clear();
 }
 
 } // namespace tembra::trace

@@ -21,11 +21,11 @@ struct Piece {
 class LineReader {
 public:
     using Take = std::function<void(const Piece &)>;
-    static constexpr std::size_t usualLimit = std::size_t{64} << 10;
+    static constexpr std::size_t USUAL_LIMIT = std::size_t{64} << 10;
 
     // The pieces' views hold only during the call of take.
-    explicit LineReader(Take take, std::size_t limit = usualLimit)
-        : take_(std::move(take)), limit_(limit) {}
+    explicit LineReader(Take take, std::size_t limit = USUAL_LIMIT)
+        : m_take(std::move(take)), m_limit(limit) {}
 
     void feed(std::string_view block);
     // After the last block: a line without line end comes out.
@@ -36,11 +36,11 @@ private:
     void passAllButTheEnd();
     void hand(std::string_view text, std::string_view ending, bool last);
 
-    Take take_;
-    std::size_t limit_;
-    std::string carried_; // the beginning of a line that goes on in the next block
-    std::uint64_t line_ = 1;
-    bool first_ = true;
+    Take m_take;
+    std::size_t m_limit;
+    std::string m_carried; // the beginning of a line that goes on in the next block
+    std::uint64_t m_line = 1;
+    bool m_first = true;
 };
 
 } // namespace tembra::trace

@@ -26,10 +26,9 @@ std::string padded(std::string text, std::size_t width) {
 }
 
 const CallLine *firstError(const Call &call) {
-    for (const CallLine &line : call.lines) {
+    for (const CallLine &line : call.lines)
         if (line.level == Level::error)
             return &line;
-    }
     return nullptr;
 }
 
@@ -61,17 +60,17 @@ std::string summaryText(const Summary &summary, Translate translate) {
 }
 
 std::string Listing::name(const Call &call) const {
-    return call.name.empty() ? translate_("(inside a call that began before the log)")
+    return call.name.empty() ? m_translate("(inside a call that began before the log)")
                              : printable(call.name);
 }
 
 std::string Listing::duration(const Call &call) const {
     if (const auto seconds = call.duration())
-        return *seconds == 0 ? translate_("under 1 s")
-                             : fill(translate_("about {1} s"), {number(*seconds)});
+        return *seconds == 0 ? m_translate("under 1 s")
+                             : fill(m_translate("about {1} s"), {number(*seconds)});
     if (call.lost())
-        return translate_("did not return");
-    return call.returned && !call.entered ? translate_("began before the log") : "";
+        return m_translate("did not return");
+    return call.returned && !call.entered ? m_translate("began before the log") : "";
 }
 
 std::string Listing::failures(const Call &call) const {
@@ -82,7 +81,7 @@ std::string Listing::failures(const Call &call) const {
             padded(name(call), 28) + (error ? printable(error->message) : std::string("..."));
         text += columns(timeText(error ? error->second : call.begin), number(call.thread), rest) +
                 "  " +
-                fill(translate_("(line {1})"),
+                fill(m_translate("(line {1})"),
                      {std::to_string(error ? error->number : call.firstLine)}) +
                 "\n";
     }
@@ -94,8 +93,8 @@ std::string Listing::failures(const Call &call) const {
 void Listing::appendHead(std::string &text, const Call &call, std::size_t depth) const {
     std::string rest =
         std::string(2 * depth, ' ') + padded(name(call), 30 - 2 * std::min<std::size_t>(depth, 8));
-    rest +=
-        padded(duration(call), 14) + fill(translate_("line {1}"), {std::to_string(call.firstLine)});
+    rest += padded(duration(call), 14) +
+            fill(m_translate("line {1}"), {std::to_string(call.firstLine)});
     text += (call.failed() ? "! " : "  ") +
             columns(timeText(call.begin).substr(11), number(call.thread), rest) + "\n";
 }
@@ -124,7 +123,7 @@ void Listing::append(std::string &text, const Call &call, std::size_t depth) con
         append(text, *inner, depth + 1);
     if (call.omitted > 0)
         text += std::string(22 + 2 * depth, ' ') +
-                fill(translate_("({1} more lines and calls that are not shown)"),
+                fill(m_translate("({1} more lines and calls that are not shown)"),
                      {grouped(call.omitted)}) +
                 "\n";
 }
@@ -132,16 +131,16 @@ void Listing::append(std::string &text, const Call &call, std::size_t depth) con
 std::string Listing::whole(const Call &call) {
     std::string text;
     std::string day = timeText(call.begin).substr(0, 10);
-    if (day != day_) {
+    if (day != m_day) {
         text = "  " + day + "\n";
-        day_ = std::move(day);
+        m_day = std::move(day);
     }
     append(text, call, 0);
     return text;
 }
 
 std::string Listing::foreign(std::uint64_t lineNumber, std::string_view text) const {
-    return "  " + fill(translate_("line {1}"), {std::to_string(lineNumber)}) + " | " +
+    return "  " + fill(m_translate("line {1}"), {std::to_string(lineNumber)}) + " | " +
            printable(text) + "\n";
 }
 

@@ -16,7 +16,7 @@ std::string summaryText(const Summary &summary, Translate translate);
 
 class Listing {
 public:
-    explicit Listing(Translate translate) : translate_(translate) {}
+    explicit Listing(Translate translate) : m_translate(translate) {}
 
     // One line for each failed call in it, the inner ones too; empty when none failed.
     std::string failures(const Call &call) const;
@@ -33,8 +33,8 @@ private:
     std::string duration(const Call &call) const;
     std::string name(const Call &call) const;
 
-    Translate translate_;
-    std::string day_;
+    Translate m_translate;
+    std::string m_day;
 };
 
 } // namespace tembra::trace

@@ -12,9 +12,9 @@ namespace tembra::trace {
 
 namespace {
 
-constexpr std::size_t mostBytes = std::size_t{48} << 20; // in each of the two stores
-constexpr std::size_t mostForeign = 500;
-constexpr std::size_t longestForeign = 1000;
+constexpr std::size_t MOST_BYTES = std::size_t{48} << 20; // in each of the two stores
+constexpr std::size_t MOST_FOREIGN = 500;
+constexpr std::size_t LONGEST_FOREIGN = 1000;
 
 using Out = std::function<void(std::string_view)>;
 
@@ -85,45 +85,45 @@ void PageContent::add(Call &&call) {
     const std::size_t calls = callsOf(call);
     const std::size_t bytes = bytesOf(call);
     const bool isFailed = hasFailed(call);
-    seen_ += calls;
-    if (isFailed && (failed_.calls + calls > mostCalls_ || failed_.bytes + bytes > mostBytes))
+    m_seen += calls;
+    if (isFailed && (m_failed.calls + calls > m_mostCalls || m_failed.bytes + bytes > MOST_BYTES))
         return;
-    (isFailed ? failed_ : others_).push({std::move(call), calls, bytes});
+    (isFailed ? m_failed : m_others).push({std::move(call), calls, bytes});
     makeRoom();
 }
 
 void PageContent::makeRoom() {
-    while (!others_.kept.empty() &&
-           (failed_.calls + others_.calls > mostCalls_ || others_.bytes > mostBytes))
-        others_.popFront();
+    while (!m_others.kept.empty() &&
+           (m_failed.calls + m_others.calls > m_mostCalls || m_others.bytes > MOST_BYTES))
+        m_others.popFront();
 }
 
 void PageContent::addForeign(std::uint64_t number, std::string_view text) {
-    if (foreign_.size() < mostForeign)
-        foreign_.push_back({number, std::string(text.substr(0, longestForeign))});
+    if (m_foreign.size() < MOST_FOREIGN)
+        m_foreign.push_back({number, std::string(text.substr(0, LONGEST_FOREIGN))});
 }
 
 void PageContent::writeData(const Out &out, const std::string &source, const Summary &summary,
                             bool isFiltered, Translate translate) {
-    for (Kept &one : others_.kept)
-        failed_.push(std::move(one));
-    others_ = {};
-    std::sort(failed_.kept.begin(), failed_.kept.end(),
+    for (Kept &one : m_others.kept)
+        m_failed.push(std::move(one));
+    m_others = {};
+    std::sort(m_failed.kept.begin(), m_failed.kept.end(),
               [](const Kept &a, const Kept &b) { return a.call.firstLine < b.call.firstLine; });
     JsonText json;
     json.beginObject().member("source", source).name("summary");
     writeSummary(json, summary);
     json.member("isFiltered", isFiltered)
-        .member("callsSeen", seen_)
-        .member("callsShown", static_cast<std::uint64_t>(failed_.calls));
+        .member("callsSeen", m_seen)
+        .member("callsShown", static_cast<std::uint64_t>(m_failed.calls));
     json.name("texts").beginObject();
     for (const char *text : pageTexts())
         json.member(text, translate(text));
     json.endObject().name("foreign").beginArray();
-    for (const Foreign &line : foreign_)
+    for (const Foreign &line : m_foreign)
         writeForeign(json, line.number, line.text);
     json.endArray().name("calls").beginArray();
-    for (const Kept &one : failed_.kept) {
+    for (const Kept &one : m_failed.kept) {
         writeCall(json, one.call);
         out(json.text());
         json.clear();

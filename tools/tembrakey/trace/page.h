@@ -18,7 +18,7 @@ namespace tembra::trace {
 class PageContent {
 public:
     // mostCalls: inner calls count too.
-    explicit PageContent(std::size_t mostCalls) : mostCalls_(mostCalls) {}
+    explicit PageContent(std::size_t mostCalls) : m_mostCalls(mostCalls) {}
 
     void add(Call &&call);
     void addForeign(std::uint64_t number, std::string_view text);
@@ -49,11 +49,11 @@ private:
     void writeData(const std::function<void(std::string_view)> &out, const std::string &source,
                    const Summary &summary, bool isFiltered, Translate translate);
 
-    std::size_t mostCalls_;
-    std::uint64_t seen_ = 0; // calls handed in
-    Store failed_;
-    Store others_;
-    std::deque<Foreign> foreign_;
+    std::size_t m_mostCalls;
+    std::uint64_t m_seen = 0; // calls handed in
+    Store m_failed;
+    Store m_others;
+    std::deque<Foreign> m_foreign;
 };
 
 } // namespace tembra::trace

@@ -6,58 +6,58 @@ namespace tembra::trace {
 
 namespace {
 
-constexpr std::size_t mostOpenThreads = 4096;
-constexpr std::size_t batch = std::size_t{256} << 10;
+constexpr std::size_t MOST_OPEN_THREADS = 4096;
+constexpr std::size_t BATCH = std::size_t{256} << 10;
 
 } // namespace
 
 void Redactor::remember(std::int64_t thread) {
-    open_.insert(thread);
-    openToTheEnd_ |= open_.size() >= mostOpenThreads;
-    if (openToTheEnd_)
-        open_.clear();
+    m_open.insert(thread);
+    m_openToTheEnd |= m_open.size() >= MOST_OPEN_THREADS;
+    if (m_openToTheEnd)
+        m_open.clear();
 }
 
 std::string_view Redactor::redact(const Piece &piece) {
     if (!piece.first)
         return redactRest(piece);
-    rest_ = Rest::drop;
-    masked_.clear();
+    m_rest = Rest::drop;
+    m_masked.clear();
     if (const auto line = parseLine(piece.text))
         return redactLine(*line, piece);
     return redactForeign(piece.text, piece.last);
 }
 
 std::string_view Redactor::redactLine(const Line &line, const Piece &piece) {
-    open_.erase(line.thread);
+    m_open.erase(line.thread);
     const auto head = static_cast<std::size_t>(line.message.data() - piece.text.data());
     if (redactPins(line, piece, head) || redactDump(line, piece, head))
-        return masked_;
+        return m_masked;
     // A line of arguments that ends before its PIN.
     if (writesPins(line.function) && (line.level == Level::information || !line.complete))
         remember(line.thread);
-    if (piece.last || rest_ == Rest::passHex)
+    if (piece.last || m_rest == Rest::passHex)
         return piece.text;
-    masked_ = piece.text;
-    return masked_ += maskText;
+    m_masked = piece.text;
+    return m_masked += MASK_TEXT;
 }
 
 // head is where the message begins. False when the line shows no PIN.
 bool Redactor::redactPins(const Line &line, const Piece &piece, std::size_t head) {
     const std::size_t pin = findPin(line.message);
-    if (pin == nowhere) {
+    if (pin == NOWHERE) {
         // Another thread's line that was torn and ran into this one.
-        nextIsSecret_ |= line.message.find("Pwd]") != nowhere;
+        m_nextIsSecret |= line.message.find("Pwd]") != NOWHERE;
         return false;
     }
-    const std::size_t tail = line.complete && piece.last ? findPinTail(line.message, pin) : nowhere;
-    masked_ = piece.text.substr(0, head + pin);
-    if (tail == nowhere) {
-        masked_ += maskText;
+    const std::size_t tail = line.complete && piece.last ? findPinTail(line.message, pin) : NOWHERE;
+    m_masked = piece.text.substr(0, head + pin);
+    if (tail == NOWHERE) {
+        m_masked += MASK_TEXT;
         remember(line.thread);
     } else {
-        masked_ += maskPins(line.message.substr(pin, tail - pin), writesTwoPins(line.function));
-        masked_ += piece.text.substr(head + tail);
+        m_masked += maskPins(line.message.substr(pin, tail - pin), writesTwoPins(line.function));
+        m_masked += piece.text.substr(head + tail);
     }
     return true;
 }
@@ -66,12 +66,12 @@ bool Redactor::redactPins(const Line &line, const Piece &piece, std::size_t head
 bool Redactor::redactDump(const Line &line, const Piece &piece, std::size_t head) {
     const Dump dump = findDump(line.message);
     const bool reachesEnd = dump.end == line.message.size();
-    if (dump.name != nowhere && reachesEnd && !piece.last)
-        rest_ = Rest::passHex;
-    if (mask_ == Mask::pins)
+    if (dump.name != NOWHERE && reachesEnd && !piece.last)
+        m_rest = Rest::passHex;
+    if (m_mask == Mask::pins)
         return false;
-    if (dump.name == nowhere) {
-        const bool endsEarly = !line.complete || line.message.find("[length:") != nowhere;
+    if (dump.name == NOWHERE) {
+        const bool endsEarly = !line.complete || line.message.find("[length:") != NOWHERE;
         if (line.level == Level::verbose && endsEarly)
             remember(line.thread);
         return false;
@@ -84,70 +84,70 @@ bool Redactor::redactDump(const Line &line, const Piece &piece, std::size_t head
         remember(line.thread);
     if (dump.begin == line.message.size())
         return false; // the log left the bytes out by itself
-    rest_ = Rest::drop;
-    masked_ = piece.text.substr(0, head + dump.begin);
-    masked_ += maskText;
+    m_rest = Rest::drop;
+    m_masked = piece.text.substr(0, head + dump.begin);
+    m_masked += MASK_TEXT;
     if (line.complete && piece.last)
-        masked_ += ' ';
+        m_masked += ' ';
     return true;
 }
 
 std::string_view Redactor::redactForeign(std::string_view text, bool isLast) {
-    const bool isRest = openToTheEnd_ || !open_.empty() || nextIsSecret_;
-    nextIsSecret_ = false;
+    const bool isRest = m_openToTheEnd || !m_open.empty() || m_nextIsSecret;
+    m_nextIsSecret = false;
     if (const auto thread = tornHeadThread(text))
         remember(*thread);
     if (text.empty())
         return text;
-    if (isRest || findPin(text) != nowhere || text.find("pretrynum") != nowhere)
-        return masked_ = maskText;
-    nextIsSecret_ = text.find("Pwd]") != nowhere;
+    if (isRest || findPin(text) != NOWHERE || text.find("pretrynum") != NOWHERE)
+        return m_masked = MASK_TEXT;
+    m_nextIsSecret = text.find("Pwd]") != NOWHERE;
     const std::size_t secret = findForeignSecret(text);
     const std::string_view visible = text.substr(0, secret);
-    if (mask_ == Mask::pinsAndData)
-        maskHex(visible, masked_);
+    if (m_mask == Mask::pinsAndData)
+        maskHex(visible, m_masked);
     else
-        masked_ = visible;
-    if (secret != nowhere || !isLast)
-        masked_ += maskText;
-    return masked_;
+        m_masked = visible;
+    if (secret != NOWHERE || !isLast)
+        m_masked += MASK_TEXT;
+    return m_masked;
 }
 
 std::string_view Redactor::redactRest(const Piece &piece) {
-    if (rest_ == Rest::drop)
+    if (m_rest == Rest::drop)
         return {};
     std::size_t end = piece.text.find_first_not_of("0123456789ABCDEFabcdef");
-    if (end == nowhere || (piece.last && piece.text.substr(end) == " "))
+    if (end == NOWHERE || (piece.last && piece.text.substr(end) == " "))
         return piece.text;
-    rest_ = Rest::drop;
-    masked_ = piece.text.substr(0, end);
-    masked_ += maskText;
-    return masked_;
+    m_rest = Rest::drop;
+    m_masked = piece.text.substr(0, end);
+    m_masked += MASK_TEXT;
+    return m_masked;
 }
 
 RedactingCopy::RedactingCopy(Write write)
-    : write_(std::move(write)), redactor_(Mask::pinsAndData),
-      reader_([this](const Piece &piece) { take(piece); }) {}
+    : m_write(std::move(write)), m_redactor(Mask::pinsAndData),
+      m_reader([this](const Piece &piece) { take(piece); }) {}
 
 void RedactingCopy::take(const Piece &piece) {
-    const std::string_view text = redactor_.redact(piece);
-    isMasked_ |= text != piece.text;
-    pending_ += text;
-    pending_ += piece.ending;
+    const std::string_view text = m_redactor.redact(piece);
+    m_isMasked |= text != piece.text;
+    m_pending += text;
+    m_pending += piece.ending;
     if (piece.last) {
-        maskedLines_ += isMasked_ ? 1 : 0;
-        isMasked_ = false;
+        m_maskedLines += m_isMasked ? 1 : 0;
+        m_isMasked = false;
     }
-    if (pending_.size() >= batch) {
-        write_(pending_);
-        pending_.clear();
+    if (m_pending.size() >= BATCH) {
+        m_write(m_pending);
+        m_pending.clear();
     }
 }
 
 void RedactingCopy::finish() {
-    reader_.finish();
-    write_(pending_);
-    pending_.clear();
+    m_reader.finish();
+    m_write(m_pending);
+    m_pending.clear();
 }
 
 } // namespace tembra::trace

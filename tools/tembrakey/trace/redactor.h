@@ -24,7 +24,7 @@ enum class Mask {
 // passes beyond the first piece.
 class Redactor {
 public:
-    explicit Redactor(Mask mask) : mask_(mask) {}
+    explicit Redactor(Mask mask) : m_mask(mask) {}
 
     // The piece's text, masked; good until the next call. Wants the pieces of a log in their order.
     std::string_view redact(const Piece &piece);
@@ -39,12 +39,12 @@ private:
     std::string_view redactRest(const Piece &piece);
     void remember(std::int64_t thread);
 
-    Mask mask_;
-    std::string masked_;
-    std::set<std::int64_t> open_; // threads in the middle of a secret
-    bool openToTheEnd_ = false;   // there were too many of them to tell apart
-    bool nextIsSecret_ = false;   // the next line that is no trace line is the rest of one
-    Rest rest_ = Rest::drop;
+    Mask m_mask;
+    std::string m_masked;
+    std::set<std::int64_t> m_open; // threads in the middle of a secret
+    bool m_openToTheEnd = false;   // there were too many of them to tell apart
+    bool m_nextIsSecret = false;   // the next line that is no trace line is the rest of one
+    Rest m_rest = Rest::drop;
 };
 
 // Copies a log, masked, to where write puts it; lines without secrets keep every byte.
@@ -53,20 +53,20 @@ public:
     using Write = std::function<void(std::string_view)>;
     explicit RedactingCopy(Write write);
 
-    void feed(std::string_view block) { reader_.feed(block); }
+    void feed(std::string_view block) { m_reader.feed(block); }
     void finish();
     // Lines that did not stay as they were.
-    std::uint64_t maskedLines() const { return maskedLines_; }
+    std::uint64_t maskedLines() const { return m_maskedLines; }
 
 private:
     void take(const Piece &piece);
 
-    Write write_;
-    Redactor redactor_;
-    LineReader reader_;
-    std::string pending_;
-    std::uint64_t maskedLines_ = 0;
-    bool isMasked_ = false;
+    Write m_write;
+    Redactor m_redactor;
+    LineReader m_reader;
+    std::string m_pending;
+    std::uint64_t m_maskedLines = 0;
+    bool m_isMasked = false;
 };
 
 } // namespace tembra::trace

@@ -8,7 +8,7 @@ namespace tembra::trace {
 
 namespace {
 
-constexpr std::string_view nextPin = ", const char *newpwd = ";
+constexpr std::string_view NEXT_PIN = ", const char *newpwd = ";
 constexpr std::string_view null = "(null)";
 
 char lower(char c) {
@@ -33,7 +33,7 @@ std::size_t skip(std::string_view text, std::size_t at, bool (*is)(char)) {
 std::size_t behindEquals(std::string_view text, std::size_t at) {
     at = skip(text, at, [](char c) { return c == ' '; });
     if (at >= text.size() || text[at] != '=' || text.substr(at, 2) == "==")
-        return nowhere;
+        return NOWHERE;
     return at + 1 < text.size() && text[at + 1] == ' ' ? at + 2 : at + 1;
 }
 
@@ -42,15 +42,15 @@ std::size_t findPinFrom(std::string_view text, char w) {
     for (std::size_t at = 0; at < text.size(); ++at) {
         const void *found = std::memchr(text.data() + at, w, text.size() - at);
         if (found == nullptr)
-            return nowhere;
+            return NOWHERE;
         at = static_cast<std::size_t>(static_cast<const char *>(found) - text.data());
         if (at == 0 || lower(text[at - 1]) != 'p' || at + 1 >= text.size() ||
             lower(text[at + 1]) != 'd')
             continue;
-        if (const std::size_t pin = behindEquals(text, at + 2); pin != nowhere)
+        if (const std::size_t pin = behindEquals(text, at + 2); pin != NOWHERE)
             return pin;
     }
-    return nowhere;
+    return NOWHERE;
 }
 
 } // namespace
@@ -70,34 +70,33 @@ bool writesTwoPins(std::string_view function) {
 std::size_t findPinTail(std::string_view text, std::size_t from) {
     constexpr std::string_view name = "*pretrynum = ";
     const std::size_t at = text.rfind(name);
-    if (at == nowhere || at < from)
-        return nowhere;
+    if (at == NOWHERE || at < from)
+        return NOWHERE;
     const std::string_view value = text.substr(at + name.size());
     const bool isValue = !value.empty() && value.find_first_not_of("0123456789abcdefABCDEFx-") ==
                                                std::string_view::npos;
     if (!isValue && value != "(nil)" && value != null)
-        return nowhere;
-    for (const std::string_view lead : {std::string_view(", int "), std::string_view(", ")}) {
+        return NOWHERE;
+    for (const std::string_view lead : {std::string_view(", int "), std::string_view(", ")})
         if (at >= from + lead.size() && text.substr(0, at).ends_with(lead))
             return at - lead.size();
-    }
-    return nowhere;
+    return NOWHERE;
 }
 
 std::string maskPins(std::string_view stretch, bool two) {
-    const std::size_t next = two ? stretch.find(nextPin) : nowhere;
-    if (next == nowhere)
-        return std::string(stretch == null ? null : maskText);
-    std::string masked(stretch.substr(0, next) == null ? null : maskText);
-    masked += nextPin;
-    masked += stretch.substr(next + nextPin.size()) == null ? null : maskText;
+    const std::size_t next = two ? stretch.find(NEXT_PIN) : NOWHERE;
+    if (next == NOWHERE)
+        return std::string(stretch == null ? null : MASK_TEXT);
+    std::string masked(stretch.substr(0, next) == null ? null : MASK_TEXT);
+    masked += NEXT_PIN;
+    masked += stretch.substr(next + NEXT_PIN.size()) == null ? null : MASK_TEXT;
     return masked;
 }
 
 Dump findDump(std::string_view message) {
     constexpr std::string_view key = "[length:";
     const std::size_t name = message.find(key);
-    if (name == nowhere)
+    if (name == NOWHERE)
         return {};
     const char *const end = message.data() + message.size();
     std::int64_t length = 0;
@@ -135,16 +134,15 @@ std::size_t findForeignSecret(std::string_view text) {
             if (word == "pin" && at > 0 && isLetter(small[at - 1]))
                 continue;
             std::size_t end = at + word.size();
-            for (const std::size_t most = end + 12; end < small.size() && end < most; ++end) {
+            for (const std::size_t most = end + 12; end < small.size() && end < most; ++end)
                 if (!isLetter(small[end]) && small[end] != '_' && small[end] != ' ' &&
                     small[end] != '"' && small[end] != '\'')
                     break;
-            }
             if (end < small.size() && (small[end] == ':' || small[end] == '='))
                 return end + 1;
         }
     }
-    return nowhere;
+    return NOWHERE;
 }
 
 void maskHex(std::string_view text, std::string &out) {
@@ -157,7 +155,7 @@ void maskHex(std::string_view text, std::string &out) {
         const std::string_view before = text.substr(0, at);
         const bool isNumber = before.ends_with("0x") && end - at <= 16;
         if (!isNumber && (end - at >= 8 || before.ends_with("]: ")))
-            out += maskText;
+            out += MASK_TEXT;
         else
             out += text.substr(at, end - at);
         at = end;

@@ -10,9 +10,9 @@
 namespace tembra::trace {
 
 // What stands in a secret's place, whatever its length.
-inline constexpr std::string_view maskText = "***";
+inline constexpr std::string_view MASK_TEXT = "***";
 
-inline constexpr std::size_t nowhere = std::string_view::npos;
+inline constexpr std::size_t NOWHERE = std::string_view::npos;
 
 // Offset behind the first "pwd =" of the text (oldpwd, newpwd and sopwd too), its blank included.
 std::size_t findPin(std::string_view text);
@@ -31,7 +31,7 @@ std::string maskPins(std::string_view stretch, bool two);
 
 // A hex text in a message: "name[length:N]: 0123AB".
 struct Dump {
-    std::size_t name = nowhere; // where "[length:" stands; nowhere when there is no dump
+    std::size_t name = NOWHERE; // where "[length:" stands; nowhere when there is no dump
     std::size_t begin = 0;      // of the hex digits
     std::size_t end = 0;
     bool whole = false; // as many digits as the length says

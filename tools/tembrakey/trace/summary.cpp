@@ -8,14 +8,14 @@ namespace tembra::trace {
 
 namespace {
 
-constexpr std::size_t mostThreads = 10000;
+constexpr std::size_t MOST_THREADS = 10000;
 
 } // namespace
 
 void Summary::count(const Line &line) {
     begin = std::min(begin.value_or(line.second), line.second);
     end = std::max(end.value_or(line.second), line.second);
-    if (threads.size() < mostThreads)
+    if (threads.size() < MOST_THREADS)
         threads.insert(line.thread);
     else
         moreThreads |= !threads.contains(line.thread);

@@ -15,38 +15,38 @@ void TraceReader::Counting::takeForeign(std::uint64_t number, std::string_view t
 }
 
 TraceReader::TraceReader(Mask mask, Sink &sink)
-    : counting_(sink), redactor_(mask), builder_(counting_),
-      reader_([this](const Piece &piece) { take(piece); }) {}
+    : m_counting(sink), m_redactor(mask), m_builder(m_counting),
+      m_reader([this](const Piece &piece) { take(piece); }) {}
 
 void TraceReader::take(const Piece &piece) {
-    const std::string_view text = redactor_.redact(piece);
+    const std::string_view text = m_redactor.redact(piece);
     if (piece.first && piece.last) {
         takeLine(text, piece.line, text.size());
         return;
     }
     if (piece.first) {
-        beginning_ = text;
-        fullLength_ = 0;
+        m_beginning = text;
+        m_fullLength = 0;
     }
-    fullLength_ += text.size();
+    m_fullLength += text.size();
     if (piece.last)
-        takeLine(beginning_, piece.line, fullLength_);
+        takeLine(m_beginning, piece.line, m_fullLength);
 }
 
 void TraceReader::takeLine(std::string_view text, std::uint64_t number, std::uint64_t length) {
-    counting_.summary.lines = number;
+    m_counting.summary.lines = number;
     if (const auto line = parseLine(text)) {
-        counting_.summary.count(*line);
+        m_counting.summary.count(*line);
         const std::uint64_t outside = text.size() - line->message.size();
-        builder_.add(*line, number, length - std::min(length, outside));
+        m_builder.add(*line, number, length - std::min(length, outside));
     } else if (!text.empty()) {
-        counting_.takeForeign(number, text.substr(0, LineReader::usualLimit));
+        m_counting.takeForeign(number, text.substr(0, LineReader::USUAL_LIMIT));
     }
 }
 
 void TraceReader::finish() {
-    reader_.finish();
-    builder_.finish();
+    m_reader.finish();
+    m_builder.finish();
 }
 
 } // namespace tembra::trace

@@ -15,9 +15,9 @@ class TraceReader {
 public:
     TraceReader(Mask mask, Sink &sink);
 
-    void feed(std::string_view block) { reader_.feed(block); }
+    void feed(std::string_view block) { m_reader.feed(block); }
     void finish();
-    const Summary &summary() const { return counting_.summary; }
+    const Summary &summary() const { return m_counting.summary; }
 
 private:
     // Counts what passes on its way to the sink.
@@ -32,12 +32,12 @@ private:
     void take(const Piece &piece);
     void takeLine(std::string_view text, std::uint64_t number, std::uint64_t length);
 
-    Counting counting_;
-    Redactor redactor_;
-    CallBuilder builder_;
-    LineReader reader_;
-    std::string beginning_;        // of a line that comes in several pieces
-    std::uint64_t fullLength_ = 0; // of such a line
+    Counting m_counting;
+    Redactor m_redactor;
+    CallBuilder m_builder;
+    LineReader m_reader;
+    std::string m_beginning;        // of a line that comes in several pieces
+    std::uint64_t m_fullLength = 0; // of such a line
 };
 
 } // namespace tembra::trace
