@@ -29,7 +29,7 @@ std::optional<FileLock> FileLock::tryAcquire(const Path &file) {
 }
 
 FileLock::~FileLock() {
-    if (m_handle != none)
+    if (m_handle != NONE)
         ::CloseHandle(reinterpret_cast<HANDLE>(m_handle));
 }
 
