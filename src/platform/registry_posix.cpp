@@ -18,6 +18,7 @@ constexpr std::uint32_t REG_SZ = 1;
 constexpr std::uint32_t REG_BINARY = 3;
 
 constexpr std::size_t DATA_CAPACITY = 8;
+constexpr int DWORD_DIGITS = 8;
 
 struct Value {
     std::uint32_t type = 0;
@@ -48,9 +49,10 @@ std::uint32_t parseHex(const char *&text) {
 }
 
 bool parseDword(const char *text, Value &value) {
-    if (hexDigit(*text) < 0)
-        return false;
+    const char *digits = text;
     const std::uint32_t number = parseHex(text);
+    if (text == digits || text - digits > DWORD_DIGITS)
+        return false;
     value.type = REGISTRY_TYPE_DWORD;
     for (int shift = 0; shift < 32; shift += 8)
         value.append(static_cast<unsigned char>(number >> shift));

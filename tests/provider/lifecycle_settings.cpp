@@ -66,6 +66,18 @@ TEST_F(Settings, ReportMissingValuesOfAnExistingKey) {
                           "1024", "RegQueryValueEx fail, error = 2", "0"));
 }
 
+TEST_F(Settings, CountMalformedValuesAsMissing) {
+    for (const std::string value : {"dword:", "dword:123456789", "dword:000000001", "dword:1g",
+                                    "dword:-1", "hex(b:01", "hex(b)01", "1", ""}) {
+        const std::string end = "=" + value + "\r\n";
+        EXPECT_EQ(init(SECTION + "\"HasSM3\"" + end + "\"HasSM4\"" + end + "\"MaxOperationLen\"" +
+                       end + "\"SupportGDKMSM2Import\"" + end),
+                  traceOfInit("unsupport HasSM3, error = 2", "0", "unsupport HasSM4, error = 2",
+                              "0", "1024", "RegQueryValueEx fail, error = 2", "0"))
+            << value;
+    }
+}
+
 TEST_F(Settings, TakeDoubleWordsAsTheyAre) {
     EXPECT_EQ(init(SECTION + "\"HasSM3\"=dword:00000001\r\n\"HasSM4\"=dword:00000005\r\n"
                              "\"MaxOperationLen\"=dword:00000400\r\n"
