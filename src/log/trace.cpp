@@ -17,20 +17,23 @@ constexpr std::size_t PATH_CAPACITY = 260;
 // Open from the first line that could be written to the end of the process.
 std::atomic<int> traceFile{platform::NO_FILE};
 
-int openTrace() {
+int openFile() {
     char defaultPath[PATH_CAPACITY];
     const bool hasDefault = platform::defaultTracePath(defaultPath, sizeof(defaultPath));
-    const char *path = std::getenv("TEMBRA_KEY_PROV_LOG_PATH");
-    if (!path && hasDefault)
-        path = defaultPath;
-    const int file = path ? platform::openForAppending(path) : platform::NO_FILE;
+    const platform::EnvironmentVariable path("TEMBRA_KEY_PROV_LOG_PATH");
+    if (path.value())
+        return platform::openForAppending(path.value());
+    return hasDefault ? platform::openSafelyForAppending(defaultPath) : platform::NO_FILE;
+}
+
+int openTrace() {
+    const int file = openFile();
     if (file == platform::NO_FILE)
         return platform::NO_FILE;
-
     int first = platform::NO_FILE;
     if (traceFile.compare_exchange_strong(first, file))
         return file;
-    platform::closeFile(file); // another thread opened it meanwhile
+    platform::closeFile(file); // another thread was faster
     return first;
 }
 
@@ -53,8 +56,7 @@ void writeLine(const char *tag, const char *function, const char *format, std::v
     line.append(function);
     line.append("] ");
     line.appendFormatted(format, arguments);
-    line.append(" ");
-    line.append(platform::LINE_END);
+    line.append(" \n");
     if (line.data())
         platform::appendToFile(file, line.data(), line.size());
 }
@@ -62,10 +64,10 @@ void writeLine(const char *tag, const char *function, const char *format, std::v
 } // namespace
 
 bool traceEnabled(TraceLevel level) {
-    const char *value = std::getenv("TEMBRA_KEY_PROV_LOG_LEVEL");
-    if (!value)
+    const platform::EnvironmentVariable variable("TEMBRA_KEY_PROV_LOG_LEVEL");
+    if (!variable.value())
         return level <= TraceLevel::information;
-    return std::atoi(value) >= static_cast<int>(level);
+    return std::atoi(variable.value()) >= static_cast<int>(level);
 }
 
 const char *traceTag(TraceLevel level) {

@@ -9,6 +9,7 @@
 #include <ctime>
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -16,8 +17,8 @@ namespace tembra::platform {
 
 namespace {
 
-// Asking the kernel takes a tenth of what a whole line takes, so each thread asks once. A forked
-// process begins with a copy of the thread that made it, which has another id there.
+// A system call would cost a tenth of a whole line, so each thread asks once. After a fork the
+// copied thread has another id.
 thread_local long threadId = 0;
 
 void forgetThreadId() {
@@ -25,7 +26,23 @@ void forgetThreadId() {
 }
 const bool forgetsAtFork = pthread_atfork(nullptr, nullptr, forgetThreadId) == 0;
 
+FileHazard hazardOf(const struct stat &status) {
+    if (S_ISLNK(status.st_mode))
+        return FileHazard::symbolicLink;
+    if (!S_ISREG(status.st_mode))
+        return FileHazard::notRegular;
+    if (status.st_uid != geteuid())
+        return FileHazard::otherOwner;
+    return status.st_nlink == 1 ? FileHazard::none : FileHazard::severalLinks;
+}
+
+int openWith(const char *path, int flags) {
+    return open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | flags, 0600);
+}
+
 } // namespace
+
+EnvironmentVariable::EnvironmentVariable(const char *name) : m_value(std::getenv(name)) {}
 
 long currentThreadId() {
     if (threadId == 0 || !forgetsAtFork)
@@ -42,7 +59,21 @@ bool defaultTracePath(char *path, std::size_t size) {
 }
 
 int openForAppending(const char *path) {
-    return open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+    return openWith(path, 0);
+}
+
+FileHazard fileHazard(const char *path) {
+    struct stat status = {};
+    return lstat(path, &status) == 0 ? hazardOf(status) : FileHazard::none;
+}
+
+int openSafelyForAppending(const char *path) {
+    const int file = openWith(path, O_NOFOLLOW | O_NONBLOCK);
+    struct stat status = {};
+    if (file == NO_FILE || (fstat(file, &status) == 0 && hazardOf(status) == FileHazard::none))
+        return file;
+    close(file);
+    return NO_FILE;
 }
 
 void closeFile(int file) {
@@ -70,10 +101,8 @@ std::size_t pointerText(const void *pointer, char (&text)[POINTER_CAPACITY]) {
     return static_cast<std::size_t>(end.ptr - text);
 }
 
-const char LINE_END[] = "\n";
-
-// The conversion takes a lock that the whole process shares, and a sixth of what a line takes, so
-// each thread keeps the text of the second that it wrote in last.
+// The conversion takes a process-wide lock and a sixth of the time of a whole line, so each thread
+// keeps the text of the last second in which it wrote.
 void localTimeText(char (&text)[TIME_CAPACITY]) {
     thread_local std::time_t lastTime = -1;
     thread_local char lastText[TIME_CAPACITY] = "";

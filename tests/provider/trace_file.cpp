@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
+#include <functional>
 #include <gtest/gtest.h>
 #include <map>
 #include <sstream>
@@ -30,6 +31,7 @@ template <typename Action>
 void inChild(Action action) {
     const pid_t child = fork();
     if (child == 0) {
+        alarm(20); // a blocked open fails the test
         setVariable("TEMBRA_KEY_PROV_LOG_LEVEL", std::nullopt);
         umask(0);
         action();
@@ -74,6 +76,48 @@ TEST_F(TraceFile, DefaultsToTheTemporaryDirectory) {
         writeLine();
     });
     EXPECT_EQ(linesIn(in("tembra_key_prov.log")), 1u);
+}
+
+// Anybody can put a file with the default name into a shared directory and read the PINs there.
+TEST_F(TraceFile, DefaultIsARegularFileOfThisUserAlone) {
+    namespace fs = std::filesystem;
+    const fs::path other = in("other"), log = in("tembra_key_prov.log");
+    struct Case {
+        const char *name;
+        std::function<void()> prepare;
+    };
+    std::vector<Case> cases = {{"link", [&] { fs::create_symlink(other, log); }},
+                               {"dangling link", [&] { fs::create_symlink(in("absent"), log); }},
+                               {"second link", [&] { fs::create_hard_link(other, log); }},
+                               {"pipe", [&] { EXPECT_EQ(mkfifo(log.c_str(), 0600), 0); }},
+                               {"directory", [&] { fs::create_directory(log); }}};
+    if (geteuid() == 0) // only root can give a file away
+        cases.push_back({"another user's", [&] {
+                             writeFile(log, "");
+                             EXPECT_EQ(chown(log.c_str(), 65534, 65534), 0);
+                         }});
+    for (const auto &at : cases) {
+        writeFile(other, "");
+        at.prepare();
+        inChild([this] {
+            setVariable(PATH_VARIABLE, std::nullopt);
+            setVariable("TMPDIR", m_directory.path().string());
+            writeLine();
+        });
+        EXPECT_EQ(readFile(other), "") << at.name;
+        EXPECT_FALSE(fs::exists(in("absent"))) << at.name;
+        EXPECT_TRUE(!fs::is_regular_file(log) || readFile(log).empty()) << at.name;
+        fs::remove(log);
+    }
+}
+
+TEST_F(TraceFile, NamedPathMayBeALink) {
+    std::filesystem::create_symlink(in("trace.log"), in("link"));
+    inChild([this] {
+        setVariable(PATH_VARIABLE, in("link").string());
+        writeLine();
+    });
+    EXPECT_EQ(linesIn(in("trace.log")), 1u);
 }
 
 TEST_F(TraceFile, PathsThatTakeNoLineDoNoHarm) {

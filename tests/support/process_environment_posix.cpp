@@ -11,4 +11,8 @@ void setVariable(const char *name, const std::optional<std::string> &value) {
         unsetenv(name);
 }
 
+std::vector<VariableSetter *> variableSetters() {
+    return {setVariable};
+}
+
 } // namespace tembra::test
