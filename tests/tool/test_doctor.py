@@ -84,6 +84,24 @@ class Doctor(CommandTest):
                 if path == "open.log":
                     self.assertIn("chmod 600", found["advice"])
 
+    @unittest.skipIf(IS_WINDOWS, "each user has a temporary directory there")
+    def test_a_default_log_that_another_user_may_have_made(self):
+        log = f"{self.folder}/tembra_key_prov.log"
+        other = write("other.log", b"text\n")
+        self.environment.pop("TEMBRA_KEY_PROV_LOG_PATH", None)
+        for prepare, text in ((lambda: os.symlink(other, log), "is a symbolic link"),
+                              (lambda: os.link(other, log), "has several hard links"),
+                              (lambda: os.mkfifo(log), "is no regular file"),
+                              (lambda: None, "not there yet")):
+            with self.subTest(text=text):
+                prepare()
+                report = self.examine(TEMBRA_KEY_PROV_LOG_LEVEL="1",
+                                      TMPDIR=self.folder)
+                status = "ok" if text == "not there yet" else "warning"
+                self.assertIn(log, self.expect(report, status, text, "trace")["text"])
+                if os.path.lexists(log):
+                    os.remove(log)
+
     def test_libraries_that_are_missing_or_lack_functions(self):
         self.expect(self.examine("--provider", "nowhere.dll", code=8), "failure", "nowhere.dll")
         alone = self.examine("--provider", self.install("QXSKFAPI"), code=8)

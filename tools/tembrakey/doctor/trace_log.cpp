@@ -1,7 +1,7 @@
 #include "tembrakey/doctor/trace_log.h"
 
 #include <cstdlib>
-#include <optional>
+#include <string>
 
 #include "platform/process.h"
 #include "tembrakey/platform/files.h"
@@ -51,15 +51,27 @@ int examineLevel(Report &report) {
     return level;
 }
 
-// Nothing when there is none.
-std::optional<std::string> logPath() {
-    const auto given = platform::environment("TEMBRA_KEY_PROV_LOG_PATH");
-    if (given)
-        return given->empty() ? std::nullopt : given;
+std::string defaultPath() {
     char path[260];
-    return ::tembra::platform::defaultTracePath(path, sizeof path)
-               ? std::optional<std::string>(path)
-               : std::nullopt;
+    return ::tembra::platform::defaultTracePath(path, sizeof path) ? path : "";
+}
+
+// The provider does not write to a default file that another user could have put there.
+bool examineDefaultFile(Report &report, const std::string &path) {
+    using ::tembra::platform::FileHazard;
+    std::string text;
+    switch (::tembra::platform::fileHazard(path.c_str())) {
+    case FileHazard::none: return true;
+    case FileHazard::symbolicLink: text = tr("{1} is a symbolic link", {path}); break;
+    case FileHazard::notRegular: text = tr("{1} is no regular file", {path}); break;
+    case FileHazard::otherOwner: text = tr("{1} belongs to another user", {path}); break;
+    case FileHazard::severalLinks: text = tr("{1} has several hard links", {path}); break;
+    }
+    Record details;
+    details.add("path", path);
+    report.warn(tr("file"), text + tr("; nothing is written to it"),
+                tr("name a file with TEMBRA_KEY_PROV_LOG_PATH"), details);
+    return false;
 }
 
 void examineFile(Report &report, const std::string &path) {
@@ -95,12 +107,13 @@ void examineFile(Report &report, const std::string &path) {
 void examineTraceLog(Report &report) {
     report.begin("trace", "Trace log");
     const int level = examineLevel(report);
-    const auto path = logPath();
     if (level <= 0)
         return;
-    if (path)
-        examineFile(report, *path);
-    else
+    const auto given = platform::environment("TEMBRA_KEY_PROV_LOG_PATH");
+    const std::string path = given.value_or(defaultPath());
+    if (!path.empty() && (given || examineDefaultFile(report, path)))
+        examineFile(report, path);
+    else if (path.empty())
         report.warn(tr("file"), tr("TEMBRA_KEY_PROV_LOG_PATH is set but empty: nothing is written"),
                     tr("name a file with TEMBRA_KEY_PROV_LOG_PATH"));
 }
