@@ -10,7 +10,7 @@ using namespace tembra;
 
 namespace {
 
-constexpr ULONG WAIT_FOR_EVER = 0xFFFFFFFF;
+constexpr ULONG NO_TIMEOUT = 0xFFFFFFFF;
 using TokenNames = NameList<1024>;
 
 DeviceSet *createDeviceSet() {
@@ -26,7 +26,7 @@ DeviceSet *createDeviceSet() {
     return hSet;
 }
 
-// Texts of a DEVINFO need not hold a NUL.
+// The texts of a DEVINFO need not end with a NUL.
 int textLength(const char *text, std::size_t size) {
     const void *end = std::memchr(text, '\0', size);
     return static_cast<int>(end ? static_cast<const char *>(end) - text
@@ -61,7 +61,7 @@ bool isFull(const DeviceSet *hSet, const char *function) {
     return true;
 }
 
-// False when the set is full before the last application.
+// False if the set is full before the last application.
 bool addApplications(DeviceSet *hSet, DEVHANDLE hDev, const DEVINFO &info, TokenNames &names,
                      const char *function) {
     while (const char *name = names.next()) {
@@ -77,25 +77,24 @@ bool addApplications(DeviceSet *hSet, DEVHANDLE hDev, const DEVINFO &info, Token
     return true;
 }
 
-// Connects, locks and reads a token; null when one of them fails.
-DEVHANDLE connectToken(const char *name, DEVINFO &info, const char *function) {
-    DEVHANDLE hDev = nullptr;
+// Connects, locks and reads a token. The result decides: a handle of 0 is a handle.
+bool connectToken(const char *name, DEVHANDLE &hDev, DEVINFO &info, const char *function) {
     const char *failed = "SKF_ConnectDev";
     ULONG rv = SKF_ConnectDev(skfInput(name), &hDev);
     if (rv == SAR_OK) {
         failed = "SKF_LockDev";
-        rv = SKF_LockDev(hDev, WAIT_FOR_EVER);
+        rv = SKF_LockDev(hDev, NO_TIMEOUT);
         if (rv == SAR_OK) {
             failed = "SKF_GetDevInfo";
             rv = SKF_GetDevInfo(hDev, &info);
             if (rv == SAR_OK)
-                return hDev;
+                return true;
             SKF_UnlockDev(hDev);
         }
         SKF_DisConnectDev(hDev);
     }
     TEMBRA_TRACE(TraceLevel::error, function, "%s fail, error = 0x%08X", failed, rv);
-    return nullptr;
+    return false;
 }
 
 } // namespace
@@ -108,8 +107,8 @@ bool addDevice(DeviceSet *hSet, const char *name) {
     if (isFull(hSet, __func__))
         return false;
     DEVINFO info = {};
-    DEVHANDLE hDev = connectToken(name, info, __func__);
-    if (!hDev)
+    DEVHANDLE hDev = nullptr;
+    if (!connectToken(name, hDev, info, __func__))
         return true;
     traceInfo(info, __func__);
 

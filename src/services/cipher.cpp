@@ -39,7 +39,8 @@ CipherContext *createCipher(Device *hDevice, int enc, int algo, const unsigned c
     }
     if (!appendHandle(hDevice->m_ciphers, hDevice->m_cipherAllocCount, hDevice->m_cipherCount,
                       hCipher)) {
-        closeAndFree(hCipher);
+        SKF_CloseHandle(hKey);
+        std::free(hCipher);
         return nullptr;
     }
     ++hDevice->m_refCount;

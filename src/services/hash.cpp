@@ -27,7 +27,8 @@ HashContext *createHash(Device *hDevice, int algo) {
         return nullptr;
     }
     if (!appendHandle(hDevice->m_hashes, hDevice->m_hashAllocCount, hDevice->m_hashCount, hHash)) {
-        closeAndFree(hHash);
+        SKF_CloseHandle(hHash->m_handle); // also a handle of 0
+        std::free(hHash);
         return nullptr;
     }
     ++hDevice->m_refCount;

@@ -113,6 +113,32 @@ TEST_F(Discovery, ApplicationsShareTheirToken) {
     EXPECT_EQ(DeviceGenerateRandom(m_device, 1, &byte), 0) << "disconnected under the other";
 }
 
+TEST_F(Discovery, TokenHandleOfZeroIsAHandle) {
+    addToken({});
+    TokenScript &token = script();
+    DEVHANDLE real = nullptr;
+    token.SKF_ConnectDev.run([&](LPSTR name, DEVHANDLE *handle) {
+        *handle = nullptr;
+        return token.SKF_ConnectDev.usual(name, &real);
+    });
+    token.SKF_LockDev.run([&](auto, ULONG time) { return token.SKF_LockDev.usual(real, time); });
+    token.SKF_GetDevInfo.run(
+        [&](auto, DEVINFO *info) { return token.SKF_GetDevInfo.usual(real, info); });
+    token.SKF_EnumApplication.run([&](auto, LPSTR list, ULONG *size) {
+        return token.SKF_EnumApplication.usual(real, list, size);
+    });
+    token.SKF_OpenApplication.run([&](auto, LPSTR name, HAPPLICATION *application) {
+        return token.SKF_OpenApplication.usual(real, name, application);
+    });
+    token.SKF_UnlockDev.run([&](auto) { return token.SKF_UnlockDev.usual(real); });
+    token.SKF_DisConnectDev.run([&](auto) { return token.SKF_DisConnectDev.usual(real); });
+    find();
+    EXPECT_EQ(count(), 1);
+    EXPECT_THAT(trace().failures(), IsEmpty());
+    EXPECT_EQ(callsSinceMark().back(), "SKF_UnlockDev");
+    release();
+}
+
 TEST_F(Discovery, ReadersLeaveOutWhatTheyCannotRead) {
     using Fault = std::function<void()>;
     const auto keyFails = [](int nth) -> Fault {
