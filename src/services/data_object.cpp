@@ -2,6 +2,7 @@
 #include "log/trace.h"
 #include "platform/skf_arguments.h"
 #include "provider/lock.h"
+#include "provider/outcome.h"
 #include "provider/records.h"
 #include "services/file_rights.h"
 
@@ -79,6 +80,8 @@ int DeviceCreateData(SPI_DEVICE_HANDLE hDevice, int dataId, const char *mode, in
         return ORVEL_PKI_NULLHANDLE;
     if (dataId < 0 || !mode || length < 0)
         return ORVEL_PKI_BADARGUMENT;
+    if (hDevice->m_isformat == 0)
+        return fail("hDevice->m_isformat == 0", __func__);
     const FileName name(dataId);
 
     ProviderLock lock;
@@ -108,6 +111,8 @@ int DeviceReadDataEx(SPI_DEVICE_HANDLE hDevice, int dataId, int offset, unsigned
         return ORVEL_PKI_NULLHANDLE;
     if (dataId < 0 || offset < 0 || !pretdatalen)
         return ORVEL_PKI_BADARGUMENT;
+    if (hDevice->m_isformat == 0)
+        return fail("hDevice->m_isformat == 0", __func__);
     const FileName name(dataId);
 
     ProviderLock lock;
@@ -156,6 +161,8 @@ int DeviceWriteDataEx(SPI_DEVICE_HANDLE hDevice, int dataId, int offset, const u
         return ORVEL_PKI_NULLHANDLE;
     if (dataId < 0 || offset < 0 || datalen <= 0 || !data)
         return ORVEL_PKI_BADARGUMENT;
+    if (hDevice->m_isformat == 0)
+        return fail("hDevice->m_isformat == 0", __func__);
     const FileName name(dataId);
 
     ProviderLock lock;
@@ -182,6 +189,8 @@ int DeviceDeleteData(SPI_DEVICE_HANDLE hDevice, int dataId) {
         return ORVEL_PKI_NULLHANDLE;
     if (dataId < 0)
         return ORVEL_PKI_BADARGUMENT;
+    if (hDevice->m_isformat == 0)
+        return fail("hDevice->m_isformat == 0", __func__);
     const FileName name(dataId);
 
     ProviderLock lock;

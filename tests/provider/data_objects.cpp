@@ -174,14 +174,21 @@ TEST_F(DataObjects, HugeFileSizesAreNegative) {
     EXPECT_EQ(script().SKF_ReadFile.calls() + script().SKF_WriteFile.calls(), 0);
 }
 
-TEST_F(DataObjects, WithoutApplicationTheTokenAnswers) {
+TEST_F(DataObjects, NeedAnApplication) {
     resetDevices();
     script().memory.addDevice("blank");
     discover();
     EXPECT_EQ(DeviceCreateData(m_device, 7, "\2\3", 1), 0);
-    EXPECT_EQ(DeviceReadDataEx(m_device, 7, 0, m_buffer, 10, &m_length), -7);
-    EXPECT_EQ(DeviceWriteDataEx(m_device, 7, 0, m_buffer, 10), -7);
-    EXPECT_EQ(DeviceDeleteData(m_device, 7), -7);
+    EXPECT_EQ(DeviceReadDataEx(m_device, 7, 0, m_buffer, 10, &m_length), 0);
+    EXPECT_EQ(DeviceWriteDataEx(m_device, 7, 0, m_buffer, 10), 0);
+    EXPECT_EQ(DeviceDeleteData(m_device, 7), 0);
+    const char *message = "hDevice->m_isformat == 0";
+    EXPECT_THAT(trace().failures(),
+                ElementsAre(error("DeviceCreateData", message), error("DeviceReadDataEx", message),
+                            error("DeviceWriteDataEx", message),
+                            error("DeviceDeleteData", message)));
+    EXPECT_EQ(DeviceDeleteData(m_device, -1), -1) << "arguments come first";
+    EXPECT_THAT(callsSinceMark(), IsEmpty());
 }
 
 } // namespace
