@@ -1,4 +1,4 @@
-// Key pair handles: finding, handing out, describing, giving back.
+// Key pair handles: look-up, attributes and release.
 #include "log/trace.h"
 #include "provider/buffer.h"
 #include "provider/keypair_table.h"
@@ -22,7 +22,7 @@ SPI_KEYPAIR_HANDLE DeviceGetKeypair(SPI_DEVICE_HANDLE hDevice, int index) {
     if (!hDevice || index < 0 || index >= loadCount(hDevice->m_keypairCount))
         return nullptr;
     ProviderLock lock;
-    Keypair *hKeypair = hDevice->m_keypairs[index]; // null where a deletion came between
+    Keypair *hKeypair = hDevice->m_keypairs[index]; // null if it was deleted meanwhile
     if (hKeypair)
         handOutKeypair(hDevice, hKeypair);
     lock.leave();
@@ -67,10 +67,11 @@ int DeviceFreeKeypair(SPI_KEYPAIR_HANDLE hKeypair) {
         TRACE_INFO("freeDevice hKeypair->m_device success, hKeypair->m_device=%p",
                    static_cast<void *>(returned.hDevice));
         DeviceFreeDevice(returned.hDevice);
-    } else if (returned.isLast) {
-        TRACE_INFO("freeDevice hKeypair success, hKeypair=%p", static_cast<void *>(hKeypair));
-        freeKeypair(hKeypair);
+        return ORVEL_PKI_SUCCESS;
     }
+    TRACE_INFO("freeDevice hKeypair success, hKeypair=%p", static_cast<void *>(hKeypair));
+    if (returned.isLast)
+        freeKeypair(hKeypair);
     return ORVEL_PKI_SUCCESS;
 }
 
