@@ -1,24 +1,27 @@
-# tembra_import_library(QXSKFAPI) makes the target QXSKFAPI_import: what a binary links with to
-# import from a library that others supply at run time. It is made from src/platform/imports/*.def
-# alone, so the product is built the same way with and without the development kit.
-function(tembra_import_library library)
-  set(def ${CMAKE_CURRENT_SOURCE_DIR}/platform/imports/${library}.def)
-  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${def})
+# tembra_import_library(QXSKFAPI table) makes the target QXSKFAPI_import: what a binary links with to
+# import from a library that others supply at run time. It is made from a table of functions alone,
+# so the product is built the same way with and without the development kit.
+include(FunctionTable)
+
+function(tembra_import_library library table)
+  tembra_read_function_table(names ${table})
   if(WIN32)
-    tembra_windows_import_library(${library} ${def})
+    tembra_windows_import_library(${library} ${names})
   else()
-    tembra_elf_import_library(${library} ${def})
+    tembra_elf_import_library(${library} ${names})
   endif()
 endfunction()
 
-function(tembra_windows_import_library library def)
+function(tembra_windows_import_library library)
+  set(def ${CMAKE_CURRENT_BINARY_DIR}/${library}_import.def)
+  tembra_write_def(${def} ${library} ${ARGN})
   if(MSVC)
     set(output ${CMAKE_CURRENT_BINARY_DIR}/${library}.lib)
     set(command ${CMAKE_AR} /nologo /machine:x64 /def:${def} /out:${output})
   else()
     find_program(TEMBRA_DLLTOOL x86_64-w64-mingw32-dlltool dlltool REQUIRED)
     set(output ${CMAKE_CURRENT_BINARY_DIR}/lib${library}.dll.a)
-    # Where the library lies, names of temporary files and the time of day go into it otherwise.
+    # Without these options the library depends on its path and the time of the build.
     set(command ${TEMBRA_DLLTOOL} --input-def ${def} --output-lib lib${library}.dll.a
       --temp-prefix ${library}_import --deterministic-libraries)
   endif()
@@ -31,12 +34,10 @@ function(tembra_windows_import_library library def)
   target_link_libraries(${library}_import INTERFACE ${output})
 endfunction()
 
-# ELF has no import libraries; an empty library of the same name with the same symbols does the work.
-function(tembra_elf_import_library library def)
-  file(STRINGS ${def} lines REGEX "^  [A-Za-z]")
+# ELF has no import libraries; an empty library with the same name and symbols serves as one.
+function(tembra_elf_import_library library)
   set(stubs "")
-  foreach(line IN LISTS lines)
-    string(STRIP "${line}" name)
+  foreach(name IN LISTS ARGN)
     string(APPEND stubs "void ${name}(void);\nvoid ${name}(void) {}\n")
   endforeach()
   set(source ${CMAKE_CURRENT_BINARY_DIR}/${library}_import.c)

@@ -54,7 +54,7 @@ std::optional<Plan::Entry> Plan::parseEntry(std::string_view text) {
     const auto name = text.substr(0, colon);
     if (name != "*") {
         entry.function = functionIndex(name);
-        if (*entry.function == FUNCTION_NAMES.size())
+        if (*entry.function == std::size(FUNCTION_NAMES))
             return std::nullopt;
     }
     if (!parseWhich(text.substr(colon + 1, equals - colon - 1), entry) ||

@@ -73,7 +73,7 @@ bool State::setJournal(std::string_view path) {
 
 std::uint64_t State::count(std::string_view function) const {
     const std::size_t index = functionIndex(function);
-    return index < FUNCTION_NAMES.size() ? m_counts[index].load() : 0;
+    return index < std::size(FUNCTION_NAMES) ? m_counts[index].load() : 0;
 }
 
 } // namespace tembra::door

@@ -41,7 +41,7 @@ private:
     std::atomic<std::uint64_t> m_sequence = 0;
     std::atomic<std::uint64_t> m_all = 0;
     // One more for a name that is not in the table.
-    std::array<std::atomic<std::uint64_t>, FUNCTION_NAMES.size() + 1> m_counts{};
+    std::array<std::atomic<std::uint64_t>, std::size(FUNCTION_NAMES) + 1> m_counts{};
     std::atomic<bool> m_hasPlan = false;
     std::atomic<bool> m_hasJournal = false;
 

@@ -139,8 +139,10 @@ void openSomething() {
 
 void tellLies(Input &source) {
     lies = &source;
-#define TEMBRA_FUNCTION(name, arity) lieSometimes(script().name, #name);
-#include "../../tests/support/scripted_functions.inc"
+#define TEMBRA_IMPORT(result, name, parameters) lieSometimes(script().name, #name);
+#include "platform/orvel_crypto_functions.h"
+#include "platform/skf_functions.h"
+#undef TEMBRA_IMPORT
     openSomething();
 }
 

@@ -1,4 +1,4 @@
-// The SKF functions take plain pointers also where they only read; these say so in one place.
+// SKF functions take pointers to non-const data even where they only read it.
 #pragma once
 
 #include "platform/skf.h"

@@ -11,7 +11,7 @@ SYSTEM_LIBRARIES = {
     "elf": {"libc.so.6", "ld-linux-x86-64.so.2"},
     "pe": {"KERNEL32.dll", "ADVAPI32.dll", "msvcrt.dll"},
 }
-IMPORT_LISTS = ("QXSKFAPI", "ORVEL_CRYPTO")
+IMPORT_TABLES = {"QXSKFAPI": "skf_functions.h", "ORVEL_CRYPTO": "orvel_crypto_functions.h"}
 SIZE_LIMIT = 128 * 1024
 
 # Names of the C++ run-time: whatever is mangled, throws, unwinds or registers destructors.
@@ -76,11 +76,12 @@ def check_exports(binary):
 
 def check_imports(binary):
     suffix = {"elf": "lib{}.so", "pe": "{}.dll"}[binary.format]
-    ours = {suffix.format(library) for library in IMPORT_LISTS}
+    ours = {suffix.format(library) for library in IMPORT_TABLES}
     libraries = binary.libraries()
     names = {name for name in binary.imports() if name.startswith(("SKF_", "OrvelPKICrypto"))}
-    wanted = set().union(*(names_in(binary.options, f"src/platform/imports/{name}.def", r"^  (\w+)$")
-                           for name in IMPORT_LISTS))
+    wanted = set().union(*(names_in(binary.options, f"src/platform/{table}",
+                                    r"^TEMBRA_IMPORT\([^,]+, (\w+),")
+                           for table in IMPORT_TABLES.values()))
     return expect_equal("libraries", libraries - SYSTEM_LIBRARIES[binary.format], ours) + \
         expect_equal("imports", names, wanted)
 

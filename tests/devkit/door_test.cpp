@@ -69,7 +69,6 @@ TEST(Plan, AnswersTheCallsItNames) {
     EXPECT_EQ(callCount("OrvelPKICryptoFreeMemory"), 0U);
     EXPECT_EQ(callCount("SKF_EnumDev"), 1U);
     setFaults(nullptr);
-    EXPECT_TRUE(std::ranges::is_sorted(FUNCTION_NAMES)) << "or some would not be found";
 }
 
 TEST(Plan, BadTextIsRefusedAsAWhole) {

@@ -15,17 +15,21 @@ void plan(Scripted<Result(Arguments...)> &function, int nth, ULONG code) {
 
 const std::vector<std::string> &scriptedFunctions() {
     static const std::vector<std::string> names = {
-#define TEMBRA_FUNCTION(name, arity) #name,
-#include "scripted_functions.inc"
+#define TEMBRA_IMPORT(result, name, parameters) #name,
+#include "platform/orvel_crypto_functions.h"
+#include "platform/skf_functions.h"
+#undef TEMBRA_IMPORT
     };
     return names;
 }
 
 void planAnswer(const std::string &function, int nth, ULONG code) {
-#define TEMBRA_FUNCTION(name, arity)                                                               \
+#define TEMBRA_IMPORT(result, name, parameters)                                                    \
     if (function == #name)                                                                         \
         return plan(script().name, nth, code);
-#include "scripted_functions.inc"
+#include "platform/orvel_crypto_functions.h"
+#include "platform/skf_functions.h"
+#undef TEMBRA_IMPORT
 }
 
 } // namespace tembra::test

@@ -5,7 +5,7 @@
 
 namespace tembra::test {
 
-// The functions below the provider, in the order of scripted_functions.inc.
+// The functions that the provider imports.
 const std::vector<std::string> &scriptedFunctions();
 
 // The nth call of the function from now on answers this code and does nothing else; a function that

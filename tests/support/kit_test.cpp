@@ -1,6 +1,6 @@
 #include "kit_test.h"
 
-#include "../../src/platform/orvel_crypto.h"
+#include "platform/orvel_crypto.h"
 #include "tembra_devkit_faults.h"
 #include "tembra_soft_token.h"
 

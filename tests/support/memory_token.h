@@ -2,8 +2,8 @@
 // bytes a test can foresee, ciphers are a toy with real chaining, every handle is accounted for.
 #pragma once
 
-#include "../../src/platform/orvel_crypto.h"
-#include "../../src/platform/skf.h"
+#include "platform/orvel_crypto.h"
+#include "platform/skf.h"
 
 #include <list>
 #include <map>
@@ -122,8 +122,10 @@ ULONG with(Model *model, Action action) {
 
 // The usual behaviour of each function.
 namespace memory_token {
-#define TEMBRA_FUNCTION(name, arity) decltype(::name) name;
-#include "scripted_functions.inc"
+#define TEMBRA_IMPORT(result, name, parameters) result name parameters;
+#include "platform/orvel_crypto_functions.h"
+#include "platform/skf_functions.h"
+#undef TEMBRA_IMPORT
 } // namespace memory_token
 
 } // namespace tembra::test

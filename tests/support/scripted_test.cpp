@@ -117,8 +117,10 @@ void ScriptedTest::resetDevices() {
 }
 
 void ScriptedTest::restoreFunctions() {
-#define TEMBRA_FUNCTION(name, arity) script().name.restore();
-#include "scripted_functions.inc"
+#define TEMBRA_IMPORT(result, name, parameters) script().name.restore();
+#include "platform/orvel_crypto_functions.h"
+#include "platform/skf_functions.h"
+#undef TEMBRA_IMPORT
 }
 
 // A device handle is taken for the purpose, so the count is that without it.

@@ -39,6 +39,7 @@ void resetScript() {
 using tembra::test::script;
 using tembra::test::Signature;
 
+// Exports one function that forwards to the script: the macro for the number of its parameters.
 // clang-format off
 #define R(f) Signature<decltype(f)>::Returned
 #define A(f, i) Signature<decltype(f)>::Argument<i>
@@ -51,9 +52,15 @@ using tembra::test::Signature;
 #define TEMBRA_EXPORT_6(f) R(f) f(A(f,0) a, A(f,1) b, A(f,2) c, A(f,3) d, A(f,4) e, A(f,5) g) { return script().f(a, b, c, d, e, g); }
 #define TEMBRA_EXPORT_7(f) R(f) f(A(f,0) a, A(f,1) b, A(f,2) c, A(f,3) d, A(f,4) e, A(f,5) g, A(f,6) h) { return script().f(a, b, c, d, e, g, h); }
 #define TEMBRA_EXPORT_9(f) R(f) f(A(f,0) a, A(f,1) b, A(f,2) c, A(f,3) d, A(f,4) e, A(f,5) g, A(f,6) h, A(f,7) i, A(f,8) j) { return script().f(a, b, c, d, e, g, h, i, j); }
+#define TEMBRA_COUNT(...) TEMBRA_PICK(__VA_ARGS__ __VA_OPT__(,) 9, 8, 7, 6, 5, 4, 3, 2, 1, 0)
+#define TEMBRA_PICK(a, b, c, d, e, f, g, h, i, count, ...) count
+#define TEMBRA_JOIN(count, name) TEMBRA_EXPORT_##count(name)
+#define TEMBRA_EXPORT(count, name) TEMBRA_JOIN(count, name)
 // clang-format on
 
 extern "C" {
-#define TEMBRA_FUNCTION(name, arity) TEMBRA_EXPORT_##arity(name)
-#include "scripted_functions.inc"
+#define TEMBRA_IMPORT(result, name, parameters) TEMBRA_EXPORT(TEMBRA_COUNT parameters, name)
+#include "platform/orvel_crypto_functions.h"
+#include "platform/skf_functions.h"
+#undef TEMBRA_IMPORT
 }

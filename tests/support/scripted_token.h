@@ -14,9 +14,11 @@ struct TokenScript {
     MemoryToken memory;
     MemoryHost host;
 
-#define TEMBRA_FUNCTION(name, arity)                                                               \
-    Scripted<decltype(::name)> name{#name, journal, &memory_token::name};
-#include "scripted_functions.inc"
+#define TEMBRA_IMPORT(result, name, parameters)                                                    \
+    Scripted<result parameters> name{#name, journal, &memory_token::name};
+#include "platform/orvel_crypto_functions.h"
+#include "platform/skf_functions.h"
+#undef TEMBRA_IMPORT
 };
 
 // The script in force; resetScript() replaces it, everything forgotten.

@@ -3,7 +3,7 @@
 // seen by AddressSanitizer, whatever the function then answers.
 #pragma once
 
-#include "../../src/platform/skf.h"
+#include "platform/skf.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -14,14 +14,9 @@ struct Meaning {
 };
 
 const Meaning MEANINGS[] = {
-    {SAR_FAIL, "failed, without a reason"},
-    {SAR_NOTSUPPORTYETERR, "not supported"},
-    {SAR_INVALIDHANDLEERR, "invalid handle"},
-    {SAR_INVALIDPARAMERR, "invalid parameter"},
-    {SAR_BUFFER_TOO_SMALL, "buffer too small"},
-    {SAR_DEVICE_REMOVED, "the token was removed"},
-    {SAR_USER_NOT_LOGGED_IN, "user not logged in"},
-    {SAR_APPLICATION_NOT_EXISTS, "no such application"},
+#define TEMBRA_SAR_CODE(name, value, meaning) {value, meaning},
+#include "platform/sar_codes.h"
+#undef TEMBRA_SAR_CODE
 };
 
 } // namespace

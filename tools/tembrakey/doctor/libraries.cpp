@@ -4,7 +4,6 @@
 #include <span>
 #include <vector>
 
-#include "imported_functions.h"
 #include "tembrakey/platform/files.h"
 #include "tembrakey/platform/process.h"
 #include "tembrakey/provider/provider.h"
@@ -19,6 +18,15 @@ const char *const ENTRY_POINTS[] = {
 #include "tembra_key_prov_entry_points.h"
 };
 
+#define TEMBRA_IMPORT(result, name, parameters) #name,
+const char *const TOKEN_FUNCTIONS[] = {
+#include "platform/skf_functions.h"
+};
+const char *const HOST_FUNCTIONS[] = {
+#include "platform/orvel_crypto_functions.h"
+};
+#undef TEMBRA_IMPORT
+
 struct Subject {
     const char *name; // English
     std::span<const char *const> functions;
@@ -31,11 +39,11 @@ const Subject PROVIDER_SUBJECT = {
     "this is another library, or of another version: install the provider again"};
 
 const Subject TOKEN_SUBJECT = {
-    "token library", skfFunctions, "TembraSoftTokenCreate",
+    "token library", TOKEN_FUNCTIONS, "TembraSoftTokenCreate",
     "ask the token's vendor for a library with these functions (GM/T 0016)"};
 
 const Subject HOST_SUBJECT = {
-    "host library", hostFunctions, "TembraHostKitSetFaults",
+    "host library", HOST_FUNCTIONS, "TembraHostKitSetFaults",
     "install the host framework in the version that the provider is made for"};
 
 std::vector<std::string> missingFunctions(const platform::DynamicLibrary &library,

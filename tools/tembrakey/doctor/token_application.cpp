@@ -14,7 +14,7 @@ void examinePin(const Token &token, HAPPLICATION application, ULONG type, const 
     ULONG most = 0;
     ULONG left = 0;
     BOOL isDefault = 0;
-    const ULONG result = token.skf.GetPINInfo(application, type, &most, &left, &isDefault);
+    const ULONG result = token.skf.SKF_GetPINInfo(application, type, &most, &left, &isDefault);
     if (result != SAR_OK) {
         token.refuse("SKF_GetPINInfo", result);
         return;
@@ -45,7 +45,7 @@ void examinePin(const Token &token, HAPPLICATION application, ULONG type, const 
 
 void examineContainers(const Token &token, HAPPLICATION application) {
     const NameList list = askNames(CONTAINER_CAPACITY, [&](LPSTR buffer, ULONG *length) {
-        return token.skf.EnumContainer(application, buffer, length);
+        return token.skf.SKF_EnumContainer(application, buffer, length);
     });
     token.complain("SKF_EnumContainer", list.complaints);
     if (list.result != SAR_OK) {
@@ -61,23 +61,23 @@ void examineContainers(const Token &token, HAPPLICATION application) {
     for (std::string name : list.names) {
         HCONTAINER container = nullptr;
         ULONG type = CONTAINER_TYPE_EMPTY;
-        ULONG result = token.skf.OpenContainer(application, name.data(), &container);
+        ULONG result = token.skf.SKF_OpenContainer(application, name.data(), &container);
         if (result != SAR_OK) {
             token.refuse("SKF_OpenContainer", result);
             continue;
         }
-        result = token.skf.GetContainerType(container, &type);
+        result = token.skf.SKF_GetContainerType(container, &type);
         if (result != SAR_OK)
             token.refuse("SKF_GetContainerType", result);
         else
             examineKeys(token, container, name, type);
-        token.skf.CloseContainer(container);
+        token.skf.SKF_CloseContainer(container);
     }
 }
 
 void examineApplication(const Token &token) {
     NameList list = askNames(APPLICATION_CAPACITY, [&](LPSTR buffer, ULONG *length) {
-        return token.skf.EnumApplication(token.device, buffer, length);
+        return token.skf.SKF_EnumApplication(token.device, buffer, length);
     });
     token.complain("SKF_EnumApplication", list.complaints);
     if (list.result != SAR_OK) {
@@ -96,7 +96,7 @@ void examineApplication(const Token &token) {
                              {std::to_string(list.names.size()), name}),
                           tr("keys in the others are not for these hosts"));
     HAPPLICATION application = nullptr;
-    const ULONG result = token.skf.OpenApplication(token.device, name.data(), &application);
+    const ULONG result = token.skf.SKF_OpenApplication(token.device, name.data(), &application);
     if (result != SAR_OK) {
         token.refuse("SKF_OpenApplication", result);
         return;
@@ -104,7 +104,7 @@ void examineApplication(const Token &token) {
     examinePin(token, application, USER_TYPE, "user PIN");
     examinePin(token, application, ADMIN_TYPE, "administrator PIN");
     examineContainers(token, application);
-    token.skf.CloseApplication(application);
+    token.skf.SKF_CloseApplication(application);
 }
 
 } // namespace tembra::tool::doctor

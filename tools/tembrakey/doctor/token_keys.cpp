@@ -56,7 +56,8 @@ std::optional<ULONG> examineKey(const Token &token, HCONTAINER container, BOOL i
                                 const std::string &what) {
     Guarded<Blob> blob;
     ULONG length = sizeof(Blob);
-    const ULONG result = token.skf.ExportPublicKey(container, isSignature, blob.bytes(), &length);
+    const ULONG result =
+        token.skf.SKF_ExportPublicKey(container, isSignature, blob.bytes(), &length);
     if (blob.isOverrun())
         token.complain("SKF_ExportPublicKey", {tr("it writes beyond the buffer")});
     if (result != SAR_OK)
@@ -75,7 +76,7 @@ std::string examineCertificate(const Token &token, HCONTAINER container, BOOL is
     Guarded<std::array<BYTE, MOST_CERTIFICATE>> buffer;
     ULONG length = MOST_CERTIFICATE;
     const ULONG result =
-        token.skf.ExportCertificate(container, isSignature, buffer.bytes(), &length);
+        token.skf.SKF_ExportCertificate(container, isSignature, buffer.bytes(), &length);
     if (buffer.isOverrun())
         token.complain("SKF_ExportCertificate", {tr("it writes beyond the buffer")});
     if (result != SAR_OK || length == 0)

@@ -35,9 +35,9 @@ void report(const Token &token, const char *what, ULONG result, bool isRight) {
 void examineRandom(const Token &token) {
     Guarded<Hash> first;
     Guarded<Hash> second;
-    ULONG result = token.skf.GenRandom(token.device, first.bytes(), sizeof(Hash));
+    ULONG result = token.skf.SKF_GenRandom(token.device, first.bytes(), sizeof(Hash));
     if (result == SAR_OK)
-        result = token.skf.GenRandom(token.device, second.bytes(), sizeof(Hash));
+        result = token.skf.SKF_GenRandom(token.device, second.bytes(), sizeof(Hash));
     const bool isRight = *first.get() != *second.get() && *first.get() != Hash{} &&
                          !first.isOverrun() && !second.isOverrun();
     report(token, tr("random numbers"), result, isRight);
@@ -45,15 +45,15 @@ void examineRandom(const Token &token) {
 
 void examineSm3(const Token &token) {
     HANDLE handle = nullptr;
-    ULONG result = token.skf.DigestInit(token.device, SGD_SM3, nullptr, nullptr, 0, &handle);
+    ULONG result = token.skf.SKF_DigestInit(token.device, SGD_SM3, nullptr, nullptr, 0, &handle);
     BYTE text[] = {'a', 'b', 'c'};
     Guarded<Hash> hash;
     ULONG length = sizeof(Hash);
     if (result == SAR_OK) {
-        result = token.skf.DigestUpdate(handle, text, sizeof text);
+        result = token.skf.SKF_DigestUpdate(handle, text, sizeof text);
         if (result == SAR_OK)
-            result = token.skf.DigestFinal(handle, hash.bytes(), &length);
-        token.skf.CloseHandle(handle);
+            result = token.skf.SKF_DigestFinal(handle, hash.bytes(), &length);
+        token.skf.SKF_CloseHandle(handle);
     }
     report(token, "SM3", result, *hash.get() == SM3_OF_ABC && length == sizeof(Hash));
 }
@@ -64,13 +64,13 @@ void examineSm4(const Token &token) {
     Guarded<Block> cipher;
     ULONG length = sizeof(Block);
     HANDLE handle = nullptr;
-    ULONG result = token.skf.SetSymmKey(token.device, key.data(), SGD_SMS4_ECB, &handle);
+    ULONG result = token.skf.SKF_SetSymmKey(token.device, key.data(), SGD_SMS4_ECB, &handle);
     if (result == SAR_OK) {
-        result = token.skf.EncryptInit(handle, BLOCKCIPHERPARAM{});
+        result = token.skf.SKF_EncryptInit(handle, BLOCKCIPHERPARAM{});
         if (result == SAR_OK)
             result =
-                token.skf.Encrypt(handle, plain.data(), sizeof(Block), cipher.bytes(), &length);
-        token.skf.CloseHandle(handle);
+                token.skf.SKF_Encrypt(handle, plain.data(), sizeof(Block), cipher.bytes(), &length);
+        token.skf.SKF_CloseHandle(handle);
     }
     report(token, "SM4", result, *cipher.get() == SM4_CIPHER && length == sizeof(Block));
 }

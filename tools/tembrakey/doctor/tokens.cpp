@@ -14,13 +14,13 @@ constexpr std::size_t MOST_TOKENS = 16;
 
 bool examineToken(const SkfFunctions &skf, Report &report, std::string name) {
     Token token{skf, report, name, nullptr};
-    ULONG result = skf.ConnectDev(name.data(), &token.device);
+    ULONG result = skf.SKF_ConnectDev(name.data(), &token.device);
     if (result != SAR_OK || token.device == nullptr) {
         token.refuse("SKF_ConnectDev", result);
         return false;
     }
     Guarded<DEVINFO> info;
-    result = skf.GetDevInfo(token.device, info.get());
+    result = skf.SKF_GetDevInfo(token.device, info.get());
     if (info.isOverrun())
         token.complain("SKF_GetDevInfo", {tr("it writes beyond the buffer")});
     if (result != SAR_OK) {
@@ -34,7 +34,7 @@ bool examineToken(const SkfFunctions &skf, Report &report, std::string name) {
         if ((info->AlgSymCap & SGD_SMS4_ECB) == SGD_SMS4_ECB)
             examineSm4(token);
     }
-    skf.DisConnectDev(token.device);
+    skf.SKF_DisConnectDev(token.device);
     return result == SAR_OK;
 }
 
@@ -59,8 +59,9 @@ void Token::refuse(const char *function, ULONG result) const {
 int examineTokens(Report &report, const platform::DynamicLibrary &library) {
     report.begin("tokens", "Tokens");
     const SkfFunctions skf(library);
-    const NameList devices = askNames(
-        LIST_CAPACITY, [&](LPSTR buffer, ULONG *length) { return skf.EnumDev(1, buffer, length); });
+    const NameList devices = askNames(LIST_CAPACITY, [&](LPSTR buffer, ULONG *length) {
+        return skf.SKF_EnumDev(1, buffer, length);
+    });
     const Token all{skf, report, tr("all"), nullptr};
     all.complain("SKF_EnumDev", devices.complaints);
     if (devices.result != SAR_OK)
