@@ -1,36 +1,27 @@
-// The benchmarks of the provider. Beside Google Benchmark's options, --rounds=N says how often
-// everything is measured (1 to see only that it runs).
-#include "pairing.h"
+// The benchmarks of the provider. All options are Google Benchmark's; those below are the defaults.
+#include "benchmarks.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <ostream>
+#include <benchmark/benchmark.h>
 
-using namespace tembra::bench;
+#include <vector>
 
 int main(int argc, char **argv) {
-    int rounds = 101;
-    benchmark::Initialize(&argc, argv);
-    for (int i = 1; i < argc; ++i) {
-        if (std::strncmp(argv[i], "--rounds=", 9) != 0 || (rounds = std::atoi(argv[i] + 9)) < 1) {
-            benchmark::ReportUnrecognizedArguments(argc, argv);
-            return 1;
-        }
-    }
-    registerCalls(rounds);
-    registerHex(rounds);
-    registerHandles(rounds);
-    registerThreads(rounds);
-
-    printHead();
-    // The table says it all; what Google Benchmark knows goes to --benchmark_out.
-    std::ostream nowhere(nullptr);
-    benchmark::ConsoleReporter silent;
-    silent.SetOutputStream(&nowhere);
-    silent.SetErrorStream(&nowhere);
-    benchmark::RunSpecifiedBenchmarks(&silent);
+    // Short runs in random order, many times: background load then affects all of them equally.
+    char interleave[] = "--benchmark_enable_random_interleaving=true";
+    char repeat[] = "--benchmark_repetitions=25";
+    char aggregate[] = "--benchmark_report_aggregates_only=true";
+    char time[] = "--benchmark_min_time=0.02";
+    std::vector<char *> arguments = {argv[0], interleave, repeat, aggregate, time};
+    arguments.insert(arguments.end(), argv + 1, argv + argc);
+    int count = static_cast<int>(arguments.size());
+    arguments.push_back(nullptr);
+    benchmark::Initialize(&count, arguments.data());
+    if (benchmark::ReportUnrecognizedArguments(count, arguments.data()))
+        return 1;
+    tembra::bench::registerCalls();
+    tembra::bench::registerThreads();
+    tembra::bench::registerHandles();
+    tembra::bench::registerHex();
+    benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
-    std::printf("\nmarks missed: %d\n", marksMissed());
-    return 0;
 }

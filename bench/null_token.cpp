@@ -14,7 +14,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Bytes = const unsigned char *;
 
-unsigned char object[128]; // what every handle and buffer points to
+unsigned char object[128]; // what handles and buffers point to
 
 ULONG give(void **handle) {
     *handle = object;
@@ -32,7 +32,7 @@ int give(unsigned char **out, int *length, int size) {
     return 1;
 }
 
-// A list with the names "stem 00", "stem 01" and so on.
+// Writes a list of the names "stem 00", "stem 01" and so on.
 ULONG give(char *list, ULONG *size, const char *stem, int count) {
     char *end = list;
     for (int i = 0; i < count; ++i)
@@ -41,7 +41,7 @@ ULONG give(char *list, ULONG *size, const char *stem, int count) {
     return give(size, static_cast<std::size_t>(end - list));
 }
 
-// Busy, so that a call takes as long as it says and not a time slice.
+// Waits actively, since a sleep takes at least a time slice.
 ULONG take(std::chrono::nanoseconds time) {
     if (time.count() > 0) {
         const Clock::time_point end = Clock::now() + time;
@@ -53,49 +53,37 @@ ULONG take(std::chrono::nanoseconds time) {
 
 } // namespace
 
-// Exported functions and what they answer.
-#define ANSWER(type, name, parameters, answer)                                                     \
+// The functions that return more than success.
+#define DEFINE(type, name, parameters, value)                                                      \
     type name parameters {                                                                         \
-        return answer;                                                                             \
+        return value;                                                                              \
     }
-#define SKF(name, parameters, answer) ANSWER(ULONG, SKF_##name, parameters, answer)
-#define ORVEL(type, name, parameters, answer) ANSWER(type, OrvelPKICrypto##name, parameters, answer)
+#define SKF(name, parameters, value) DEFINE(ULONG, SKF_##name, parameters, value)
+#define ORVEL(name, parameters, value) DEFINE(int, OrvelPKICrypto##name, parameters, value)
 
 extern "C" {
 
 SKF(EnumDev, (BOOL, LPSTR list, ULONG *size), give(list, size, "null token", 1))
 SKF(ConnectDev, (LPSTR, DEVHANDLE *device), give(device))
-SKF(DisConnectDev, (DEVHANDLE), SAR_OK)
-SKF(LockDev, (DEVHANDLE, ULONG), SAR_OK)
-SKF(UnlockDev, (DEVHANDLE), SAR_OK)
 SKF(GetDevInfo, (DEVHANDLE, DEVINFO *info), (*info = {}, SAR_OK))
-SKF(GenRandom, (DEVHANDLE, BYTE *, ULONG), SAR_OK)
 SKF(EnumApplication, (DEVHANDLE, LPSTR list, ULONG *size), give(list, size, "application", 1))
 SKF(OpenApplication, (DEVHANDLE, LPSTR, HAPPLICATION *opened), give(opened))
-SKF(CloseApplication, (HAPPLICATION), SAR_OK)
-SKF(ClearSecureState, (HAPPLICATION), SAR_OK)
 SKF(EnumContainer, (HAPPLICATION, LPSTR list, ULONG *size),
     give(list, size, "container", nullToken.containers))
 SKF(OpenContainer, (HAPPLICATION, LPSTR, HCONTAINER *opened), give(opened))
-SKF(CloseContainer, (HCONTAINER), SAR_OK)
 SKF(GetContainerType, (HCONTAINER, ULONG *type), give(type, CONTAINER_TYPE_ECC))
 SKF(ExportPublicKey, (HCONTAINER, BOOL, BYTE *, ULONG *size), give(size, sizeof(ECCPUBLICKEYBLOB)))
 SKF(ExportCertificate, (HCONTAINER, BOOL, BYTE *, ULONG *size), give(size, 600))
 SKF(ECCSignData, (HCONTAINER, BYTE *, ULONG, ECCSIGNATUREBLOB *), take(nullToken.signature))
 SKF(SetSymmKey, (DEVHANDLE, BYTE *, ULONG, HANDLE *key), give(key))
-SKF(EncryptInit, (HANDLE, BLOCKCIPHERPARAM), SAR_OK)
 SKF(Encrypt, (HANDLE, BYTE *, ULONG length, BYTE *, ULONG *outLength),
     (give(outLength, length), take(nullToken.cipherByte *length)))
 SKF(DigestInit, (DEVHANDLE, ULONG, ECCPUBLICKEYBLOB *, BYTE *, ULONG, HANDLE *hash), give(hash))
 SKF(DigestUpdate, (HANDLE, BYTE *, ULONG), take(nullToken.digestPiece))
-SKF(CloseHandle, (HANDLE), SAR_OK)
 
-ORVEL(void *, GetPseudoDevice, (void), object)
-ORVEL(int, FreeDevice, (void *), 1)
-ORVEL(int, FreeMemory, (void *), 1)
-ORVEL(int, EncodeECCPubKey, (int, Bytes, int, Bytes, int, unsigned char **out, int *length),
+ORVEL(EncodeECCPubKey, (int, Bytes, int, Bytes, int, unsigned char **out, int *length),
       give(out, length, 91))
-ORVEL(int, EncodeECCSignature, (Bytes, int, Bytes, int, unsigned char **out, int *length),
+ORVEL(EncodeECCSignature, (Bytes, int, Bytes, int, unsigned char **out, int *length),
       give(out, length, 72))
 
 } // extern "C"

@@ -1,5 +1,4 @@
-// The token and the host library of the benchmarks: every call returns at once, unless a time is
-// set. What no measurement calls they don't have.
+// The token and the host library of the benchmarks: a call returns at once unless a time is set.
 #pragma once
 
 #include <chrono>

@@ -1,4 +1,4 @@
-// A provider that was started, with the handles of one device.
+// A started provider and the handles of one device.
 #pragma once
 
 #include "null_token.h"
@@ -35,12 +35,5 @@ struct Session {
     SPI_DEVICE_HANDLE device = nullptr;
     SPI_KEYPAIR_HANDLE signKey = nullptr;
 };
-
-template <typename Handle>
-void freeAll(std::vector<Handle> &handles, int (*free)(Handle)) {
-    for (const Handle handle : handles)
-        free(handle);
-    handles.clear();
-}
 
 } // namespace tembra::bench

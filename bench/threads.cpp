@@ -1,8 +1,8 @@
-// Several threads at once: time is elapsed time by all the calls that were made in it.
+// One entry point in several threads; compare the numbers of calls per second.
+#include "benchmarks.h"
 #include "entry_points.h"
-#include "pairing.h"
 
-#include <thread>
+#include <memory>
 
 namespace tembra::bench {
 
@@ -10,69 +10,37 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// Long enough for the starts of the threads not to count.
-constexpr auto BATCH = 10'000us;
+std::unique_ptr<Sign> sign; // shared by the threads of a run
 
-template <typename Call>
-std::function<void(long)> inThreads(int count, Call call) {
-    return [count, call](long calls) {
-        std::vector<std::jthread> threads;
-        for (int i = 0; i < count; ++i)
-            threads.emplace_back([call, i, each = (calls + count - 1) / count] {
-                for (long done = 0; done < each; ++done)
-                    call(i);
-            });
-    };
-}
-
-// The token works on one call at a time, so the lock is what several threads wait for.
-void measureSlowSign(benchmark::State &state) {
-    Sign sign;
+void sign50us(const benchmark::State &) {
+    sign = std::make_unique<Sign>();
     nullToken.signature = 50us;
-    Pairing pairing(state, "DeviceSign over a token call of 50 us, several threads, silent", BATCH);
-    std::vector<std::size_t> providers, floors;
-    for (const int count : {1, 2, 4}) {
-        const std::string threads = std::to_string(count) + " threads";
-        const auto provider = inThreads(count, [&](int) { sign.provider(); });
-        const auto floor = inThreads(count, [&](int) { callFloor(sign); });
-        providers.push_back(pairing.add({threads, provider}));
-        floors.push_back(pairing.add({"floor, " + threads, floor}));
-    }
-    pairing.measure();
-    for (std::size_t i = 0; i < providers.size(); ++i) {
-        pairing.compare(providers[i], floors[i]);
-        if (i > 0)
-            pairing.compare(providers[i], providers[0]);
-    }
 }
 
-template <typename Call>
-void compareTraced(benchmark::State &state, const std::string &name, Call call) {
-    const auto before = [] { TraceFile::instance().begin(nullptr); };
-    Pairing pairing(state, name + ", unset, several threads", BATCH);
-    const auto one = pairing.add({"1 thread", inThreads(1, call), before});
-    const auto two = pairing.add({"2 threads", inThreads(2, call), before});
-    pairing.measure();
-    pairing.compare(two, one, 1.05);
+void signTraced(const benchmark::State &) {
+    sign = std::make_unique<Sign>();
+    TraceFile::instance().begin(nullptr);
 }
 
-void measureTracedHash(benchmark::State &state) {
-    HashUpdate updates[] = {HashUpdate(1 << 10), HashUpdate(1 << 10)};
-    compareTraced(state, updates[0].name, [&](int thread) { updates[thread].provider(); });
-}
-
-void measureTracedSign(benchmark::State &state) {
-    Sign sign;
-    compareTraced(state, sign.name, [&](int) { sign.provider(); });
+void add(const char *name, void (*setUp)(const benchmark::State &)) {
+    benchmark::RegisterBenchmark(name,
+                                 [](benchmark::State &state) {
+                                     for (auto _ : state)
+                                         sign->provider();
+                                     state.SetItemsProcessed(state.iterations());
+                                 })
+        ->Setup(setUp)
+        ->Teardown([](const benchmark::State &) { sign.reset(); })
+        ->ThreadRange(1, 4)
+        ->UseRealTime();
 }
 
 } // namespace
 
-void registerThreads(int rounds) {
-    const int fewer = (rounds + 3) / 4;
-    add("threads/slow_sign", fewer, measureSlowSign);
-    add("threads/traced_hash", fewer, measureTracedHash);
-    add("threads/traced_sign", fewer, measureTracedSign);
+void registerThreads() {
+    // The token handles one call at a time, so the threads wait for the provider's lock.
+    add("sign/silent/token_50us", sign50us);
+    add("sign/information", signTraced);
 }
 
 } // namespace tembra::bench

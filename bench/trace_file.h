@@ -1,5 +1,5 @@
-// The provider's trace, whose file takes the lines of what it is compared with as well. It lies in
-// the temporary directory, as a trace does by default, and goes with the process.
+// The provider's trace log, to which the benchmarks also write directly. It is in the temporary
+// directory, as a trace log is by default, and is removed at the end of the process.
 #pragma once
 
 #include <cstdio>
@@ -17,24 +17,23 @@ inline constexpr char LEVEL_VARIABLE[] = "TEMBRA_KEY_PROV_LOG_LEVEL";
 
 class TraceFile {
 public:
-    // Before the provider writes any line.
+    // Must be called before the provider writes a line.
     static const TraceFile &instance() {
         static const TraceFile file;
         return file;
     }
     ~TraceFile() { std::filesystem::remove(m_path); }
 
-    // Sets the level and empties the file, so that no batch pays for a large one.
+    // Sets the level and empties the file, so that no benchmark pays for a large one.
     void begin(const char *level) const {
         setLevel(level);
         require(ftruncate(m_descriptor, 0) == 0);
     }
-    // One write.
     void write(const std::string_view &text) const {
         require(::write(m_descriptor, text.data(), text.size()) ==
                 static_cast<ssize_t>(text.size()));
     }
-    // The lines since the file was emptied, each with its end.
+    // The lines since the file was emptied, with their line ends.
     std::vector<std::string> lines() const {
         std::ifstream file(m_path, std::ios::binary);
         std::vector<std::string> found;
@@ -43,7 +42,7 @@ public:
         return found;
     }
 
-    // What the variable says from the next trace statement on; null unsets it.
+    // Sets the level from the next trace statement on; null unsets the variable.
     static void setLevel(const char *level) {
         if (level)
             setenv(LEVEL_VARIABLE, level, 1);
