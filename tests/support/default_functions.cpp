@@ -10,12 +10,12 @@ namespace {
 unsigned char object; // what handles refer to
 
 template <typename Result>
-Result convert(int value) {
+Result convert(ULONG value) {
     return static_cast<Result>(value);
 }
 
 template <>
-void *convert<void *>(int) {
+void *convert<void *>(ULONG) {
     return &object;
 }
 
