@@ -72,7 +72,7 @@ int decryptSM2(const Keypair *hKeypair, const unsigned char *cipher, int cipherl
         return fail("alloc memory fail", function);
     const Container *hContainer = containerOf(hKeypair);
     if (!hContainer)
-        return fail("hKeypair->m_device == 0", function);
+        return fail(missingContainer(hKeypair), function);
     ULONG length = static_cast<ULONG>(messageLen);
     const ULONG rv =
         SKF_ECCDecrypt(hContainer->m_hContainer, keyFlag(hKeypair), blob, plain.data(), &length);
@@ -89,7 +89,7 @@ int decryptRSA(const Keypair *hKeypair, const unsigned char *cipher, int cipherl
                const Output &out, const char *function) {
     const Container *hContainer = containerOf(hKeypair);
     if (!hContainer)
-        return fail("hKeypair->m_device == 0", function);
+        return fail(missingContainer(hKeypair), function);
     SecretArray<RSA_BUFFER_LEN> plain;
     ULONG length = RSA_BUFFER_LEN;
     const ULONG rv = SKF_RSADecrypt(hContainer->m_hContainer, keyFlag(hKeypair), skfInput(cipher),

@@ -1,4 +1,4 @@
-// Import of encryption key pairs: the two forms of blob and the record of the new pair.
+// Import of encryption key pairs: the two blob formats and the record of the new pair.
 #include "import/blob.h"
 #include "import/envelope.h"
 #include "import/key_import.h"
@@ -22,7 +22,7 @@ bool hasMagic(const unsigned char *keyblob, const char *magic) {
     return std::memcmp(keyblob, magic, MAGIC_LEN) == 0;
 }
 
-// The container with this name; -1 where there is none.
+// The index of the container with this name, or -1.
 int GetContainerIndex(const Device *hDevice, const char *label) {
     const int count = loadCount(hDevice->m_containerCount);
     TRACE_DEBUG("GetContainerIndex label=%s, hDevice->m_containerCount=%d", label, count);
@@ -47,7 +47,7 @@ const Keypair *findSignKeypair(const Device *hDevice, const char *label) {
     return nullptr;
 }
 
-// What is wrong with the 20 bytes before the payload, or null.
+// Returns the error in the 20 bytes before the payload, or null.
 const char *checkHeader(const unsigned char *keyblob, std::size_t keybloblen, int &algo) {
     if (keybloblen < HEADER_LEN)
         return "keybloblen < 20";
@@ -85,7 +85,7 @@ Outcome addKeypair(Device *hDevice, int index, int algo, const char *label,
     return CONTINUE;
 }
 
-// An "SCAENCKP" blob, under the lock.
+// Imports an "SCAENCKP" blob. Requires the lock.
 Outcome importEnveloped(Device *hDevice, int index, const unsigned char *keyblob, int keybloblen,
                         const char *label, SPI_KEYPAIR_HANDLE *phKeypair) {
     int algo = 0;
@@ -95,8 +95,8 @@ Outcome importEnveloped(Device *hDevice, int index, const unsigned char *keyblob
     const unsigned char *payload = keyblob + HEADER_LEN;
     const int payloadLen = keybloblen - static_cast<int>(HEADER_LEN);
     const int imported = algo == ORVEL_PKI_ALGORITHM_RSA
-                             ? importRSAKeyPair(hContainer, payload, payloadLen)
-                             : importSM2KeyPair(hContainer, payload, payloadLen);
+                             ? importRSAKeyPair(hDevice, hContainer, payload, payloadLen)
+                             : importSM2KeyPair(hDevice, hContainer, payload, payloadLen);
     if (imported != ORVEL_PKI_SUCCESS)
         return {imported, nullptr};
     return addKeypair(hDevice, index, algo, label, phKeypair);
@@ -124,18 +124,16 @@ Outcome checkArguments(const Device *hDevice, const Arguments &a) {
     return CONTINUE;
 }
 
-// Whether anything can be imported there now that the lock is held.
+// Returns the reason if nothing can be imported there, or null. Requires the lock.
 const char *checkDevice(const Device *hDevice, int index) {
     if (hDevice->m_isformat == 0)
         return "hDevice->m_isformat == 0";
-    if (hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX)
-        return "hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX";
     if (!hDevice->m_containers[index]) // deleted since it was found
         return "GetContainerIndex(hDevice, label) = -1";
     return nullptr;
 }
 
-// A "_KEYPAIR" blob: enveloped under the lock, imported as what it has become.
+// Envelopes a "_KEYPAIR" blob under the lock, then imports the resulting "SCAENCKP" blob.
 int importPlain(Device *hDevice, const Arguments &a, ProviderLock &lock, const char *function) {
     const Keypair *hSignKeypair = findSignKeypair(hDevice, a.label);
     unsigned char *encblob = nullptr;

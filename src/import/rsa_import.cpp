@@ -3,7 +3,9 @@
 #include "import/key_import.h"
 #include "log/trace.h"
 #include "platform/skf_arguments.h"
+#include "provider/keypair_table.h"
 #include "provider/outcome.h"
+#include "provider/public_key_cache.h"
 #include "provider/public_key_reader.h"
 
 #include <cstring>
@@ -103,7 +105,8 @@ int importIntoToken(const Container *hContainer, const Parsed &parsed, const cha
 
 } // namespace
 
-int importRSAKeyPair(Container *hContainer, const unsigned char *keyblob, int keyblobLen) {
+int importRSAKeyPair(const Device *hDevice, Container *hContainer, const unsigned char *keyblob,
+                     int keyblobLen) {
     BlobReader in(keyblob, static_cast<std::size_t>(keyblobLen));
     Parsed parsed = {};
     std::size_t nLen = 0;
@@ -111,6 +114,8 @@ int importRSAKeyPair(Container *hContainer, const unsigned char *keyblob, int ke
         return fail(message, __func__);
     if (const char *message = readEnvelope(in, nLen, parsed))
         return fail(message, __func__);
+    if (isTableFull(hDevice))
+        return fail(TABLE_FULL, "DeviceImportKeypair");
     const int imported = importIntoToken(hContainer, parsed, __func__);
     if (imported != ORVEL_PKI_SUCCESS)
         return imported;
@@ -119,7 +124,7 @@ int importRSAKeyPair(Container *hContainer, const unsigned char *keyblob, int ke
     int keyLen = 0;
     if (GetRSAPublicKey(hContainer->m_hContainer, 0, &key, &keyLen, nullptr) != 1)
         return fail("GetRSAPublicKey fail", __func__);
-    replaceEncPubKey(hContainer, key, keyLen);
+    replacePublicKey(hContainer, false, key, keyLen);
     return ORVEL_PKI_SUCCESS;
 }
 

@@ -36,7 +36,7 @@ int signRSA(const Keypair *hKeypair, const unsigned char *tbs, int tbslen, unsig
     if (!callToken(hKeypair, rv, [&](HCONTAINER hCon) {
             return SKF_RSASignData(hCon, skfInput(tbs), static_cast<ULONG>(tbslen), sign, &length);
         }))
-        return fail("hKeypair->m_device == 0", function);
+        return fail(missingContainer(hKeypair), function);
     if (rv == SAR_USER_NOT_LOGGED_IN)
         return finish({ORVEL_PKI_NOTLOGGEDIN, "SKF_RSASignData fail,rv= SAR_USER_NOT_LOGGED_IN"},
                       function);
@@ -73,7 +73,7 @@ int signSM2(const Keypair *hKeypair, const unsigned char *tbs, int tbslen, unsig
     if (!callToken(hKeypair, rv, [&](HCONTAINER hCon) {
             return SKF_ECCSignData(hCon, skfInput(tbs), static_cast<ULONG>(tbslen), &blob);
         }))
-        return fail("hKeypair->m_device == 0", function);
+        return fail(missingContainer(hKeypair), function);
     if (rv == SAR_USER_NOT_LOGGED_IN || rv == VENDOR_NOT_LOGGED_IN)
         return finish({ORVEL_PKI_NOTLOGGEDIN, " SKF_ECCSignData fail, rv == "
                                               "SAR_USER_NOT_LOGGED_IN || rv == 0x000000b3"},

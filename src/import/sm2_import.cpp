@@ -4,7 +4,9 @@
 #include "import/sm2_cipher.h"
 #include "log/trace.h"
 #include "platform/memory.h"
+#include "provider/keypair_table.h"
 #include "provider/outcome.h"
+#include "provider/public_key_cache.h"
 #include "provider/public_key_reader.h"
 
 #include <cstring>
@@ -54,9 +56,9 @@ const char *checkSignatureKey(BlobReader &in, const Container *hContainer, const
     }
     const unsigned char *blobX = in.take(SM2_COORDINATE_LEN);
     const unsigned char *blobY = in.take(SM2_COORDINATE_LEN);
-    if (x.size() != SM2_COORDINATE_LEN || std::memcmp(x.bytes(), blobX, SM2_COORDINATE_LEN) != 0)
+    if (x.size() < SM2_COORDINATE_LEN || std::memcmp(x.bytes(), blobX, SM2_COORDINATE_LEN) != 0)
         return "memcmp(x, &keyblob[pos], 32) != 0";
-    if (y.size() != SM2_COORDINATE_LEN || std::memcmp(y.bytes(), blobY, SM2_COORDINATE_LEN) != 0)
+    if (y.size() < SM2_COORDINATE_LEN || std::memcmp(y.bytes(), blobY, SM2_COORDINATE_LEN) != 0)
         return "memcmp(y, &keyblob[pos], 32) != 0";
     return nullptr;
 }
@@ -133,13 +135,14 @@ int refreshPublicKey(Container *hContainer, const char *function) {
         TEMBRA_TRACE(TraceLevel::error, function, "GetECCPublicKey fail, error = %d", result);
         return ORVEL_PKI_FAILURE;
     }
-    replaceEncPubKey(hContainer, key, keyLen);
+    replacePublicKey(hContainer, false, key, keyLen);
     return ORVEL_PKI_SUCCESS;
 }
 
 } // namespace
 
-int importSM2KeyPair(Container *hContainer, const unsigned char *keyblob, int keyblobLen) {
+int importSM2KeyPair(const Device *hDevice, Container *hContainer, const unsigned char *keyblob,
+                     int keyblobLen) {
     BlobReader in(keyblob, static_cast<std::size_t>(keyblobLen));
     Parsed parsed = {};
     if (const char *message = checkSignatureKey(in, hContainer, __func__))
@@ -156,6 +159,8 @@ int importSM2KeyPair(Container *hContainer, const unsigned char *keyblob, int ke
         return fail(message, __func__);
     fillEnvelope(reinterpret_cast<ENVELOPEDKEYBLOB *>(block.data()), parsed);
     TRACE_HEX("sm2Cipher[length:%d]: %s", block.data(), static_cast<int>(block.size()));
+    if (isTableFull(hDevice))
+        return fail(TABLE_FULL, "DeviceImportKeypair");
     const int imported = importIntoToken(hContainer, block.data(), __func__);
     return imported == ORVEL_PKI_SUCCESS ? refreshPublicKey(hContainer, __func__) : imported;
 }

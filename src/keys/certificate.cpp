@@ -2,10 +2,11 @@
 #include "log/trace.h"
 #include "platform/skf_arguments.h"
 #include "provider/buffer.h"
+#include "provider/certificate_cache.h"
 #include "provider/keypair_table.h"
 #include "provider/lock.h"
+#include "provider/outcome.h"
 
-#include <cstdlib>
 #include <cstring>
 
 using namespace tembra;
@@ -16,17 +17,19 @@ bool isSignature(const Keypair *hKeypair) {
     return hKeypair->m_keytype == ORVEL_PKI_KEYPAIRTYPE_SIGNATURE;
 }
 
-// The length goes first and stays when memory is short: the token has the new certificate.
-bool replaceCached(Container *hContainer, bool isSign, const unsigned char *certblob, int length) {
-    const RecordLock lock;
-    unsigned char *&cert = isSign ? hContainer->m_signCert : hContainer->m_encCert;
-    (isSign ? hContainer->m_signCertLen : hContainer->m_encCertLen) = length;
-    std::free(cert);
-    cert = static_cast<unsigned char *>(std::malloc(static_cast<std::size_t>(length)));
-    if (!cert)
-        return false;
-    std::memcpy(cert, certblob, static_cast<std::size_t>(length));
-    return true;
+// Caches the length even if memory runs out for the copy: the token has the new certificate.
+bool cacheCopy(Container *hContainer, bool isSign, const unsigned char *certblob, int certbloblen) {
+    const std::size_t length = static_cast<std::size_t>(certbloblen);
+    Certificate *copy = allocateCertificate(length);
+    if (copy)
+        std::memcpy(bytesOf(copy), certblob, length);
+    replaceCertificate(hContainer, isSign, copy, certbloblen);
+    return copy;
+}
+
+const char *missingCopy(bool isSign) {
+    return isSign ? "hKeypair->m_device->m_containers[hKeypair->m_index]->m_signCert == 0"
+                  : "hKeypair->m_device->m_containers[hKeypair->m_index]->m_encCert == 0";
 }
 
 } // namespace
@@ -63,16 +66,15 @@ int DeviceGetCertificate(SPI_KEYPAIR_HANDLE hKeypair, int index, unsigned char *
     const Container *hContainer = containerOf(hKeypair);
     if (!hContainer)
         return ORVEL_PKI_NULLHANDLE;
-    {
-        const RecordLock lock; // an update on another thread frees the bytes
-        const bool isSign = isSignature(hKeypair);
-        const int length = isSign ? hContainer->m_signCertLen : hContainer->m_encCertLen;
-        const unsigned char *cert = isSign ? hContainer->m_signCert : hContainer->m_encCert;
-        if (length > 0 && cert)
-            return handOut(cert, length, certblob, certbloblen, pretcertbloblen);
-    }
-    TRACE_ERROR("len <= 0");
-    return ORVEL_PKI_FAILURE;
+    const bool isSign = isSignature(hKeypair);
+    const CachedCertificate cached(hContainer, isSign);
+    if (cached.length() <= 0)
+        return fail("len <= 0", __func__);
+    if (cached.bytes() || !certblob || certbloblen < cached.length())
+        return handOut(cached.bytes(), cached.length(), certblob, certbloblen, pretcertbloblen);
+    if (pretcertbloblen)
+        *pretcertbloblen = cached.length();
+    return fail(missingCopy(isSign), __func__);
 }
 
 int DeviceUpdateCertificate(SPI_KEYPAIR_HANDLE hKeypair, const unsigned char *certblob,
@@ -83,10 +85,8 @@ int DeviceUpdateCertificate(SPI_KEYPAIR_HANDLE hKeypair, const unsigned char *ce
                static_cast<void *>(hKeypair), static_cast<const void *>(certblob), certbloblen);
     if (!hKeypair || !deviceOf(hKeypair))
         return ORVEL_PKI_NULLHANDLE;
-    if (!certblob || certbloblen <= 0) {
-        TRACE_ERROR("certblob == 0 || certbloblen <= 0");
-        return ORVEL_PKI_FAILURE;
-    }
+    if (!certblob || certbloblen <= 0)
+        return fail("certblob == 0 || certbloblen <= 0", __func__);
 
     ProviderLock lock;
     Container *hContainer = containerOf(hKeypair);
@@ -105,13 +105,11 @@ int DeviceUpdateCertificate(SPI_KEYPAIR_HANDLE hKeypair, const unsigned char *ce
         TRACE_ERROR("SKF_ImportCertificate fail, error = 0x%08X", rv);
         return ORVEL_PKI_FAILURE;
     }
-    if (replaceCached(hContainer, isSign, certblob, certbloblen))
+    if (cacheCopy(hContainer, isSign, certblob, certbloblen))
         return ORVEL_PKI_SUCCESS;
 
-    lock.abandon(); // hosts know this path by the lock that stays held
-    if (isSign)
-        TRACE_ERROR("hKeypair->m_device->m_containers[hKeypair->m_index]->m_signCert == 0");
-    else
-        TRACE_INFO("hKeypair->m_device->m_containers[hKeypair->m_index]->m_encCert == 0");
+    lock.abandon(); // existing hosts rely on the lock staying held on this path
+    TEMBRA_TRACE(isSign ? TraceLevel::error : TraceLevel::information, __func__, "%s",
+                 missingCopy(isSign));
     return ORVEL_PKI_FAILURE;
 }

@@ -1,21 +1,21 @@
-// Containers for new keys: choosing a slot, making the container on the token.
+// Containers for new keys: choosing a slot, creating the container on the token.
 #pragma once
 
 #include "provider/records.h"
 
 namespace tembra {
 
-// Where a new key pair goes.
+// The place for a new key pair.
 struct ContainerChoice {
-    int result;            // 1; 0 no slot; -6 a container of this label exists
+    int result;            // 1; 0: no slot; -6: a container with this label exists
     int position;          // the slot
-    Container *hContainer; // a keyless container to be used again, or null
+    Container *hContainer; // a keyless container to reuse, or null
 };
 
-// The first keyless container is taken whatever its label, and ends the search. Under g_lock.
+// Takes the first keyless container, whatever its label, without looking further. Requires g_lock.
 ContainerChoice getEmptyContainerIndex(const Device *hDevice, const char *label);
 
-// Makes a container on the token and its record. 1, 0, -8. Under g_lock.
+// Creates a container on the token and its record. Returns 1, 0 or -8. Requires g_lock.
 int createContainer(Device *hDevice, const char *label, Container **out);
 
 } // namespace tembra

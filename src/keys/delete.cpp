@@ -1,8 +1,9 @@
-// Deletion of a container with its key pairs.
+// Deletion of a key pair's container, and with it of its key pairs.
 #include "log/trace.h"
 #include "platform/skf_arguments.h"
 #include "provider/keypair_table.h"
 #include "provider/lock.h"
+#include "provider/outcome.h"
 
 #include <cstring>
 
@@ -10,8 +11,18 @@ using namespace tembra;
 
 namespace {
 
-// Frees the container's slot. Only the slots below the count are searched; the record itself stays
-// in memory, since readers without the lock may hold it.
+constexpr Outcome DELETED_BEFORE = {ORVEL_PKI_NULLHANDLE, "hKeypair->m_device == NULL"};
+
+// Whether a container in the table has this name. A left-over pair must not delete that one.
+bool hasContainer(const Device *hDevice, const char *label) {
+    for (const Container *hContainer : hDevice->m_containers)
+        if (hContainer && std::strcmp(hContainer->m_label, label) == 0)
+            return true;
+    return false;
+}
+
+// Clears the container's slot. Only the slots below the count are searched. The record stays in
+// memory because readers without the lock may hold it.
 void dropContainer(Device *hDevice, const Container *hContainer) {
     const int count = hDevice->m_containerCount;
     for (int i = 0; i < count; ++i) {
@@ -34,11 +45,34 @@ void dropOtherKeypair(Device *hDevice, const char *label) {
     }
 }
 
-ULONG deleteOnToken(const Device *hDevice, Container *hContainer, const char *label) {
-    if (hContainer->m_hContainer)
+// Closes the container once, also if the deletion is repeated.
+void closeContainer(Container *hContainer) {
+    if (!hContainer->m_isClosed)
         SKF_CloseContainer(hContainer->m_hContainer);
+    hContainer->m_isClosed = true;
     hContainer->m_hContainer = nullptr;
-    return SKF_DeleteContainer(hDevice->m_hApp, skfInput(label));
+}
+
+// Deletes the pair with its container and returns the token's result. A pair left over from a
+// container that is gone deletes by name, or goes alone if the name is in use again. The caller's
+// handle keeps the record, and with it the label, alive.
+ULONG deletePair(Device *hDevice, Keypair *hKeypair) {
+    Container *hContainer = containerOf(hKeypair);
+    const char *label = hKeypair->m_label;
+    if (!hContainer && hasContainer(hDevice, label)) {
+        removeKeypair(hDevice, hKeypair);
+        return SAR_OK;
+    }
+    if (hContainer)
+        closeContainer(hContainer);
+    const ULONG rv = SKF_DeleteContainer(hDevice->m_hApp, skfInput(label));
+    if (rv == SAR_USER_NOT_LOGGED_IN)
+        return rv;
+    if (hContainer)
+        dropContainer(hDevice, hContainer);
+    removeKeypair(hDevice, hKeypair);
+    dropOtherKeypair(hDevice, label);
+    return rv;
 }
 
 } // namespace
@@ -46,26 +80,18 @@ ULONG deleteOnToken(const Device *hDevice, Container *hContainer, const char *la
 int DeviceDeleteKeypair(SPI_KEYPAIR_HANDLE hKeypair) {
     const call_stack_tracer tracer("DeviceDeleteKeypair");
     TRACE_INFO("SPI_KEYPAIR_HANDLE hKeypair = %p", static_cast<void *>(hKeypair));
-    if (!hKeypair) {
-        TRACE_ERROR("hKeypair == NULL");
-        return ORVEL_PKI_NULLHANDLE;
-    }
+    if (!hKeypair)
+        return finish({ORVEL_PKI_NULLHANDLE, "hKeypair == NULL"}, __func__);
+    if (!deviceOf(hKeypair)) // must not wait for the lock
+        return finish(DELETED_BEFORE, __func__);
 
     ProviderLock lock;
     Device *hDevice = deviceOf(hKeypair);
-    Container *hContainer = containerOf(hKeypair);
-    if (!hContainer) {
+    if (!hDevice) {
         lock.leave();
-        TRACE_ERROR("hKeypair->m_device == NULL");
-        return ORVEL_PKI_NULLHANDLE;
+        return finish(DELETED_BEFORE, __func__);
     }
-    const ULONG rv = deleteOnToken(hDevice, hContainer, hKeypair->m_label);
-    if (rv != SAR_USER_NOT_LOGGED_IN) {
-        // The caller's handle keeps its record, and with it the label, alive.
-        dropContainer(hDevice, hContainer);
-        removeKeypair(hDevice, hKeypair);
-        dropOtherKeypair(hDevice, hKeypair->m_label);
-    }
+    const ULONG rv = deletePair(hDevice, hKeypair);
     lock.leave();
     if (rv != SAR_OK)
         TRACE_ERROR("SKF_DeleteContainer fail, error = 0x%08x", rv);

@@ -2,10 +2,10 @@
 #include "keys/container_slot.h"
 #include "log/trace.h"
 #include "platform/memory.h"
-#include "platform/orvel_crypto.h"
 #include "provider/keypair_table.h"
 #include "provider/lock.h"
 #include "provider/outcome.h"
+#include "provider/public_key_cache.h"
 #include "provider/public_key_reader.h"
 
 #include <cstdlib>
@@ -46,7 +46,7 @@ int answerOf(ULONG rv, const char *call, const char *function) {
         return ORVEL_PKI_NOTLOGGEDIN;
     if (rv == SAR_OK)
         return ORVEL_PKI_SUCCESS;
-    // A debug line on purpose: a host retries after a refused generation.
+    // Only a debug line: hosts retry a refused generation.
     TEMBRA_TRACE(TraceLevel::debug, function, "%s fail, error = 0x%08X", call, rv);
     return ORVEL_PKI_FAILURE;
 }
@@ -79,7 +79,7 @@ int generateECC(const Container *hContainer, unsigned char **key, int *length,
     return ORVEL_PKI_FAILURE;
 }
 
-// Generates the key pair of a typed container and caches its public key. 1, 0, -8.
+// Generates the key pair of a typed container and caches its public key. Returns 1, 0 or -8.
 int GenerateKeypair(Container *hContainer) {
     unsigned char *key = nullptr;
     int length = 0;
@@ -92,10 +92,7 @@ int GenerateKeypair(Container *hContainer) {
         TRACE_ERROR("error container type");
     if (answer != ORVEL_PKI_SUCCESS)
         return answer;
-    if (hContainer->m_signPubKey)
-        OrvelPKICryptoFreeMemory(hContainer->m_signPubKey);
-    hContainer->m_signPubKey = key;
-    hContainer->m_signPubKeyLen = length;
+    replacePublicKey(hContainer, true, key, length);
     return ORVEL_PKI_SUCCESS;
 }
 
@@ -104,6 +101,8 @@ Outcome placeContainer(Device *hDevice, const char *label, int &position, Contai
     const ContainerChoice choice = getEmptyContainerIndex(hDevice, label);
     if (choice.result != ORVEL_PKI_SUCCESS)
         return {choice.result, nullptr};
+    if (isTableFull(hDevice))
+        return {ORVEL_PKI_FAILURE, TABLE_FULL};
     position = choice.position;
     hContainer = choice.hContainer;
     if (hContainer)
@@ -140,15 +139,13 @@ Outcome addKeypair(Device *hDevice, const Request &request, int position,
 Outcome generate(Device *hDevice, const Request &request, SPI_KEYPAIR_HANDLE *phKeypair) {
     if (hDevice->m_isformat == 0)
         return {ORVEL_PKI_FAILURE, "hDevice->m_isformat == 0"};
-    if (hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX)
-        return {ORVEL_PKI_FAILURE, "hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX"};
     int position = 0;
     Container *hContainer = nullptr;
     Outcome outcome = placeContainer(hDevice, request.label, position, hContainer);
     if (outcome.result != ORVEL_PKI_SUCCESS)
         return outcome;
 
-    // From here on the container stays, also when a check fails: the next attempt uses it.
+    // The container stays even if a check fails; the next attempt uses it.
     const bool isRsa = request.algo == ORVEL_PKI_ALGORITHM_RSA;
     if (!isRsa && request.algo != ORVEL_PKI_ALGORITHM_ECC)
         return CONTINUE; // hosts rely on this success without a key pair

@@ -1,33 +1,11 @@
-// Public key handles: snapshots of a key pair's public key, independent of the device.
+// Public key handles: copies of a key pair's public key, independent of the device.
 #include "log/trace.h"
 #include "platform/memory.h"
 #include "provider/buffer.h"
 #include "provider/keypair_table.h"
-#include "provider/lock.h"
-
-#include <cstdlib>
-#include <cstring>
+#include "provider/public_key_cache.h"
 
 using namespace tembra;
-
-namespace {
-
-// Copies the cached encoding; an import on another thread may replace it meanwhile. False when it
-// does not fit the record.
-bool copyEncoding(const Container *hContainer, int keytype, PublicKey *hPublicKey) {
-    const RecordLock lock;
-    const bool isSign = keytype == ORVEL_PKI_KEYPAIRTYPE_SIGNATURE;
-    const int length = isSign ? hContainer->m_signPubKeyLen : hContainer->m_encPubKeyLen;
-    const unsigned char *key = isSign ? hContainer->m_signPubKey : hContainer->m_encPubKey;
-    if (length < 0 || length > PUBLICKEY_LEN_MAX || (length > 0 && !key))
-        return false;
-    if (length > 0)
-        std::memcpy(hPublicKey->m_pubKey, key, static_cast<std::size_t>(length));
-    hPublicKey->m_pubKeyLen = length;
-    return true;
-}
-
-} // namespace
 
 SPI_PUBLICKEY_HANDLE DeviceGetPublicKeyFromKeypair(SPI_KEYPAIR_HANDLE hKeypair) {
     const call_stack_tracer tracer("DeviceGetPublicKeyFromKeypair");
@@ -49,14 +27,11 @@ SPI_PUBLICKEY_HANDLE DeviceGetPublicKeyFromKeypair(SPI_KEYPAIR_HANDLE hKeypair) 
         std::free(hPublicKey);
         return nullptr;
     }
-    const Container *hContainer = containerOf(hKeypair);
-    if (!hContainer) {
-        TRACE_ERROR("hKeypair->m_device == 0");
-        std::free(hPublicKey);
-        return nullptr;
-    }
-    if (!copyEncoding(hContainer, keytype, hPublicKey)) {
-        TRACE_ERROR("m_pubKeyLen > sizeof(hPublicKey->m_pubKey)");
+    Container *hContainer = containerOf(hKeypair);
+    const bool isSign = keytype == ORVEL_PKI_KEYPAIRTYPE_SIGNATURE;
+    if (const char *message = hContainer ? copyPublicKey(hContainer, isSign, hPublicKey)
+                                         : missingContainer(hKeypair)) {
+        TRACE_ERROR("%s", message);
         std::free(hPublicKey);
         return nullptr;
     }

@@ -1,14 +1,13 @@
 #include "provider/certificate_reader.h"
 
 #include "log/trace.h"
-#include "platform/memory.h"
+#include "provider/certificate_cache.h"
 
 #include <climits>
-#include <cstdlib>
 
 namespace tembra {
 
-int GetCertificate(HCONTAINER hCon, int bSignFlag, unsigned char **cert, int *certlen) {
+int GetCertificate(HCONTAINER hCon, int bSignFlag, Certificate **cert, int *certlen) {
     *cert = nullptr;
     ULONG length = 0;
     ULONG rv = SKF_ExportCertificate(hCon, bSignFlag, nullptr, &length);
@@ -17,20 +16,22 @@ int GetCertificate(HCONTAINER hCon, int bSignFlag, unsigned char **cert, int *ce
         return 0;
     }
     const ULONG announced = length;
-    void *bytes = announced <= INT_MAX ? allocateZeroed(announced) : nullptr;
-    if (!bytes) {
+    Certificate *certificate = announced <= INT_MAX ? allocateCertificate(announced) : nullptr;
+    if (!certificate) {
         TRACE_ERROR("*certblob == 0");
         return 0;
     }
-    auto *certblob = static_cast<unsigned char *>(bytes);
-    rv = SKF_ExportCertificate(hCon, bSignFlag, certblob, &length);
+    rv = SKF_ExportCertificate(hCon, bSignFlag, bytesOf(certificate), &length);
     if (rv != SAR_OK || length > announced) {
-        std::free(certblob);
-        TRACE_ERROR("SKF_ExportCertificate fail, error = 0x%08X", rv);
+        releaseCertificate(certificate);
+        if (rv != SAR_OK)
+            TRACE_ERROR("SKF_ExportCertificate fail, error = 0x%08X", rv);
+        else
+            TRACE_ERROR("SKF_ExportCertificate length %u > %u", length, announced);
         return 0;
     }
-    TRACE_HEX("*certblob[length:%d]: %s", certblob, static_cast<int>(length));
-    *cert = certblob;
+    TRACE_HEX("*certblob[length:%d]: %s", bytesOf(certificate), static_cast<int>(length));
+    *cert = certificate;
     *certlen = static_cast<int>(length);
     return 1;
 }

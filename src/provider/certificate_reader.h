@@ -1,13 +1,12 @@
-// Certificates (X.509, DER) from the token.
+// Certificates (X.509, DER) read from the token.
 #pragma once
 
-#include "platform/skf.h"
+#include "provider/records.h"
 
 namespace tembra {
 
-// Reads the signature (bSignFlag non-zero) or encryption certificate of a container. 1 with the
-// bytes, freed with std::free, and their number; 0 on failure, with *cert null and *certlen
-// untouched.
-int GetCertificate(HCONTAINER hCon, int bSignFlag, unsigned char **cert, int *certlen);
+// Reads the signature (bSignFlag non-zero) or encryption certificate of a container. Returns 1 and
+// stores the block with its length, or 0, storing null and leaving *certlen untouched.
+int GetCertificate(HCONTAINER hCon, int bSignFlag, Certificate **cert, int *certlen);
 
 } // namespace tembra

@@ -1,13 +1,14 @@
-// The lists of live hash and cipher records of a device: the same for both.
+// The lists of live hash and cipher records of a device.
 //
-// Threads may make and free handles of one device at the same time, and freeing takes no g_lock, so
-// the lists change under the RecordLock.
+// Records are appended under g_lock but removed without it, so the lists change under the
+// RecordLock. Blocks are allocated and freed outside it.
 #pragma once
 
 #include "platform/memory.h"
 #include "platform/skf.h"
 #include "provider/lock.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -25,27 +26,43 @@ void closeAndFree(Record *record) {
     std::free(record);
 }
 
-// Appends a record, growing the list by 64 slots when it is full. False when memory is short.
+// False if the list is full.
 template <typename Record>
-bool appendHandle(Record **&list, std::int32_t &allocCount, std::int32_t &count, Record *record) {
+bool appendIfRoom(Record **const &list, std::int32_t allocCount, std::int32_t &count,
+                  Record *record) {
     const RecordLock lock;
-    if (count == allocCount) {
-        const std::size_t slots = static_cast<std::size_t>(allocCount) + HANDLE_LIST_STEP;
-        auto **grown = static_cast<Record **>(allocateZeroed(slots * sizeof(Record *)));
-        if (!grown)
-            return false;
-        if (list)
-            std::memcpy(grown, list, static_cast<std::size_t>(count) * sizeof(Record *));
-        std::free(list);
-        list = grown;
-        allocCount += HANDLE_LIST_STEP;
-    }
+    if (count == allocCount)
+        return false;
     list[count++] = record;
     return true;
 }
 
-// Takes a record out of its list, the later ones move down; one that is not in it does nothing. The
-// list comes by reference, since until the lock is held another thread may put a grown one there.
+// Adds 64 slots. False if out of memory.
+template <typename Record>
+bool growList(Record **&list, std::int32_t &allocCount, const std::int32_t &count) {
+    const std::size_t slots = static_cast<std::size_t>(allocCount) + HANDLE_LIST_STEP;
+    auto **unused = static_cast<Record **>(allocateZeroed(slots * sizeof(Record *)));
+    if (!unused)
+        return false;
+    {
+        const RecordLock lock;
+        std::copy_n(list, count, unused);
+        std::swap(list, unused);
+        allocCount += HANDLE_LIST_STEP;
+    }
+    std::free(unused);
+    return true;
+}
+
+// Appends a record, growing a full list. False if out of memory. Requires g_lock.
+template <typename Record>
+bool appendHandle(Record **&list, std::int32_t &allocCount, std::int32_t &count, Record *record) {
+    return appendIfRoom(list, allocCount, count, record) ||
+           (growList(list, allocCount, count) && appendIfRoom(list, allocCount, count, record));
+}
+
+// Removes a record from its list, if it is there; later ones move down. The list is passed by
+// reference because another thread may replace it until the lock is held.
 template <typename Record>
 void removeHandle(Record **const &list, std::int32_t &count, const Record *record) {
     const RecordLock lock;
@@ -60,7 +77,7 @@ void removeHandle(Record **const &list, std::int32_t &count, const Record *recor
     }
 }
 
-// Destroys a list with the records in it, when their device is destroyed.
+// Destroys a list and its records together with their device.
 template <typename Record>
 void freeHandleList(Record **list, std::int32_t count) {
     for (std::int32_t i = 0; list && i < count; ++i)

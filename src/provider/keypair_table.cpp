@@ -6,8 +6,13 @@
 
 namespace tembra {
 
+bool isTableFull(const Device *hDevice) {
+    return hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX;
+}
+
 void registerKeypair(Device *hDevice, Keypair *hKeypair) {
     hKeypair->m_device = hDevice;
+    hKeypair->m_container = hDevice->m_containers[hKeypair->m_index];
     hDevice->m_keypairs[hDevice->m_keypairCount] = hKeypair;
     storeCount(hDevice->m_keypairCount, hDevice->m_keypairCount + 1);
     ++hDevice->m_refCount;
@@ -63,7 +68,14 @@ Container *containerOf(const Keypair *hKeypair) {
     const Device *hDevice = hKeypair->m_device;
     if (!hDevice || hKeypair->m_index < 0 || hKeypair->m_index >= CONTAINER_COUNT_MAX)
         return nullptr;
-    return hDevice->m_containers[hKeypair->m_index];
+    Container *hContainer = hDevice->m_containers[hKeypair->m_index];
+    return hContainer == hKeypair->m_container ? hContainer : nullptr;
+}
+
+const char *missingContainer(const Keypair *hKeypair) {
+    return deviceOf(hKeypair)
+               ? "hKeypair->m_device->m_containers[hKeypair->m_index] != hKeypair->m_container"
+               : "hKeypair->m_device == 0";
 }
 
 } // namespace tembra

@@ -1,11 +1,11 @@
-// The process-wide lock of the provider, and the lock inside the records.
+// The process-wide lock of the provider and the lock inside the records.
 #pragma once
 
 #include "platform/locks.h"
 
 namespace tembra {
 
-// Serialises discovery, reference counts and the token calls of most entry points. Made by
+// Serialises discovery, reference counts and the token calls of most entry points. Created by
 // DeviceInit, deleted by DeviceEnd.
 extern platform::CriticalSection g_lock;
 
@@ -29,9 +29,9 @@ private:
     bool m_held = true;
 };
 
-// Holds the lock inside the records for a block: what pointers and lists of a record are read or
-// replaced under, by entry points that must not take g_lock. The innermost lock: never log, call
-// out or take g_lock under it.
+// Holds the lock inside the records for a block. Protects the pointers and lists that entry points
+// read without g_lock. The innermost lock: under it, never log, call out, allocate, free, take
+// g_lock or touch the host's memory, since a host that survives a fault there would find it held.
 class RecordLock {
 public:
     RecordLock() { platform::enterInnermostLock(); }

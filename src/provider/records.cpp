@@ -1,6 +1,7 @@
 #include "provider/records.h"
 
 #include "platform/orvel_crypto.h"
+#include "provider/certificate_cache.h"
 #include "provider/handle_list.h"
 #include "provider/lock.h"
 
@@ -39,10 +40,10 @@ void freeContainer(Container *hContainer) {
     std::free(hContainer->m_label);
     if (hContainer->m_encPubKey)
         OrvelPKICryptoFreeMemory(hContainer->m_encPubKey);
-    std::free(hContainer->m_encCert);
+    releaseCertificate(hContainer->m_encCert);
     if (hContainer->m_signPubKey)
         OrvelPKICryptoFreeMemory(hContainer->m_signPubKey);
-    std::free(hContainer->m_signCert);
+    releaseCertificate(hContainer->m_signCert);
     std::free(hContainer);
 }
 

@@ -5,9 +5,10 @@
 // destroys it once only the references of its own key pair, hash and cipher records are left, so
 // hash and cipher handles do not keep their device alive.
 //
-// What protects what: m_refCount and the tables change under g_lock. Pointers that entry points
-// without g_lock read (container slots, m_device, cached keys and certificates, the hash and
-// cipher lists) are also replaced, and read there, under the RecordLock.
+// Locking: m_refCount and the tables change under g_lock. Pointers that entry points read without
+// g_lock (container slots, m_device, cached keys and certificates, the hash and cipher lists) are
+// also replaced and read under the RecordLock. The bytes of a cached key or certificate never
+// change; they are copied and freed outside it.
 #pragma once
 
 #include "platform/skf.h"
@@ -26,23 +27,31 @@ struct TembraDeviceSet {
     struct TembraDevice **m_handles;
 };
 
+// The bytes follow.
+struct TembraCertificate {
+    std::int32_t m_references; // counted under the RecordLock
+};
+
 struct TembraContainer {
     char *m_label;
     HCONTAINER m_hContainer;
+    bool m_isClosed;      // by a deletion that the token refused
     std::uint32_t m_type; // CONTAINER_TYPE_
     std::int32_t m_keybits;
     std::int32_t m_encPubKeyLen; // 0 without an encryption key pair
     unsigned char *m_encPubKey;  // host encoding, the host library's memory
     std::int32_t m_encCertLen;
-    unsigned char *m_encCert;
+    TembraCertificate *m_encCert; // null without a copy, whatever the length
     std::int32_t m_signPubKeyLen; // 0 without a signature key pair
     unsigned char *m_signPubKey;  // host encoding, the host library's memory
     std::int32_t m_signCertLen;
-    unsigned char *m_signCert;
+    TembraCertificate *m_signCert;
+    struct TembraPublicKey *m_keyReaders; // records that a cached key is being copied to
 };
 
 struct TembraKeypair {
     std::int32_t m_index;          // of the container in m_device->m_containers
+    TembraContainer *m_container;  // a later one may take its slot
     struct TembraDevice *m_device; // null once the key pair was deleted
     char *m_label;
     std::int32_t m_keytype; // ORVEL_PKI_KEYPAIRTYPE_
@@ -56,6 +65,8 @@ struct TembraPublicKey {
     std::int32_t m_keybits;
     unsigned char m_pubKey[PUBLICKEY_LEN_MAX]; // host encoding
     std::int32_t m_pubKeyLen;
+    unsigned char *m_source; // while it is being copied
+    TembraPublicKey *m_nextReader;
 };
 
 struct TembraHashContext {
@@ -96,6 +107,7 @@ namespace tembra {
 
 using DeviceSet = TembraDeviceSet;
 using Device = TembraDevice;
+using Certificate = TembraCertificate;
 using Container = TembraContainer;
 using Keypair = TembraKeypair;
 using PublicKey = TembraPublicKey;
@@ -106,14 +118,14 @@ using CipherContext = TembraCipherContext;
 std::int32_t loadCount(const std::int32_t &count);
 void storeCount(std::int32_t &count, std::int32_t value);
 
-// Destroys a device and everything it owns, closes its application and disconnects its token, also
-// for an unformatted device. Null does nothing.
+// Destroys a device and everything it owns, closes its application and disconnects its token. Null
+// does nothing.
 void freeDevice(Device *hDevice);
 
 // Closes and frees a container with its keys and certificates. Null does nothing.
 void freeContainer(Container *hContainer);
 
-// A slot of the container table; null where it is free or index is outside the table.
+// A slot of the container table; null if it is free or the index is out of range.
 Container *containerAt(const Device *hDevice, int index);
 void setContainerAt(Device *hDevice, int index, Container *hContainer);
 

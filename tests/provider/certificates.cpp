@@ -1,6 +1,11 @@
 // Certificates: served from memory, written through to the token.
 #include "scripted_test.h"
 
+#include <csetjmp>
+#include <csignal>
+#include <sys/mman.h>
+#include <unistd.h>
+
 namespace tembra::test {
 namespace {
 
@@ -62,6 +67,35 @@ TEST_F(Certificates, KeepTheOldOneWhenTheUpdateFails) {
     }
     EXPECT_EQ(script().SKF_ImportCertificate.calls(), calls) << "the token is not asked";
     EXPECT_EQ(certificateOf(handle), (Bytes{1, 2, 3}));
+}
+
+sigjmp_buf faulted;
+
+// A host that survives a fault in its own buffer goes on: no lock of the provider is left held.
+TEST_F(Certificates, FaultInTheHostsBufferLeavesNoLock) {
+    const KeptByContract kept; // the copy in use when the fault came
+    ContainerModel model = ecc("sm2", true, false);
+    model.signCertificate = {1, 2, 3};
+    insert({model});
+    SPI_KEYPAIR_HANDLE handle = pair("sm2", 2);
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    void *unreachable = mmap(nullptr, page, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(unreachable, MAP_FAILED);
+    struct sigaction survive = {}, before = {};
+    survive.sa_handler = [](int) { siglongjmp(faulted, 1); };
+    sigaction(SIGSEGV, &survive, &before);
+    if (sigsetjmp(faulted, 1) == 0) {
+        DeviceGetCertificate(handle, 0, static_cast<unsigned char *>(unreachable), 3, nullptr);
+        ADD_FAILURE() << "no fault";
+    }
+    sigaction(SIGSEGV, &before, nullptr);
+    munmap(unreachable, page);
+    alarm(60); // ends the program where the next call waits for the lock
+    EXPECT_EQ(certificateOf(handle), (Bytes{1, 2, 3}));
+    const unsigned char fresh[] = {7, 7};
+    EXPECT_EQ(DeviceUpdateCertificate(handle, fresh, 2), 1);
+    EXPECT_EQ(certificateOf(handle), (Bytes{7, 7}));
+    alarm(0);
 }
 
 } // namespace

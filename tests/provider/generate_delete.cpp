@@ -1,6 +1,11 @@
 // Generation and deletion of key pairs: which container is taken, what is left after a failure.
 #include "scripted_test.h"
 
+#include "provider/records.h"
+
+#include <chrono>
+#include <future>
+
 namespace tembra::test {
 namespace {
 
@@ -119,6 +124,39 @@ TEST_F(Generation, FullTablesAreRefused) {
     EXPECT_EQ(script().SKF_CreateContainer.calls(), 0);
 }
 
+TEST_F(Generation, SixtyFourPairsAreCountedOnceTheContainerIsChosen) {
+    ApplicationModel &application = addToken({});
+    for (int i = 0; i < 32; ++i)
+        application.containers.push_back(ecc("c" + std::to_string(i), true, true));
+    discover();
+    const Lines tooMany =
+        errors("DeviceGenerateKeypair", "hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX");
+    TembraContainer *last = m_device->m_containers[31];
+    enum class Slot { taken, free, keyless };
+    const struct {
+        Slot slot; // the last one
+        const char *label;
+        int algo, result;
+        Lines lines;
+    } cases[] = {
+        {Slot::taken, "c0", 4, -6, {}},
+        {Slot::taken, "x", 4, 0, errors("getEmptyContainerIndex", "pos >= CONTAINER_COUNT_MAX")},
+        {Slot::free, "c0", 4, -6, {}},
+        {Slot::free, "x", 4, 0, tooMany},
+        {Slot::free, "x", 2, 0, tooMany},
+        {Slot::keyless, "x", 4, 0, tooMany},
+        {Slot::keyless, "x", 2, 0, tooMany},
+    };
+    for (const auto &row : cases) {
+        m_device->m_containers[31] = row.slot == Slot::free ? nullptr : last;
+        last->m_type = row.slot == Slot::keyless ? CONTAINER_TYPE_EMPTY : CONTAINER_TYPE_ECC;
+        EXPECT_EQ(generate(row.label, row.algo), row.result);
+        EXPECT_EQ(trace().failures(), row.lines);
+        EXPECT_THAT(callsSinceMark(), IsEmpty());
+    }
+    m_device->m_containers[31] = last;
+}
+
 TEST_F(Generation, NeedsAnApplication) {
     script().memory.addDevice("blank");
     discover();
@@ -172,6 +210,40 @@ TEST_F(Deletion, OnlyARefusalForLackOfLoginKeepsThePairs) {
         EXPECT_EQ(DeviceDeleteKeypair(deleted), at.pairsLeft > 0 ? 1 : -2);
         EXPECT_EQ(DeviceFreeKeypair(deleted), 1);
     }
+    keepsHandlesOpen();
+}
+
+// A slow token on another thread does not hold up the refusal.
+TEST_F(Deletion, DeletedPairsAreRefusedWithoutTheLock) {
+    const KeptByContract kept;
+    insert({ecc("sm2", true, false)});
+    SPI_KEYPAIR_HANDLE deleted = DeviceGetKeypair(m_device, 0);
+    ASSERT_EQ(DeviceDeleteKeypair(deleted), 1);
+    std::future<int> result;
+    script().SKF_EnumDev.run([&](auto, auto, auto) { // called under the provider's lock
+        result = std::async(std::launch::async, DeviceDeleteKeypair, deleted);
+        EXPECT_EQ(result.wait_for(std::chrono::seconds(5)), std::future_status::ready);
+        return SAR_FAIL;
+    });
+    DeviceFreeDevices(DeviceGetAllDevices());
+    EXPECT_EQ(result.get(), -2);
+    EXPECT_TRUE(trace().contains(error("DeviceDeleteKeypair", "hKeypair->m_device == NULL")));
+    DeviceFreeKeypair(deleted);
+    keepsHandlesOpen();
+}
+
+TEST_F(Deletion, ClosesAContainerWhoseHandleIsZero) {
+    const KeptByContract kept;
+    insert({ecc("sm2", true, false)});
+    HCONTAINER real = std::exchange(m_device->m_containers[0]->m_hContainer, nullptr);
+    script().SKF_CloseContainer.run([real](HCONTAINER container) {
+        return script().SKF_CloseContainer.usual(container == nullptr ? real : container);
+    });
+    SPI_KEYPAIR_HANDLE handle = DeviceGetKeypair(m_device, 0);
+    mark();
+    EXPECT_EQ(DeviceDeleteKeypair(handle), 1);
+    EXPECT_THAT(callsSinceMark(), ElementsAre("SKF_CloseContainer", "SKF_DeleteContainer"));
+    DeviceFreeKeypair(handle);
     keepsHandlesOpen();
 }
 

@@ -94,16 +94,27 @@ TEST_F(ImportEnveloped, SignatureKeyThatCannotBeCompared) {
     EXPECT_EQ(import(Sm2Envelope().blob(), "unsigned"), 0);
     EXPECT_EQ(trace().failures(),
               errors("importSM2KeyPair", "OrvelPKICryptoDecodeECCPubKey fail, error = 0"));
-    // Coordinates that are not 32 bytes long differ.
-    script().OrvelPKICryptoDecodeECCPubKey.run(
-        [](auto key, auto size, auto curve, auto x, auto xLen, auto y, int *yLen) {
+    // Coordinates of less than 32 bytes differ; of longer ones the first 32 bytes count.
+    const struct {
+        int xLen, yLen;
+        const char *message;
+    } cases[] = {{31, 32, "memcmp(x, &keyblob[pos], 32) != 0"},
+                 {32, 31, "memcmp(y, &keyblob[pos], 32) != 0"},
+                 {32, -1, "memcmp(y, &keyblob[pos], 32) != 0"},
+                 {33, 32, nullptr},
+                 {32, 64, nullptr}};
+    for (const auto &row : cases) {
+        script().OrvelPKICryptoDecodeECCPubKey.run([&row](auto key, auto size, auto curve, auto x,
+                                                          int *xLen, auto y, int *yLen) {
             const int result =
                 script().OrvelPKICryptoDecodeECCPubKey.usual(key, size, curve, x, xLen, y, yLen);
-            *yLen = 31;
+            *xLen = row.xLen;
+            *yLen = row.yLen;
             return result;
         });
-    EXPECT_EQ(import(Sm2Envelope().blob()), 0);
-    EXPECT_EQ(trace().failures(), errors("importSM2KeyPair", "memcmp(y, &keyblob[pos], 32) != 0"));
+        EXPECT_EQ(import(Sm2Envelope().blob()), row.message == nullptr);
+        EXPECT_EQ(trace().failures(), errors("importSM2KeyPair", row.message));
+    }
 }
 
 TEST_F(ImportEnveloped, CachedKeyIsReplacedOnlyByTheNewOne) {
@@ -127,31 +138,45 @@ TEST_F(ImportEnveloped, CachedKeyIsReplacedOnlyByTheNewOne) {
 }
 
 TEST_F(ImportEnveloped, EveryImportAddsARecordUpTo64) {
-    insert({ecc("c", true, false), ecc("other", false, false)});
+    insert({ecc("c", true, false), rsa("r", 1024, true, false)});
     const int before = referencesAfterRelease();
-    for (int count = 2; count <= 64; ++count) {
+    for (int count = 3; count <= 64; ++count) {
         ASSERT_EQ(import(Sm2Envelope().blob()), 1);
         ASSERT_EQ(DeviceGetKeypairCount(m_device), count);
-        ASSERT_EQ(referencesAfterRelease(), before + 2 * (count - 1));
+        ASSERT_EQ(referencesAfterRelease(), before + 2 * (count - 2));
     }
     SPI_KEYPAIR_HANDLE last = m_imported.back();
     EXPECT_EQ(DeviceGetKeypairType(last), ORVEL_PKI_KEYPAIRTYPE_ENCRYPT);
     EXPECT_EQ(DeviceGetKeypairAlgorithm(last), ORVEL_PKI_ALGORITHM_ECC);
     EXPECT_EQ(DeviceGetKeypairBits(last), 256);
-    for (const Bytes &blob : {Sm2Envelope().blob(), plainSm2(Bytes(32, 1))}) {
-        EXPECT_EQ(import(blob), 0);
-        EXPECT_EQ(trace().failures(),
-                  errors("DeviceImportKeypair", "hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX"));
-        EXPECT_THAT(callsSinceMark(), IsEmpty());
+    // The checks of the blob come first, the token is not asked to import.
+    allowPlainRsa(1024);
+    Bytes otherVersion = Sm2Envelope().blob();
+    putNumber(otherVersion, 8, 2);
+    Sm2Envelope shortKey;
+    shortKey.privateKey.resize(31);
+    const Lines tooMany =
+        errors("DeviceImportKeypair", "hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX");
+    const struct {
+        const char *label;
+        Bytes blob;
+        Lines lines;
+    } cases[] = {
+        {"c", Sm2Envelope().blob(), tooMany},
+        {"r", RsaEnvelope().blob(), tooMany},
+        {"c", plainSm2(Bytes(32, 1)), tooMany},
+        {"r", plainRsa(1024, Bytes(600, 1)), tooMany},
+        {"c", otherVersion, errors("DeviceImportKeypair", "version != 1")},
+        {"c", shortKey.blob(), errors("importSM2KeyPair", "len < 32 || len>64")},
+        {"c", plainSm2({}), errors("DeviceImportKeypair", "EncKeyPairBlob()==0")},
+    };
+    const int imports = script().SKF_ImportECCKeyPair.calls();
+    for (const auto &row : cases) {
+        EXPECT_EQ(import(row.blob, row.label), 0);
+        EXPECT_EQ(trace().failures(), row.lines);
     }
-    mark();
-    const TembraEccParam sm2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
-    EXPECT_EQ(DeviceGenerateKeypair(m_device, ORVEL_PKI_ALGORITHM_ECC, 256, &sm2,
-                                    ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, "one more", &last),
-              0);
-    EXPECT_EQ(trace().failures(),
-              errors("DeviceGenerateKeypair", "hDevice->m_keypairCount >= KEYPAIR_COUNT_MAX"));
-    EXPECT_THAT(callsSinceMark(), IsEmpty());
+    EXPECT_EQ(script().SKF_ImportECCKeyPair.calls(), imports);
+    EXPECT_EQ(script().SKF_ImportRSAKeyPair.calls(), 0);
 }
 
 TEST_F(ImportEnveloped, DeletedContainersAreNotFound) {

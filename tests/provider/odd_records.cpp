@@ -7,6 +7,9 @@
 namespace tembra::test {
 namespace {
 
+constexpr const char *CONTAINER_GONE =
+    "hKeypair->m_device->m_containers[hKeypair->m_index] != hKeypair->m_container";
+
 class OddRecords : public ScriptedTest {
 protected:
     void SetUp() override {
@@ -72,13 +75,46 @@ TEST_F(OddRecords, ContainerGone) {
         TembraContainer *container = m_device->m_containers[0];
         m_device->m_containers[0] = nullptr;
         EXPECT_EQ(sign(), 0);
+        EXPECT_EQ(trace().failures(), errors("DeviceSign", CONTAINER_GONE));
         EXPECT_EQ(decrypt(), 0);
+        EXPECT_EQ(trace().failures(), errors("DevicePrivateKeyDecrypt", CONTAINER_GONE));
+        mark();
         EXPECT_EQ(DeviceGetPublicKeyFromKeypair(m_signer), nullptr);
+        EXPECT_EQ(trace().failures(), errors("DeviceGetPublicKeyFromKeypair", CONTAINER_GONE));
         EXPECT_EQ(DeviceGetCertificateCount(m_signer), -1);
         EXPECT_EQ(DeviceGetCertificate(m_signer, 0, m_bytes, 10, &m_length), -2);
         EXPECT_EQ(DeviceUpdateCertificate(m_signer, m_bytes, 10), -2);
-        EXPECT_EQ(DeviceDeleteKeypair(m_signer), -2);
         m_device->m_containers[0] = container;
+    }
+}
+
+// Memory ran out for the copy of a certificate that the token has taken: its length is known.
+TEST_F(OddRecords, CertificateWithoutItsCopy) {
+    TembraContainer *container = m_device->m_containers[0];
+    const unsigned char certificate[] = {1, 2, 3};
+    const struct {
+        int type;
+        const char *message;
+    } cases[] = {{2, "hKeypair->m_device->m_containers[hKeypair->m_index]->m_signCert == 0"},
+                 {1, "hKeypair->m_device->m_containers[hKeypair->m_index]->m_encCert == 0"}};
+    for (const auto &row : cases) {
+        SPI_KEYPAIR_HANDLE handle = pair("c", row.type);
+        ASSERT_EQ(DeviceUpdateCertificate(handle, certificate, 3), 1);
+        auto *&slot = row.type == 2 ? container->m_signCert : container->m_encCert;
+        auto *copy = std::exchange(slot, nullptr);
+        EXPECT_EQ(DeviceGetCertificateCount(handle), 1);
+        for (const auto &[buffer, size, result] :
+             {std::tuple(static_cast<unsigned char *>(nullptr), 0, 1),
+              {m_bytes, 2, -4},
+              {m_bytes, 3, 0}}) {
+            m_length = 77;
+            mark();
+            EXPECT_EQ(DeviceGetCertificate(handle, 0, buffer, size, &m_length), result);
+            EXPECT_EQ(m_length, 3);
+            EXPECT_EQ(trace().failures(),
+                      errors("DeviceGetCertificate", result == 0 ? row.message : nullptr));
+        }
+        slot = copy;
     }
 }
 
