@@ -69,35 +69,6 @@ struct Outcome {
     bool holdsLock = false; // by contract
 };
 
-// A device whose pair was deleted stays, and the record of that pair's container: everything they
-// own, and nothing else.
-std::set<void *> blocksOf(const Session::Kept &kept) {
-    std::set<TembraContainer *> containers(std::begin(kept.device->m_containers),
-                                           std::end(kept.device->m_containers));
-    containers.insert(kept.container);
-    containers.erase(nullptr);
-    std::set<void *> blocks = {kept.device, kept.device->m_serialNumber};
-    for (int i = 0; i < kept.device->m_keypairCount; ++i)
-        blocks.insert({kept.device->m_keypairs[i], kept.device->m_keypairs[i]->m_label});
-    for (TembraContainer *container : containers) {
-        blocks.insert({container, container->m_label, container->m_signCert, container->m_encCert});
-        for (void *key : {container->m_signPubKey, container->m_encPubKey})
-            if (key != nullptr)
-                OrvelPKICryptoFreeMemory(key);
-    }
-    blocks.erase(nullptr);
-    return blocks;
-}
-
-void freeKept() {
-    for (void *block : blocksOf(Session::kept()))
-        ProviderAllocator::discard(block);
-    for (HandleModel &handle : script().memory.handles) {
-        handle.open =
-            handle.open && (handle.kind == HandleKind::key || handle.kind == HandleKind::digest);
-    }
-}
-
 // Of tokens and applications for which no record could be made, and the key of a device
 // authentication whose cipher could not be started.
 int openByContract(const Outcome &outcome, std::size_t devices) {
@@ -205,8 +176,7 @@ private:
     }
 
     void wantNothingLost() {
-        if (Session::kept().device != nullptr)
-            freeKept();
+        Session::freeKept();
         EXPECT_EQ(ProviderAllocator::live(), 0u) << "blocks of the provider lost";
         EXPECT_LE(script().memory.open(), openByContract(m_outcome, m_devices)) << "handles lost";
         EXPECT_EQ(script().host.blocks.size(), 0u) << "memory of the host library lost";
@@ -347,6 +317,37 @@ TEST_F(FaultLoops, OnlyALostCopyOfACertificateLeavesTheLockHeld) {
         });
     for (unsigned n = 1; !m_outcome.holdsLock; ++n)
         ASSERT_NE(run(scenario, {}, n, false).refused, 0u) << "the path was not met";
+}
+
+// The result of the token's call decides, not the value of the handle.
+TEST_F(FaultLoops, HandlesOfZeroAreClosedWhenMemoryRunsOut) {
+    resetScript();
+    trace().setLevel("0");
+    scenarios().front().insert();
+    ASSERT_EQ(DeviceInit(), 1);
+    SPI_DEVICESET_HANDLE set = DeviceGetAllDevices();
+    SPI_DEVICE_HANDLE device = set->m_handles[0];
+    const Bytes key(16);
+    script().SKF_DigestInit.run([](auto, auto, auto, auto, auto, HANDLE *handle) {
+        *handle = nullptr;
+        return SAR_OK;
+    });
+    script().SKF_SetSymmKey.run([](auto, auto, auto, HANDLE *handle) {
+        *handle = nullptr;
+        return SAR_OK;
+    });
+    ProviderAllocator::failAt(2); // the list's first slots
+    EXPECT_EQ(DeviceNewHash(device, ORVEL_PKI_ALGORITHM_SM3), nullptr);
+    EXPECT_EQ(script().SKF_CloseHandle.calls(), 1);
+    for (const unsigned n : {1u, 2u}) { // the record, the list's first slots
+        ProviderAllocator::failAt(n);
+        EXPECT_EQ(DeviceNewCipher(device, 1, ORVEL_PKI_ALGORITHM_SMS4_ECB, key.data(), 16, nullptr),
+                  nullptr);
+        EXPECT_EQ(script().SKF_CloseHandle.calls(), 1 + static_cast<int>(n));
+    }
+    ProviderAllocator::failAt(0);
+    DeviceFreeDevices(set);
+    DeviceEnd();
 }
 
 class PrintFigures : public ::testing::Environment {

@@ -1,10 +1,47 @@
 #include "session.h"
 
+#include "../support/provider_allocator.h"
+
+#include <iterator>
+
 namespace tembra::test {
+namespace {
+
+// Everything that the device and the record of its deleted container own, and nothing else.
+std::set<void *> blocksOf(const Session::Kept &kept) {
+    std::set<TembraContainer *> containers(std::begin(kept.device->m_containers),
+                                           std::end(kept.device->m_containers));
+    containers.insert(kept.container);
+    containers.erase(nullptr);
+    std::set<void *> blocks = {kept.device, kept.device->m_serialNumber};
+    for (int i = 0; i < kept.device->m_keypairCount; ++i)
+        blocks.insert({kept.device->m_keypairs[i], kept.device->m_keypairs[i]->m_label});
+    for (TembraContainer *container : containers) {
+        blocks.insert({container, container->m_label, container->m_signCert, container->m_encCert});
+        for (void *key : {container->m_signPubKey, container->m_encPubKey})
+            if (key != nullptr)
+                OrvelPKICryptoFreeMemory(key);
+    }
+    blocks.erase(nullptr);
+    return blocks;
+}
+
+} // namespace
 
 Session::Kept &Session::kept() {
     static Kept kept;
     return kept;
+}
+
+void Session::freeKept() {
+    if (kept().device == nullptr)
+        return;
+    for (void *block : blocksOf(kept()))
+        ProviderAllocator::discard(block);
+    for (HandleModel &handle : script().memory.handles) {
+        handle.open =
+            handle.open && (handle.kind == HandleKind::key || handle.kind == HandleKind::digest);
+    }
 }
 
 void Session::did(const std::string &entry, int result) {

@@ -64,6 +64,7 @@ public:
     };
     // Outlives the session.
     static Kept &kept();
+    static void freeKept();
 
 private:
     std::vector<Step> m_steps;

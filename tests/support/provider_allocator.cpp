@@ -15,6 +15,7 @@ struct State {
     std::mutex mutex;
     std::unordered_map<void *, std::size_t> blocks;
     ProviderAllocator::Observer observer;
+    std::function<void()> callObserver;
     unsigned asked = 0;
     unsigned refused = 0;
     unsigned failAt = 0;
@@ -31,6 +32,8 @@ State &state() {
 // From operator new, since malloc is what is wrapped.
 void *allocate(std::size_t size) {
     State &at = state();
+    if (at.callObserver)
+        at.callObserver();
     const std::lock_guard guard(at.mutex);
     ++at.asked;
     if (at.failAt != 0 && (at.everAfter ? at.asked >= at.failAt : at.asked == at.failAt)) {
@@ -51,6 +54,8 @@ void release(void *block) {
     if (block == nullptr)
         return;
     State &at = state();
+    if (at.callObserver)
+        at.callObserver();
     const std::lock_guard guard(at.mutex);
     const auto found = at.blocks.find(block);
     if (found == at.blocks.end()) {
@@ -97,6 +102,10 @@ std::size_t ProviderAllocator::live() {
 void ProviderAllocator::observeFrees(Observer observer) {
     const std::lock_guard guard(state().mutex);
     state().observer = std::move(observer);
+}
+
+void ProviderAllocator::observeCalls(std::function<void()> observer) {
+    state().callObserver = std::move(observer);
 }
 
 void ProviderAllocator::discard(void *block) {

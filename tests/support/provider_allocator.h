@@ -24,6 +24,10 @@ struct ProviderAllocator {
     // Is shown every block as it is when the provider frees it; an empty function ends that.
     using Observer = std::function<void(const unsigned char *block, std::size_t size)>;
     static void observeFrees(Observer observer);
+    // Is called before every allocation and every release; an empty function ends that. To be set
+    // while the provider is idle.
+    static void observeCalls(std::function<void()> observer);
+
     // Frees a block that the provider holds and will not look at again.
     static void discard(void *block);
 };

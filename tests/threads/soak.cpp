@@ -1,6 +1,7 @@
 // Everything that hosts may do at once, done at once: threads that discover, look up, sign,
 // decrypt, hash, encipher, generate, delete and free over shared devices, the whole of it traced to
 // one file, and what the token is asked to another.
+#include "crypto/key_pair_blob.h"
 #include "kit_test.h"
 #include "leaks.h"
 #include "tembra_devkit_faults.h"
@@ -20,6 +21,7 @@ namespace tembra::test {
 namespace {
 
 constexpr const char *LABEL = "steady";
+constexpr const char *CERTIFIED = "certified";
 constexpr int SM3 = ORVEL_PKI_ALGORITHM_SM3;
 
 // What the threads have done, to be found again in the trace.
@@ -51,10 +53,13 @@ public:
         KitTest::SetUp();
         logIn();
         SPI_KEYPAIR_HANDLE pair = generate(LABEL, ORVEL_PKI_ALGORITHM_ECC, 256);
+        m_keySize = exportedKey(pair).size();
         cipher = encrypted(pair, ORVEL_PKI_ALGORITHM_SM2_ENC, &SM3, plain);
         SPI_HASH_HANDLE hash = DeviceNewHash(m_device, SM3);
         digest = hashed(hash);
         EXPECT_EQ(DeviceFreeHash(hash), 1);
+        generate(CERTIFIED, ORVEL_PKI_ALGORITHM_ECC, 256);
+        importOnce();
         const char mode[] = {3, 0, 3};
         ASSERT_EQ(DeviceCreateData(m_device, 7, mode, 64), 1);
     }
@@ -169,6 +174,55 @@ public:
         EXPECT_EQ(DeviceFreeKeypair(pair), 1); // and with it the device
     }
 
+    // Replaces the encryption key that readOnce() exports.
+    void importOnce() {
+        const auto blob = crypto::encodeKeyPairBlob(crypto::generateSm2KeyPair());
+        SPI_KEYPAIR_HANDLE pair = nullptr;
+        const auto import = [&] {
+            return DeviceImportKeypair(m_device, blob.data(), static_cast<int>(blob.size()),
+                                       ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, CERTIFIED, &pair);
+        };
+        ASSERT_EQ(loggedIn(m_device, import), 1);
+        EXPECT_EQ(DeviceFreeKeypair(pair), 1);
+    }
+
+    // A certificate of 100 or 300 equal bytes; readers never see one half replaced.
+    void certifyOnce() {
+        static std::atomic<unsigned> serial = 0;
+        const unsigned number = ++serial;
+        SPI_KEYPAIR_HANDLE pair = nullptr;
+        ASSERT_EQ(DeviceFindKeypair(m_device, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, CERTIFIED, &pair),
+                  1);
+        for (unsigned i = 0; i < 10; ++i) {
+            const Bytes certificate(i % 2 == 0 ? 100 : 300, static_cast<unsigned char>(number + i));
+            const int size = static_cast<int>(certificate.size());
+            const auto update = [&] {
+                return DeviceUpdateCertificate(pair, certificate.data(), size);
+            };
+            EXPECT_EQ(loggedIn(m_device, update), 1);
+        }
+        EXPECT_EQ(DeviceFreeKeypair(pair), 1);
+    }
+
+    void readOnce() {
+        SPI_KEYPAIR_HANDLE pair = nullptr;
+        ASSERT_EQ(DeviceFindKeypair(m_device, ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, CERTIFIED, &pair), 1);
+        for (int i = 0; i < 50; ++i)
+            EXPECT_EQ(exportedKey(pair).size(), m_keySize);
+        EXPECT_EQ(DeviceFreeKeypair(pair), 1);
+        ASSERT_EQ(DeviceFindKeypair(m_device, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, CERTIFIED, &pair),
+                  1);
+        for (int i = 0; i < 100 && DeviceGetCertificateCount(pair) == 1; ++i) {
+            Bytes certificate(300);
+            int length = 0;
+            EXPECT_EQ(DeviceGetCertificate(pair, 0, certificate.data(), 300, &length), 1);
+            ASSERT_TRUE(length == 100 || length == 300) << length;
+            certificate.resize(static_cast<std::size_t>(length));
+            EXPECT_EQ(certificate, Bytes(certificate.size(), certificate[0]));
+        }
+        EXPECT_EQ(DeviceFreeKeypair(pair), 1);
+    }
+
     // On a device of its own, which a deletion keeps for good.
     void generateOnce() {
         const KeptByContract keptByContract;
@@ -199,6 +253,7 @@ public:
 
     const Bytes plain = {'s', 'o', 'a', 'k'};
     Bytes cipher, digest;
+    std::size_t m_keySize = 0; // of an exported SM2 key
     Counts counts;
     std::uintmax_t traceStart = 0;
 };
@@ -282,12 +337,15 @@ TEST_F(Soak, SharedDevicesSurviveEverythingAtOnce) {
          {"discover", &Soak::discoverOnce},
          {"discover too", &Soak::discoverOnce},
          {"generate and delete", &Soak::generateOnce},
+         {"certify", &Soak::certifyOnce},
+         {"import", &Soak::importOnce},
+         {"read keys and certificates", &Soak::readOnce},
          {"hold", &Soak::holdOnce}},
         rounds);
     expectWholeJournal(journal);
     TembraSoftTokenSetJournal(nullptr);
     expectWholeTrace();
-    EXPECT_EQ(DeviceGetKeypairCount(m_device), 1);
+    EXPECT_EQ(DeviceGetKeypairCount(m_device), 3 + rounds);
     const Holdings after = holdings() - before;
     EXPECT_EQ(after.handles, (rounds + 1) * kept.handles);
     EXPECT_EQ(after.blocks, (rounds + 1) * kept.blocks);
