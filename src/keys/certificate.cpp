@@ -17,6 +17,15 @@ bool isSignature(const Keypair *hKeypair) {
     return hKeypair->m_keytype == ORVEL_PKI_KEYPAIRTYPE_SIGNATURE;
 }
 
+int importRefused(ULONG rv, const char *function) {
+    if (rv == SAR_USER_NOT_LOGGED_IN) {
+        TEMBRA_TRACE(TraceLevel::warning, function, "rv == SAR_USER_NOT_LOGGED_IN");
+        return ORVEL_PKI_NOTLOGGEDIN;
+    }
+    TEMBRA_TRACE(TraceLevel::error, function, "SKF_ImportCertificate fail, error = 0x%08X", rv);
+    return ORVEL_PKI_FAILURE;
+}
+
 // Caches the length even if memory runs out for the copy: the token has the new certificate.
 bool cacheCopy(Container *hContainer, bool isSign, const unsigned char *certblob, int certbloblen) {
     const std::size_t length = static_cast<std::size_t>(certbloblen);
@@ -95,15 +104,9 @@ int DeviceUpdateCertificate(SPI_KEYPAIR_HANDLE hKeypair, const unsigned char *ce
     const bool isSign = isSignature(hKeypair);
     const ULONG rv = SKF_ImportCertificate(hContainer->m_hContainer, isSign, skfInput(certblob),
                                            static_cast<ULONG>(certbloblen));
-    if (rv == SAR_USER_NOT_LOGGED_IN) {
-        lock.leave();
-        TRACE_WARN("rv == SAR_USER_NOT_LOGGED_IN");
-        return ORVEL_PKI_NOTLOGGEDIN;
-    }
     if (rv != SAR_OK) {
         lock.leave();
-        TRACE_ERROR("SKF_ImportCertificate fail, error = 0x%08X", rv);
-        return ORVEL_PKI_FAILURE;
+        return importRefused(rv, __func__);
     }
     if (cacheCopy(hContainer, isSign, certblob, certbloblen))
         return ORVEL_PKI_SUCCESS;

@@ -41,7 +41,7 @@ Outcome checkAlgorithm(const Request &request) {
     return CONTINUE;
 }
 
-int answerOf(ULONG rv, const char *call, const char *function) {
+int resultOf(ULONG rv, const char *call, const char *function) {
     if (rv == SAR_USER_NOT_LOGGED_IN)
         return ORVEL_PKI_NOTLOGGEDIN;
     if (rv == SAR_OK)
@@ -56,9 +56,9 @@ int generateRSA(const Container *hContainer, unsigned char **key, int *length,
     RSAPUBLICKEYBLOB blob = {};
     const ULONG rv = SKF_GenRSAKeyPair(hContainer->m_hContainer,
                                        static_cast<ULONG>(hContainer->m_keybits), &blob);
-    const int answer = answerOf(rv, "SKF_GenRSAKeyPair", function);
-    if (answer != ORVEL_PKI_SUCCESS || encodeRSAPublicKey(blob, key, length) == 1)
-        return answer;
+    const int result = resultOf(rv, "SKF_GenRSAKeyPair", function);
+    if (result != ORVEL_PKI_SUCCESS || encodeRSAPublicKey(blob, key, length) == 1)
+        return result;
     TEMBRA_TRACE(TraceLevel::warning, function, "OrvelPKICryptoEncodeRSAPubKey fail, error = %d",
                  0);
     return ORVEL_PKI_FAILURE;
@@ -68,14 +68,14 @@ int generateECC(const Container *hContainer, unsigned char **key, int *length,
                 const char *function) {
     ECCPUBLICKEYBLOB blob = {};
     const ULONG rv = SKF_GenECCKeyPair(hContainer->m_hContainer, SGD_SM2_1, &blob);
-    const int answer = answerOf(rv, "SKF_GenECCKeyPair", function);
-    if (answer != ORVEL_PKI_SUCCESS)
-        return answer;
-    const int result = encodeECCPublicKey(blob, key, length);
-    if (result == 1)
+    const int result = resultOf(rv, "SKF_GenECCKeyPair", function);
+    if (result != ORVEL_PKI_SUCCESS)
+        return result;
+    const int encoded = encodeECCPublicKey(blob, key, length);
+    if (encoded == 1)
         return ORVEL_PKI_SUCCESS;
     TEMBRA_TRACE(TraceLevel::warning, function, "OrvelPKICryptoEncodeECCPubKey fail, error = %d",
-                 result);
+                 encoded);
     return ORVEL_PKI_FAILURE;
 }
 
@@ -83,20 +83,20 @@ int generateECC(const Container *hContainer, unsigned char **key, int *length,
 int GenerateKeypair(Container *hContainer) {
     unsigned char *key = nullptr;
     int length = 0;
-    int answer = ORVEL_PKI_FAILURE;
+    int result = ORVEL_PKI_FAILURE;
     if (hContainer->m_type == CONTAINER_TYPE_RSA)
-        answer = generateRSA(hContainer, &key, &length, __func__);
+        result = generateRSA(hContainer, &key, &length, __func__);
     else if (hContainer->m_type == CONTAINER_TYPE_ECC)
-        answer = generateECC(hContainer, &key, &length, __func__);
+        result = generateECC(hContainer, &key, &length, __func__);
     else
         TRACE_ERROR("error container type");
-    if (answer != ORVEL_PKI_SUCCESS)
-        return answer;
+    if (result != ORVEL_PKI_SUCCESS)
+        return result;
     replacePublicKey(hContainer, true, key, length);
     return ORVEL_PKI_SUCCESS;
 }
 
-// The container for the new key pair, in its slot of the table.
+// Chooses or creates the container for the new key pair and stores it in the table.
 Outcome placeContainer(Device *hDevice, const char *label, int &position, Container *&hContainer) {
     const ContainerChoice choice = getEmptyContainerIndex(hDevice, label);
     if (choice.result != ORVEL_PKI_SUCCESS)
@@ -135,7 +135,7 @@ Outcome addKeypair(Device *hDevice, const Request &request, int position,
     return CONTINUE;
 }
 
-// Everything that happens under the lock.
+// The part that requires the lock.
 Outcome generate(Device *hDevice, const Request &request, SPI_KEYPAIR_HANDLE *phKeypair) {
     if (hDevice->m_isformat == 0)
         return {ORVEL_PKI_FAILURE, "hDevice->m_isformat == 0"};

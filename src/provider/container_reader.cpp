@@ -18,7 +18,7 @@ void readRsaKeys(Container *c) {
                                             &c->m_signPubKeyLen, &c->m_keybits) == 1;
     if (hasSignKey)
         GetCertificate(c->m_hContainer, SIGN_KEY, &c->m_signCert, &c->m_signCertLen);
-    // The size is the signature key's; without one, the encryption key's.
+    // The size is that of the signature key or, without one, of the encryption key.
     if (GetRSAPublicKey(c->m_hContainer, ENC_KEY, &c->m_encPubKey, &c->m_encPubKeyLen,
                         hasSignKey ? nullptr : &c->m_keybits) == 1)
         GetCertificate(c->m_hContainer, ENC_KEY, &c->m_encCert, &c->m_encCertLen);
@@ -48,7 +48,7 @@ Container *getContainer(HAPPLICATION hApp, const char *name) {
     }
     ULONG rv = SKF_OpenContainer(hApp, skfInput(name), &hContainer->m_hContainer);
     if (rv != SAR_OK) {
-        hContainer->m_hContainer = nullptr; // whatever a refusing token left there
+        hContainer->m_hContainer = nullptr; // a refusing token may have stored something
         freeContainer(hContainer);
         TRACE_ERROR("SKF_OpenContainer fail, error = 0x%08X", rv);
         return nullptr;

@@ -1,4 +1,4 @@
-// Building the record of one device: its token, its application, its containers, its key pairs.
+// Builds the record of one device: its token, application, containers and key pairs.
 #include "log/trace.h"
 #include "platform/memory.h"
 #include "platform/skf_arguments.h"
@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t SERIAL_CAPACITY = 64;
 static_assert(sizeof(DEVINFO::SerialNumber) < SERIAL_CAPACITY);
 
-// What both kinds of device have. False when memory was short for the serial number.
+// Fills in what both kinds of device have. False if out of memory for the serial number.
 bool fillToken(Device *hDevice, DEVHANDLE hDev, const DEVINFO *info) {
     hDevice->m_hDev = hDev;
     hDevice->m_info = *info;
@@ -26,7 +26,7 @@ bool fillToken(Device *hDevice, DEVHANDLE hDev, const DEVINFO *info) {
     return true;
 }
 
-// Reads the application's containers into the device; false when they cannot be enumerated.
+// Reads the application's containers into the device; false if they cannot be enumerated.
 bool getAllContainer(Device *hDevice) {
     NameList<4096> names;
     const ULONG rv = SKF_EnumContainer(hDevice->m_hApp, names.buffer(), names.length());
@@ -44,7 +44,7 @@ bool getAllContainer(Device *hDevice) {
     return true;
 }
 
-// False when memory was short.
+// False if out of memory.
 bool addKeypair(Device *hDevice, int index, int keytype) {
     const Container *hContainer = hDevice->m_containers[index];
     Keypair *hKeypair = allocateRecord<Keypair>();
@@ -64,8 +64,8 @@ bool addKeypair(Device *hDevice, int index, int keytype) {
     return true;
 }
 
-// The signature pair of a container stands before its encryption pair. Memory that is short leaves
-// key pairs out and nothing else.
+// Adds the signature pair of each container, then its encryption pair. Key pairs are left out if
+// out of memory.
 void getAllKeypairFromContainer(Device *hDevice) {
     for (int i = 0; i < hDevice->m_containerCount; ++i) {
         const Container *hContainer = hDevice->m_containers[i];

@@ -1,4 +1,4 @@
-// Device sets and devices: counting, handing out, describing, releasing.
+// Device sets and devices: counting, look-up, attributes and release.
 #include "log/trace.h"
 #include "provider/buffer.h"
 #include "provider/lock.h"
@@ -11,7 +11,7 @@ using namespace tembra;
 
 namespace {
 
-// What the hash and cipher lists hold changes under the RecordLock alone.
+// Handles are freed without g_lock, so these change under the RecordLock alone.
 struct Counts {
     std::int32_t hashes;
     std::int32_t ciphers;
@@ -106,7 +106,7 @@ int DeviceGetLabel(SPI_DEVICE_HANDLE hDevice, char *label, int labellen, int *pr
         TRACE_ERROR("hDevice == 0");
         return ORVEL_PKI_FAILURE;
     }
-    char text[sizeof(hDevice->m_info.Label) + 1] = {}; // the field itself need not hold a NUL
+    char text[sizeof(hDevice->m_info.Label) + 1] = {}; // the field need not end with a NUL
     std::memcpy(text, hDevice->m_info.Label, sizeof(hDevice->m_info.Label));
     const int length = static_cast<int>(std::strlen(text)) + 1;
     const int rv = handOut(text, length, label, labellen, pretlabellen);

@@ -1,9 +1,9 @@
-// What lives from DeviceInit to DeviceEnd beside the settings and the lock.
+// State that exists from DeviceInit to DeviceEnd, apart from the settings and the lock.
 #pragma once
 
 namespace tembra {
 
-// The host library's software device, for its random numbers and for public-key import.
+// The host library's software device, used for random numbers and public-key import.
 extern void *g_pseudoDevice;
 
 } // namespace tembra

@@ -1,5 +1,5 @@
-// Lists of names as the SKF functions return them: NUL-terminated names one after another, ended by
-// one more NUL.
+// Lists of names as the SKF functions return them: consecutive NUL-terminated names followed by an
+// additional NUL.
 #pragma once
 
 #include "platform/skf.h"
@@ -9,18 +9,18 @@
 
 namespace tembra {
 
-// A zeroed buffer for a list, and the walk over it. A length beyond the buffer is cut to it, a name
-// without NUL ends at the buffer's end.
+// A zeroed buffer for a list, with an iterator. A length beyond the buffer is cut, and an
+// unterminated name ends with the buffer.
 template <ULONG Capacity>
 class NameList {
 public:
     char *buffer() { return m_buffer; }
-    // The capacity going into the SKF call, the length of the list coming out.
+    // In: the capacity; out: the length of the list.
     ULONG *length() { return &m_length; }
 
     bool isEmpty() const { return m_length == 0 || m_buffer[0] == '\0'; }
 
-    // The next name; null at an empty name or where the list's length ends.
+    // The next name; null at an empty name or at the end of the list.
     const char *next() {
         const ULONG end = m_length < Capacity ? m_length : Capacity;
         if (m_position >= end || m_buffer[m_position] == '\0')
@@ -31,7 +31,7 @@ public:
     }
 
 private:
-    char m_buffer[Capacity + 1] = {}; // one NUL more than the token is told of
+    char m_buffer[Capacity + 1] = {}; // one NUL beyond the announced capacity
     ULONG m_length = Capacity;
     ULONG m_position = 0;
 };

@@ -1,6 +1,6 @@
-// What a step of an entry point answers.
+// The outcome of a step of an entry point.
 //
-// Steps under the lock hand their message back, so that it is written once the lock is left.
+// Steps under the lock return their message, so that it is written after the lock is left.
 #pragma once
 
 #include "log/trace.h"
@@ -10,15 +10,15 @@ namespace tembra {
 
 struct Outcome {
     int result;
-    const char *message; // null where there is nothing to write
+    const char *message; // null if there is nothing to write
 };
 
-// The message of a step whose own line, with a value in it, stands in the trace already.
+// The step has already logged its failure; write nothing more.
 inline constexpr const char *ALREADY_LOGGED = "";
 
 inline constexpr Outcome CONTINUE = {ORVEL_PKI_SUCCESS, nullptr};
 
-// Writes the message, if any, at level error under the name of the routine; the result.
+// Writes the message, if any, at level error under the name of the routine and returns the result.
 inline int finish(const Outcome &outcome, const char *function) {
     if (outcome.message && outcome.message[0] != '\0')
         TEMBRA_TRACE(TraceLevel::error, function, "%s", outcome.message);

@@ -57,7 +57,7 @@ struct TembraKeypair {
     std::int32_t m_keytype; // ORVEL_PKI_KEYPAIRTYPE_
     std::int32_t m_algo;    // ORVEL_PKI_ALGORITHM_RSA or _ECC
     std::int32_t m_keybits;
-    std::int32_t m_handleCount; // handles that the host holds; the record outlives them all
+    std::int32_t m_handleCount; // handles that the host holds; the record outlives them
 };
 
 struct TembraPublicKey {
@@ -85,7 +85,7 @@ struct TembraCipherContext {
 
 struct TembraDevice {
     DEVHANDLE m_hDev;
-    std::int32_t m_isformat; // 0: a token without application
+    std::int32_t m_isformat; // 0: a token without an application
     HAPPLICATION m_hApp;
     char m_appName[64];
     char *m_serialNumber;

@@ -1,4 +1,4 @@
-// Numbered data objects: files of the token's application, named by the number's decimal text.
+// Numbered data objects: files in the token's application, named by their decimal number.
 #include "log/trace.h"
 #include "platform/skf_arguments.h"
 #include "provider/lock.h"
@@ -20,7 +20,7 @@ struct FileName {
     explicit FileName(int dataId) { std::snprintf(text, sizeof(text), "%d", dataId); }
 };
 
-// Whether the application holds a file of exactly this name. The token is asked every time.
+// Whether the application has a file of exactly this name. Not cached: the token is always asked.
 bool fileExists(const Device *hDevice, const char *name) {
     char list[FILE_LIST_LEN] = {};
     ULONG size = sizeof(list);
@@ -30,7 +30,7 @@ bool fileExists(const Device *hDevice, const char *name) {
         size = sizeof(list);
     for (ULONG at = 0; at < size;) {
         const void *end = std::memchr(list + at, '\0', size - at);
-        if (!end) // cut off: not a complete name
+        if (!end) // an incomplete name
             return false;
         if (std::strcmp(list + at, name) == 0)
             return true;
@@ -39,7 +39,7 @@ bool fileExists(const Device *hDevice, const char *name) {
     return false;
 }
 
-// The answer to a token call that comes last in an entry point.
+// The result of an entry point whose last token call returned rv.
 int answerOf(ULONG rv, const char *call, const char *function) {
     if (rv == SAR_OK)
         return ORVEL_PKI_SUCCESS;
@@ -49,7 +49,7 @@ int answerOf(ULONG rv, const char *call, const char *function) {
     return ORVEL_PKI_FAILURE;
 }
 
-// Under the lock: whether the object is there, and its size as the host compares it.
+// Finds the object and its size. Requires the lock.
 struct Lookup {
     bool exists = false;
     ULONG rv = SAR_OK; // of SKF_GetFileInfo

@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <future>
 #include <memory>
 #include <thread>
@@ -27,8 +29,8 @@ bool isRecordLockFree(SPI_KEYPAIR_HANDLE pair) {
 
 TEST(RecordLock, IsFreeWhereverMemoryIsAllocatedOrFreed) {
     trace().setLevel("0");
+    int asked = 0;
     for (const Scenario &scenario : scenarios()) {
-        SCOPED_TRACE(scenario.name);
         resetScript();
         Session::kept() = {};
         scenario.insert();
@@ -37,11 +39,12 @@ TEST(RecordLock, IsFreeWhereverMemoryIsAllocatedOrFreed) {
         SPI_DEVICE_HANDLE device = DeviceGetDevice(set, 0);
         SPI_KEYPAIR_HANDLE pair = DeviceGetKeypair(device, 0);
         ASSERT_NE(pair, nullptr);
-        int asked = 0;
-        bool isFree = true;
         const auto ask = [&] {
             ++asked;
-            isFree = isFree && isRecordLockFree(pair);
+            if (!isRecordLockFree(pair)) {
+                std::fprintf(stderr, "the RecordLock is held in: %s\n", scenario.name);
+                std::abort();
+            }
         };
         script().OrvelPKICryptoFreeMemory.run([&](void *block) {
             ask();
@@ -54,14 +57,13 @@ TEST(RecordLock, IsFreeWhereverMemoryIsAllocatedOrFreed) {
         }
         ProviderAllocator::observeCalls({});
         script().OrvelPKICryptoFreeMemory.restore();
-        EXPECT_GT(asked, 0);
-        EXPECT_TRUE(isFree);
         DeviceFreeKeypair(pair);
         DeviceFreeDevice(device);
         DeviceFreeDevices(set);
         Session::freeKept();
         DeviceEnd();
     }
+    EXPECT_GT(asked, 100);
 }
 
 } // namespace
