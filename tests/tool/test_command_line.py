@@ -1,7 +1,6 @@
 """The command line itself: help, languages, devices to choose from, refusals and their exit codes."""
 import json
 import os
-import pathlib
 import re
 import shlex
 import shutil
@@ -148,30 +147,6 @@ class CommandLine(CommandTest):
         self.assertEqual((failure["entryPoint"], failure["result"]), ("DeviceGenerateRandom", 0))
         self.run_tool("token", "create", "--unformatted", "--serial", "CCCC0003")
         self.assertFalse(self.run_json("--device", "CCCC0003", "list")["devices"][0]["formatted"])
-
-
-class Texts(unittest.TestCase):
-    def literals(self, pattern, folder="."):
-        """Of each place in the tool's sources: the texts where the pattern says TEXT."""
-        text = r'((?:"(?:[^"\\]|\\.)*"\s*)+)'
-        for file in pathlib.Path(os.environ["TEMBRA_TOOL_SOURCES"], folder).rglob("*.cpp"):
-            if folder != "." or file.parent.name != "text":
-                for place in re.findall(pattern.replace("TEXT", text), file.read_text("utf-8")):
-                    yield ["".join(re.findall(r'"((?:[^"\\]|\\.)*)"', one)) for one in place]
-
-    def test_every_text_has_its_chinese_with_the_same_values(self):
-        chinese = dict(self.literals(r"\{\s*TEXT,\s*TEXT\}", "text"))
-        wanted = set()
-        for pattern in (r"\b(?:tr|translate_?|say)\(\s*(?:\w+ \? )?TEXT(?::\s*TEXT)?",
-                        r"CommandEntry \w+ = \{\s*TEXT,\s*TEXT,\s*TEXT,",
-                        r"\.(?:text|number|flag|choice)\(\s*TEXT,\s*\w+,\s*(?:\{[^}]*\},\s*)?TEXT"):
-            found = list(self.literals(pattern))
-            self.assertGreater(len(found), 25, pattern)
-            # The first of an entry or an argument is its name.
-            wanted |= {one for place in found for one in place[not pattern.startswith(r"\b"):] if one.strip()}
-        self.assertEqual(sorted(wanted - chinese.keys()), [])
-        for english, translated in chinese.items():
-            self.assertEqual(*(sorted(re.findall(r"\{\d\}", one)) for one in (english, translated)))
 
 
 class NoToken(CommandTest):

@@ -1,26 +1,21 @@
 #include "tembrakey/text/text.h"
 
-#include <unordered_map>
-
+#include "CHINESE.h"
+#include "CHINESE_PAGE.h"
 #include "tembrakey/platform/process.h"
-#include "tembrakey/text/chinese.h"
+#include "tembrakey/text/catalogue.h"
 
 namespace tembra::tool {
 
 namespace {
 
-using Table = std::unordered_map<std::string_view, const char *>;
-
-Table &table() {
-    static Table translations;
-    return translations;
-}
+bool g_isChinese = false;
 
 bool wantsChinese() {
     for (const char *name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
         const auto locale = platform::environment(name);
         if (locale && !locale->empty())
-            return locale->rfind("zh", 0) == 0;
+            return locale->starts_with("zh");
     }
     return platform::systemSpeaksChinese();
 }
@@ -28,16 +23,12 @@ bool wantsChinese() {
 } // namespace
 
 void chooseLanguage() {
-    if (!wantsChinese())
-        return;
-    for (const auto texts : {chineseHelp(), chineseMessages(), chineseTrace(), chineseDoctor()})
-        for (const Translation &entry : texts)
-            table().emplace(entry.english, entry.translated);
+    g_isChinese = wantsChinese();
 }
 
 const char *tr(const char *english) {
-    const auto found = table().find(english);
-    return found == table().end() ? english : found->second;
+    const char *found = g_isChinese ? Catalogue(CHINESE).find(english) : nullptr;
+    return found == nullptr ? english : found;
 }
 
 std::string tr(const char *english, std::initializer_list<std::string_view> values) {
@@ -52,6 +43,12 @@ std::string tr(const char *english, std::initializer_list<std::string_view> valu
         }
     }
     return result;
+}
+
+void forEachPageText(const std::function<void(const char *, const char *)> &take) {
+    const Catalogue page(CHINESE_PAGE);
+    for (std::size_t i = 1; g_isChinese && i < page.size(); ++i) // 0 is the header
+        take(page.original(i), page.translation(i));
 }
 
 } // namespace tembra::tool

@@ -1,26 +1,27 @@
-// Texts for people: English in the source, another language by table.
+// Texts for people: English in the source, Chinese from po/zh_CN.po.
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <string_view>
 
+// Marks a text for translation where tr() cannot be called, such as in a static table.
+#define N_(english) english
+
 namespace tembra::tool {
 
-// One translated text. A language's table is an array of these.
-struct Translation {
-    const char *english;
-    const char *translated;
-};
-
-// Chooses the language from LC_ALL, LC_MESSAGES and LANG, or else from the system: Chinese or
-// English. Before this call everything is English.
+// Chooses Chinese or English from LC_ALL, LC_MESSAGES and LANG, or else from the system. Before
+// this call everything is English.
 void chooseLanguage();
 
-// The text in the chosen language; itself when the table does not have it.
+// The text in the chosen language, or the text itself if it has no translation.
 const char *tr(const char *english);
 
 // A translated text with {1}, {2} ... replaced by the values.
 std::string tr(const char *english, std::initializer_list<std::string_view> values);
+
+// Passes each text of the trace page with its translation to take; none if the language is English.
+void forEachPageText(const std::function<void(const char *, const char *)> &take);
 
 } // namespace tembra::tool
