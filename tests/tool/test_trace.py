@@ -55,47 +55,74 @@ class Trace(CommandTest):
         self.assertEqual(find["lines"][1]["message"], "DeviceFindKeypair fail ")
         self.assertEqual(retries["arguments"], {"hDevice": "0x1", "type": "1", "pretrynum": "5"})
 
-    def test_a_page_keeps_what_failed_first_and_then_the_latest(self):
-        bad = [("ERROR", "bad")]
-        page = self.page(b"".join(call(i, "DeviceSign", *(bad if i in (2, 5) else ())) for i in range(10)),
-                         "--limit", "4")
+    def test_json_ends_with_the_failures(self):
+        verify = [call(1, "DeviceVerifyPwd", ("INFO", f"hDevice = 0x1, type = 1, pwd = 1, *pretrynum = {tries}"))
+                  for tries in (5, 4, 4)]
+        removed = call(2, "DeviceSign", ("ERROR", "SKF_ECCSignData fail, error = 0x0A000023"))
+        printed = self.run_tool("trace", "-", "--json", stdin=b"".join(verify) + removed + removed)
+        summary = json.loads(printed.splitlines()[-1])
+        self.assertEqual([(one["kind"], one["count"], one["firstLine"], one["lastLine"]) for one in summary["failures"]],
+                         [("refusedPin", 1, 2, 2), ("failure", 2, 11, 14)])
+        self.assertIn("(SAR_DEVICE_REMOVED: token removed)", summary["failures"][1]["text"])
+        self.assertEqual(summary["refusedPins"], [2])
+
+    def test_redact_refuses_what_it_cannot_mask(self):
+        for foreign in (b"", b"PIN 1234\n" * 100_000, b"\0" * 100):
+            self.run_tool("trace", write("a.log", foreign), "--redact", "copy.log", code=2)
+            self.assertFalse(os.path.exists("copy.log"))
+            self.assertEqual(self.run_tool("trace", "-", "--redact", "-", stdin=foreign, code=2), b"")
+        utf16 = SAMPLE.decode().encode("utf-16")
+        counts = [self.run_json("trace", write("a.log", log), "--redact", "copy.log")["maskedLines"] for log in (SAMPLE, utf16)]
+        self.assertEqual(counts[0], counts[1])
+        self.assertEqual(counts[0], sum(old != new for old, new in zip(SAMPLE.splitlines(), read("copy.log").splitlines())))
+        self.assertNotIn(SAMPLE_PIN, read("copy.log"))
+
+    def test_a_page_keeps_rare_failures(self):
+        calls = {400: [("ERROR", "rare")], 2: [("ERROR", "bad")], 5: [("ERROR", "bad")]}
+        page = self.page(b"".join(call(i, "DeviceSign", *calls.get(i, ())) for i in range(900)), "--limit", "5")
         data = json.loads(re.search(r'id="data">(.*?)</script>', page, re.S)[1])
-        self.assertEqual([one["thread"] for one in data["calls"]], [2, 5, 8, 9])
-        self.assertEqual((data["callsSeen"], data["callsShown"]), (10, 4))
+        threads = [one["thread"] for one in data["calls"]]
+        self.assertEqual((threads[:2], threads[-1], 400 in threads), ([0, 2], 899, True))
+        self.assertEqual((data["callsSeen"], data["callsShown"]), (900, len(threads)))
+        self.assertLessEqual(len(threads), 5)
 
     @unittest.skipUnless(BROWSER and not IS_WINDOWS, "needs Chromium (scripts/install-deps test brings it)")
     def test_a_page_searches_folds_jumps_and_runs_nothing_foreign(self):
         self.assertNotIn(SAMPLE_PIN.decode(), self.page(SAMPLE + HOSTILE))
         plain = self.browse()
-        self.assertGreater(self.figure(plain, "shown"), 20)
-        self.assertEqual((self.figure(plain, "open"), plain.count('class="lane"')), (0, 2))  # a thread each
-        for text in ("pwd", "&lt;/script&gt;&lt;img", 'class="tick"', 'class="bar fail"'):
+        self.assertGreater(len(self.names(plain)), 20)
+        self.assertEqual((self.opened(plain), plain.count('class="lane"')), (0, 2))  # a thread each
+        for text in ("pwd", "&lt;/script&gt;&lt;img", 'class="tick"', 'class="bar fail"', 'aria-label="Search"',
+                     "SKF_ECCSignData fail, error = 0x0A000023 (SAR_DEVICE_REMOVED: token removed)"):
             self.assertIn(text, plain)
         self.assertNotIn("data-pwned", plain)
 
-        searched = self.browse("q=SKF_eccsigndata")
-        self.assertEqual((self.figure(searched, "hits"), self.names(searched)), (1, ["DeviceSign"]))
-        self.assertIn("<mark>SKF_ECCSignData</mark>", searched)
-        hidden = self.browse("q=creatively-named")  # stands in a line, which the search unfolds
-        self.assertGreaterEqual(self.figure(hidden, "open"), 1)
-        self.assertIn("<mark>creatively-named</mark>", hidden)
-        self.assertEqual(self.figure(self.browse("q=creatively-named&fold=closed"), "open"), 0)
+        for words in ("q=SKF_eccsigndata", "q=removed+eccsign"):
+            searched = self.browse(words)
+            self.assertEqual(self.names(searched), ["DeviceSign"])
+        self.assertRegex(self.browse("q=SKF_eccsigndata"), "<mark[^>]*>SKF_ECCSignData</mark>")
+        hidden = self.browse("q=creatively-named")  # a line, which the search unfolds
+        self.assertGreaterEqual(self.opened(hidden), 1)
+        self.assertRegex(hidden, "<mark[^>]*>creatively-named</mark>")
+        self.assertEqual(self.opened(self.browse("q=creatively-named&fold=closed")), 0)
         self.assertEqual(self.names(self.browse("thread=4712&failed=1")), ["DeviceVerifyPwd"])
 
         unfolded = self.browse("fold=open")
-        self.assertGreater(self.figure(unfolded, "open"), self.figure(unfolded, "shown"))  # inner calls too
+        self.assertGreater(self.opened(unfolded), 50)  # inner calls too
         listed = unfolded[unfolded.index('id="list"'):]
         inner = re.search(r'<details class="call[^"]*" id="line-(\d+)"(?:(?!<details).)*>DeviceFreeDevice<',
                           listed[listed.index(">DeviceFreeKeypair<"):], re.S)[1]
         jumped = self.browse(f"line={inner}")
-        self.assertEqual(self.figure(jumped, "open"), 2)  # it and the call around it
+        self.assertEqual(self.opened(jumped), 2)  # it and the call around it
         self.assertRegex(jumped, rf'<details class="call[^"]*current[^"]*" id="line-{inner}"')
+        self.assertEqual(jumped.count(" current"), 2)  # in the list and on the timeline
 
         self.page(SAMPLE, LC_ALL="zh_CN.UTF-8")
         chinese = self.browse()
         self.assertIn('lang="zh-CN"', chinese)
         self.assertIn("\u7ebf\u7a0b", chinese)
-        self.assertNotIn(">Threads<", chinese)
+        shown = re.sub(r"<(script|style).*?</\1>|<[^>]*>|Device\w+|SKF_\w+|SAR_\w+", " ", chinese, flags=re.S)
+        self.assertNotRegex(shown, "Threads|errors|failed|Search|removed")
 
     def browse(self, fragment=""):
         """What the page has become once its code has run."""
@@ -108,13 +135,13 @@ class Trace(CommandTest):
         self.assertNotRegex(done.stderr.decode(errors="replace"), "Uncaught|Refused to")
         return done.stdout.decode()
 
-    def figure(self, dom, name):
-        return int(re.search(rf'<body[^>]* data-{name}="(\d+)"', dom)[1])
-
     def names(self, dom):
-        """The entry points of the calls that the list shows, in order."""
+        """The entry points of the calls in the list, in order."""
         shown = dom[dom.index('id="list"'):dom.index('id="more"')]
-        return re.findall(r'<span class="name">([^<]*)', re.sub("</?mark[^>]*>", "", shown))
+        return re.findall(r'</span><b>([^<]*)', re.sub("</?mark[^>]*>", "", shown))
+
+    def opened(self, dom):
+        return len(re.findall(r'<details class="call[^>]* open=', dom))
 
     @unittest.skipIf(IS_WINDOWS, "Wine does not tell")
     def test_memory_does_not_grow_with_the_log(self):

@@ -30,27 +30,45 @@ void feedInBlocks(Reader &reader, std::string_view log, std::size_t block) {
     reader.finish();
 }
 
-// The log's calls in the order of their ends, as the listing shows them, without the day.
+// English, with {1}, {2} ... replaced by the values.
+inline std::string inEnglish(const char *english, std::initializer_list<std::string_view> values) {
+    std::string text = english;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const std::string hole = "{" + std::to_string(i + 1) + "}";
+        if (const auto found = text.find(hole); found != text.npos)
+            text.replace(found, hole.size(), values.begin()[i]);
+    }
+    return text;
+}
+
+// The calls of a log in the order of their ends, as the listing shows them, without the day, after
+// the table of failures.
 inline std::string listed(std::string_view log, const Filter &filter = {},
                           std::size_t block = 1 << 16) {
     struct : Sink {
         void take(Call &&call) override {
-            wanted.pass(std::move(call), [this](Call &&passed) { text += listing.whole(passed); });
+            wanted.pass(std::move(call), [this](Call &&passed) {
+                failures.add(passed);
+                text += listing.whole(passed);
+            });
         }
         void takeForeign(std::uint64_t number, std::string_view foreign) override {
             text += listing.foreign(number, foreign);
         }
+        void takeRefusal(const RefusedPin &pin) override { failures.add(pin); }
         Filter wanted;
-        Listing listing{[](const char *english) { return english; }};
+        Failures failures;
+        Listing listing{&inEnglish};
         std::string text;
     } sink;
     sink.wanted = filter;
     TraceReader reader(Mask::pins, sink);
     feedInBlocks(reader, log, block);
-    constexpr std::string_view day = "  2026-11-21\n";
-    if (const auto at = sink.text.find(day); at != sink.text.npos)
-        sink.text.erase(at, day.size());
-    return sink.text;
+    std::string text = failuresText(sink.failures, &inEnglish) + sink.text;
+    for (const std::string day : {"  2026-11-21\n", "2026-11-21 "})
+        for (auto found = text.find(day); found != text.npos; found = text.find(day))
+            text.erase(found, day.size());
+    return text;
 }
 
 // A masked copy, made from blocks of that many bytes.

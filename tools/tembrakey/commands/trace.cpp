@@ -6,18 +6,23 @@
 #include "tembrakey/io/files.h"
 #include "tembrakey/io/stream.h"
 #include "tembrakey/text/text.h"
-#include "tembrakey/trace/call_json.h"
 #include "tembrakey/trace/entry_points.h"
 #include "tembrakey/trace/filter.h"
 #include "tembrakey/trace/listing.h"
 #include "tembrakey/trace/page.h"
-#include "tembrakey/trace/trace_reader.h"
 
 namespace tembra::tool {
 
 namespace {
 
-constexpr std::size_t MOST_FAILURES = 1000; // in the list at the top
+std::string translated(const char *english, std::initializer_list<std::string_view> values) {
+    return tr(english, values);
+}
+
+// JSON is the same in every language. Its texts have no values.
+std::string inEnglish(const char *english, std::initializer_list<std::string_view>) {
+    return english;
+}
 
 std::vector<std::string> split(const std::string &list) {
     std::vector<std::string> parts;
@@ -30,7 +35,7 @@ std::vector<std::string> split(const std::string &list) {
     return parts;
 }
 
-// Hands calls that pass the filter, and foreign lines when nothing is filtered, to functions.
+// Passes on what the filter selects, and collects the failures in it.
 class Funnel final : public trace::Sink {
 public:
     using TakeCall = std::function<void(trace::Call &&)>;
@@ -40,16 +45,27 @@ public:
         : m_filter(filter), m_takeCall(std::move(takeCall)),
           m_takeForeign(std::move(takeForeignLine)) {}
 
-    void take(trace::Call &&call) override { m_filter.pass(std::move(call), m_takeCall); }
+    void take(trace::Call &&call) override {
+        m_filter.pass(std::move(call), [this](trace::Call &&passed) {
+            m_failures.add(passed);
+            m_takeCall(std::move(passed));
+        });
+    }
     void takeForeign(std::uint64_t number, std::string_view text) override {
         if (m_filter.isEmpty())
             m_takeForeign(number, text);
     }
+    void takeRefusal(const trace::RefusedPin &pin) override {
+        if (m_filter.wants(pin.thread, pin.entryPoint))
+            m_failures.add(pin);
+    }
+    const trace::Failures &failures() const { return m_failures; }
 
 private:
     const trace::Filter &m_filter;
     TakeCall m_takeCall;
     TakeForeign m_takeForeign;
+    trace::Failures m_failures;
 };
 
 class Trace final : public Command {
@@ -59,7 +75,8 @@ public:
 
 private:
     trace::Filter filter() const;
-    trace::Summary read(trace::Mask mask, Funnel funnel, const char *what) const;
+    trace::Summary read(trace::Mask mask, Funnel &funnel, const std::string &progress,
+                        const std::set<std::uint64_t> &refused = {}) const;
     void redact(const Console &console) const;
     void writePage(const Console &console, const trace::Filter &wanted) const;
     void printJson(const trace::Filter &wanted) const;
@@ -76,18 +93,17 @@ private:
 };
 
 void Trace::describe(Arguments &arguments) {
-    arguments
-        .text("FILE", m_file, "The trace log (- is standard input, for --json, --html, --redact)")
+    arguments.text("FILE", m_file, "trace log (- is standard input, for --json, --html, --redact)")
         .required()
-        .text("--thread ID,...", m_threads, "Only calls of these threads")
-        .text("--entry NAME,...", m_entryPoints, "Only calls of these entry points")
+        .text("--thread ID,...", m_threads, "only calls of these threads")
+        .text("--entry NAME,...", m_entryPoints, "only calls of these entry points")
         .choice("--level LEVEL", m_level, {"error", "warning", "information", "debug", "verbose"},
-                "Only lines of this level and the more serious ones")
-        .flag("--errors", m_errorsOnly, "Only calls that wrote an error line")
-        .text("--html OUT", m_page, "Write a page with a timeline, searchable, in one file")
-        .number("--limit N", m_limit, "Most calls that the page holds", 1, 1000000)
+                "only lines of this level and the more serious ones")
+        .flag("--errors", m_errorsOnly, "only calls that failed")
+        .text("--html OUT", m_page, "write a searchable page with a timeline, in one file")
+        .number("--limit N", m_limit, "maximum number of calls on the page", 1, 1000000)
         .text("--redact OUT", m_copy,
-              "Write a copy that can be sent away: no PINs, no hex texts of data");
+              "write a copy that can be sent away: no PINs, no hex dumps of data");
 }
 
 trace::Filter Trace::filter() const {
@@ -96,12 +112,12 @@ trace::Filter Trace::filter() const {
         std::int64_t thread = 0;
         const auto end = std::from_chars(id.data(), id.data() + id.size(), thread);
         if (end.ec != std::errc() || end.ptr != id.data() + id.size())
-            throw Failure(ExitCode::usage, tr("{1} is no thread id", {id}));
+            throw Failure(ExitCode::usage, tr("{1} is not a thread id", {id}));
         wanted.threads.push_back(thread);
     }
     for (const std::string &name : split(m_entryPoints)) {
-        if (trace::findEntryPoint(name) == nullptr)
-            throw Failure(ExitCode::usage, tr("{1} is no entry point of the provider", {name}));
+        if (!trace::isEntryPoint(name))
+            throw Failure(ExitCode::usage, tr("{1} is not an entry point of the provider", {name}));
         wanted.entryPoints.push_back(name);
     }
     constexpr std::string_view levels[] = {"error", "warning", "information", "debug", "verbose"};
@@ -111,9 +127,10 @@ trace::Filter Trace::filter() const {
     return wanted;
 }
 
-trace::Summary Trace::read(trace::Mask mask, Funnel funnel, const char *what) const {
-    trace::TraceReader reader(mask, funnel);
-    forEachPiece(m_file, tr(what),
+trace::Summary Trace::read(trace::Mask mask, Funnel &funnel, const std::string &progress,
+                           const std::set<std::uint64_t> &refused) const {
+    trace::TraceReader reader(mask, funnel, refused);
+    forEachPiece(m_file, progress,
                  [&](crypto::ByteView piece) { reader.feed(crypto::asText(piece)); });
     reader.finish();
     return reader.summary();
@@ -125,6 +142,11 @@ void Trace::redact(const Console &console) const {
     forEachPiece(m_file, tr("Masking"),
                  [&](crypto::ByteView piece) { copy.feed(crypto::asText(piece)); });
     copy.finish();
+    if (!copy.isTrace())
+        throw Failure(ExitCode::usage,
+                      tr("{1} has no trace lines, so what is secret in it is not known; nothing "
+                         "was written",
+                         {m_file}));
     file.commit();
     const auto masked = static_cast<std::int64_t>(copy.maskedLines());
     if (m_copy != "-")
@@ -135,17 +157,15 @@ void Trace::redact(const Console &console) const {
 
 void Trace::writePage(const Console &console, const trace::Filter &wanted) const {
     trace::PageContent content(static_cast<std::size_t>(m_limit));
-    const trace::Summary summary = read(
-        trace::Mask::pinsAndData,
-        Funnel(
-            wanted, [&](trace::Call &&call) { content.add(std::move(call)); },
-            [&](std::uint64_t line, std::string_view text) { content.addForeign(line, text); }),
-        "Reading");
+    Funnel funnel(
+        wanted, [&](trace::Call &&call) { content.add(std::move(call)); },
+        [&](std::uint64_t line, std::string_view text) { content.addForeign(line, text); });
+    const trace::Summary summary = read(trace::Mask::pinsAndData, funnel, tr("Reading"));
     OutputFile file(m_page);
     const auto slash = m_file.find_last_of("/\\");
     const std::string name = slash == m_file.npos ? m_file : m_file.substr(slash + 1);
-    content.write([&](std::string_view text) { file.write(crypto::asBytes(text)); }, name, summary,
-                  !wanted.isEmpty(), &tr);
+    content.write([&](std::string_view text) { file.write(crypto::asBytes(text)); }, name,
+                  !wanted.isEmpty(), summary, funnel.failures(), &translated);
     file.commit();
     if (m_page != "-")
         console.result(
@@ -153,53 +173,35 @@ void Trace::writePage(const Console &console, const trace::Filter &wanted) const
             tr("{1} written; open it in a browser", {m_page}));
 }
 
-// One object a line, so that a reader needs no more memory than we do.
+// One object per line, so that a reader needs no more memory than this command.
 void Trace::printJson(const trace::Filter &wanted) const {
-    const auto line = [](const auto &write, const auto &...values) {
-        trace::JsonText json;
-        write(json, values...);
-        Console::write(json.text() + "\n");
+    const auto print = [](const trace::Json &json) {
+        Console::write(trace::jsonText(json) + "\n");
     };
-    const trace::Summary summary =
-        read(trace::Mask::pins,
-             Funnel(
-                 wanted, [&](trace::Call &&call) { line(trace::writeCall, call); },
-                 [&](std::uint64_t number, std::string_view text) {
-                     line(trace::writeForeign, number, text);
-                 }),
-             "Reading");
-    line(trace::writeSummary, summary);
+    Funnel funnel(
+        wanted, [&](trace::Call &&call) { print(trace::toJson(call, &inEnglish)); },
+        [&](std::uint64_t number, std::string_view text) {
+            print({{"kind", "foreign"}, {"line", number}, {"text", text}});
+        });
+    const trace::Summary summary = read(trace::Mask::pins, funnel, tr("Reading"));
+    print(trace::toJson(summary, funnel.failures(), &inEnglish));
 }
 
 // Reads the log twice: what failed comes first.
 void Trace::printText(const trace::Filter &wanted) const {
-    trace::Listing listing(&tr);
-    std::string failures;
-    std::size_t count = 0;
-    const auto collect = [&](const trace::Call &call) {
-        const std::string lines = listing.failures(call);
-        if (!lines.empty() && ++count <= MOST_FAILURES)
-            failures += lines;
-    };
-    const trace::Summary summary = read(trace::Mask::pins,
-                                        Funnel(
-                                            wanted, [&](trace::Call &&call) { collect(call); },
-                                            [](std::uint64_t, std::string_view) {}),
-                                        "Looking for errors");
-    Console::write(trace::summaryText(summary, &tr) + "\n");
-    if (count > 0)
-        Console::write("\n" + std::string(tr("Calls with errors")) + "\n" + failures);
-    if (count > MOST_FAILURES)
-        Console::write(tr("... and {1} more", {trace::grouped(count - MOST_FAILURES)}) + "\n");
-    Console::write("\n" + std::string(tr(m_errorsOnly ? "These calls in full" : "All calls")) +
-                   "\n");
-    read(trace::Mask::pins,
-         Funnel(
-             wanted, [&](trace::Call &&call) { Console::write(listing.whole(call)); },
-             [&](std::uint64_t line, std::string_view text) {
-                 Console::write(listing.foreign(line, text));
-             }),
-         "Reading");
+    Funnel first(
+        wanted, [](trace::Call &&) {}, [](std::uint64_t, std::string_view) {});
+    const trace::Summary summary = read(trace::Mask::pins, first, tr("Looking for failures"));
+    Console::write(trace::summaryText(summary, &translated) + "\n" +
+                   trace::failuresText(first.failures(), &translated) + "\n" +
+                   tr(m_errorsOnly ? "These calls in full" : "All calls") + "\n");
+    trace::Listing listing(&translated);
+    Funnel second(
+        wanted, [&](trace::Call &&call) { Console::write(listing.whole(call)); },
+        [&](std::uint64_t line, std::string_view text) {
+            Console::write(listing.foreign(line, text));
+        });
+    read(trace::Mask::pins, second, tr("Reading"), summary.refusedPins);
 }
 
 void Trace::run(Context &context) {
@@ -223,10 +225,10 @@ void Trace::run(Context &context) {
 } // namespace
 
 const CommandEntry traceCommand = {
-    "trace", "Read a trace log: calls, durations, errors first; or mask it",
-    "PINs are masked in everything this command writes. A page and a masked copy leave out hex\n"
-    "texts too, other than those of certificates and public keys. With --json each line is an\n"
-    "object: calls as they end, lines that are no trace lines, and at last a summary.",
+    "trace", "Read a trace log: failures first, then calls; or mask it",
+    "PINs are masked in everything this command writes; in a page and in a masked copy, hex dumps\n"
+    "other than certificates and public keys are masked too. With --json each line is an object:\n"
+    "calls as they end, lines that are not trace lines, and finally a summary with the failures.",
     "  tembrakey trace tembra_key_prov.log\n"
     "  tembrakey trace app.log --errors --thread 4711\n"
     "  tembrakey trace app.log --html trace.html\n"

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "tembrakey/text/text.h"
-#include "tembrakey/trace/utf8.h"
+#include "tembrakey/trace/texts.h"
 
 namespace tembra::tool::doctor {
 

@@ -1,7 +1,6 @@
 // A call of an entry point, put together from the lines of the log.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,37 +11,43 @@ namespace tembra::trace {
 
 struct CallLine {
     std::uint64_t number = 0; // in the log, from 1
-    std::int64_t second = 0;  // as Line::second
+    Time time;
     Level level = Level::error;
     std::string function;
-    std::string message; // masked, and cut when it is very long
+    std::string message;     // masked, and cut when it is very long
+    bool isOrdinary = false; // an error line that reports nothing wrong
+
+    bool failed() const { return level == Level::error && !isOrdinary; }
 };
 
 struct Call {
-    std::string name; // empty: lines of a call whose beginning the log does not have
+    std::string name; // the entry point; of a lone line, its function
     std::int64_t thread = 0;
     std::uint64_t firstLine = 0;
     std::uint64_t lastLine = 0;
-    std::int64_t begin = 0;
-    std::int64_t end = 0;
-    bool entered = false;  // its entry line is there (level debug)
-    bool returned = false; // its exit line is there
+    Time begin;
+    Time end;
+    bool isLine = false;   // a lone line, which belongs to no call
+    bool entered = false;  // has its entry line (level debug)
+    bool returned = false; // has its exit line
+    bool refused = false;  // its PIN was probably refused
     std::uint64_t errors = 0;
     std::uint64_t warnings = 0;
-    std::uint64_t omitted = 0;          // lines and inner calls that were too many to keep
-    std::optional<std::size_t> opening; // index of the line that holds the arguments
+    std::uint64_t omitted = 0;          // lines and inner calls beyond what is kept
+    std::optional<std::size_t> opening; // index of the line with the arguments
     std::vector<CallLine> lines;
     std::vector<Call> calls; // inside this one, in the order of the log
 
     bool failed() const { return errors > 0; }
-    // Entered, but the log ends, or its thread went on, without its exit line.
+    // The log ends, or its thread continues, without its exit line.
     bool lost() const { return entered && !returned; }
-    // Seconds from entry to exit, right to within one, since the log's clock shows whole seconds.
-    // Nothing without both lines, or when the clock was set back.
-    std::optional<std::int64_t> duration() const;
+    // Right to within a second, since the clock of the log shows whole ones. Unknown without both
+    // lines, or if the clock was set back.
+    std::optional<std::chrono::seconds> duration() const {
+        if (!entered || !returned || end < begin)
+            return std::nullopt;
+        return end - begin;
+    }
 };
-
-// "2026-11-21 12:30:00" of Line::second.
-std::string timeText(std::int64_t second);
 
 } // namespace tembra::trace

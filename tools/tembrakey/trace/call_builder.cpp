@@ -3,31 +3,31 @@
 #include <algorithm>
 
 #include "tembrakey/trace/entry_points.h"
+#include "tembrakey/trace/failures.h"
 
 namespace tembra::trace {
 
 namespace {
 
-// What one call with its inner calls, and all open calls together, may hold on to.
+// Limits for one call with its inner calls and for all open calls together.
 constexpr std::size_t MOST_BYTES = std::size_t{256} << 10;
-constexpr std::size_t MOST_BYTES_WITH_ERRORS = 2 * MOST_BYTES; // error lines have room of their own
-constexpr std::size_t MOST_THREADS = 256;
+constexpr std::size_t MOST_BYTES_IN_ALL = std::size_t{64} << 20;
+constexpr std::size_t MOST_THREADS = 4096;
 constexpr std::size_t MOST_DEPTH = 64;
 constexpr std::size_t LONGEST_MESSAGE = 2000;
-constexpr std::size_t BYTES_OF_A_LINE = sizeof(CallLine) + 32;
 
 constexpr std::string_view ENTRY_TRACER = "call_stack_tracer::call_stack_tracer";
 constexpr std::string_view EXIT_TRACER = "call_stack_tracer::~call_stack_tracer";
 constexpr std::string_view ENTRY_MARK = ">>>>> ";
 constexpr std::string_view EXIT_MARK = "<<<<< ";
 
-std::string shortened(std::string_view message, std::uint64_t fullLength) {
-    if (fullLength <= LONGEST_MESSAGE && message.size() <= LONGEST_MESSAGE)
+std::string shortened(std::string_view message) {
+    if (message.size() <= LONGEST_MESSAGE)
         return std::string(message);
-    std::size_t length = std::min(message.size(), LONGEST_MESSAGE);
-    while (length > 0 && length < message.size() && (message[length] & 0xC0) == 0x80)
+    std::size_t length = LONGEST_MESSAGE;
+    while (length > 0 && (message[length] & 0xC0) == 0x80)
         --length; // not inside a UTF-8 character
-    return std::string(message.substr(0, length)) + "... (" + std::to_string(fullLength) + ")";
+    return std::string(message.substr(0, length)) + "... (" + std::to_string(message.size()) + ")";
 }
 
 Call begun(std::string_view name, const Line &line, std::uint64_t number) {
@@ -35,24 +35,24 @@ Call begun(std::string_view name, const Line &line, std::uint64_t number) {
     call.name = name.substr(0, 256);
     call.thread = line.thread;
     call.firstLine = call.lastLine = number;
-    call.begin = call.end = line.second;
+    call.begin = call.end = line.time;
     return call;
 }
 
-// An import envelopes a plain key pair and calls itself for the rest; no other entry point runs
-// inside itself, and none inside others at a process's start and end. So an entry line that seems
-// to is the first one after a call whose exit line never came.
+// No entry point runs inside itself except DeviceImportKeypair, once, and none around DeviceInit.
+// An entry line that seems to prove otherwise is the first one after a crash.
 bool provesLoss(const std::vector<Call> &open, std::string_view name) {
-    const auto before = std::count_if(open.begin(), open.end(),
-                                      [&](const Call &call) { return call.name == name; });
-    return name == "DeviceInit" || name == "DeviceEnd" ||
-           before > (name == "DeviceImportKeypair" ? 1 : 0);
+    const auto same = std::count_if(open.begin(), open.end(),
+                                    [&](const Call &call) { return call.name == name; });
+    return name == "DeviceInit" || same > (name == "DeviceImportKeypair" ? 1 : 0);
 }
 
-// Whether the one gives its reference back through the other.
-bool releasesThrough(std::string_view outer, std::string_view inner) {
-    return inner == "DeviceFreeDevice" && outer != inner && outer.starts_with("DeviceFree") &&
-           outer != "DeviceFreePublicKey";
+// Whether both messages begin with the same argument.
+bool beginAlike(std::string_view one, std::string_view other) {
+    const auto first = [](std::string_view text) {
+        return text.substr(0, text.find_first_of("=:"));
+    };
+    return first(one) == first(other);
 }
 
 } // namespace
@@ -71,7 +71,7 @@ CallBuilder::Thread &CallBuilder::threadOf(const Line &line, std::uint64_t numbe
     return thread;
 }
 
-void CallBuilder::add(const Line &line, std::uint64_t number, std::uint64_t fullLength) {
+void CallBuilder::add(const Line &line, std::uint64_t number) {
     Thread &thread = threadOf(line, number);
     if (line.function == ENTRY_TRACER && line.message.starts_with(ENTRY_MARK)) {
         enter(thread, line, number);
@@ -80,7 +80,9 @@ void CallBuilder::add(const Line &line, std::uint64_t number, std::uint64_t full
     } else {
         if (thread.open.empty() || !thread.open.front().entered)
             infer(thread, line, number);
-        keep(thread, line, number, fullLength);
+        keep(thread, line, number);
+        if (thread.open.back().isLine)
+            close(thread);
     }
 }
 
@@ -98,69 +100,68 @@ void CallBuilder::enter(Thread &thread, const Line &line, std::uint64_t number) 
 
 void CallBuilder::leave(Thread &thread, const Line &line, std::uint64_t number) {
     const std::string_view name = line.message.substr(EXIT_MARK.size());
-    auto found = std::find_if(thread.open.rbegin(), thread.open.rend(),
-                              [&](const Call &call) { return call.name == name; });
-    if (found == thread.open.rend()) {
-        // The log begins inside this call.
-        closeAll(thread);
+    const auto isIt = [&](const Call &call) { return call.name == name; };
+    if (std::none_of(thread.open.begin(), thread.open.end(), isIt)) {
+        closeAll(thread); // the log begins inside this call
         thread.open.push_back(begun(name, line, number));
-        found = thread.open.rbegin();
     }
-    const auto depth = static_cast<std::size_t>(thread.open.rend() - found);
-    while (thread.open.size() > depth)
+    while (!isIt(thread.open.back()))
         close(thread);
     Call &call = thread.open.back();
     call.returned = true;
     call.lastLine = number;
-    call.end = line.second;
+    call.end = line.time;
     close(thread);
 }
 
-// Without entry lines: opens a call when the line proves that one has begun.
+// Without entry lines: opens a call, or a lone line, unless the line belongs to the open call.
 void CallBuilder::infer(Thread &thread, const Line &line, std::uint64_t number) {
-    const std::string_view name = callOf(line.function);
-    const bool opens =
-        line.function == name && line.level == Level::information && opensCall(line.message);
-    const auto isPartOf = [&](const Call &call) {
-        return name.empty() || (call.name == name && !(opens && call.opening));
-    };
-    if (thread.open.size() > 1 && !name.empty() && isPartOf(thread.open.front()))
-        close(thread); // back from the inner call
-    if (thread.open.empty() || !isPartOf(thread.open.back())) {
-        if (thread.open.size() != 1 || !releasesThrough(thread.open.front().name, name))
-            closeAll(thread);
-        thread.open.push_back(begun(name, line, number));
+    const bool isOwn = isEntryPoint(line.function);
+    const bool opens = isOwn && line.level >= Level::information;
+    if (!thread.open.empty()) {
+        const Call &call = thread.open.back();
+        const bool isNext = opens && beginAlike(call.lines.front().message, line.message);
+        if (isOwn ? call.name == line.function && !isNext : true)
+            return;
+        closeAll(thread);
     }
-    Call &call = thread.open.back();
-    if (opens && !call.opening)
-        call.opening = call.lines.size();
+    thread.open.push_back(begun(line.function, line, number));
+    thread.open.back().isLine = !opens;
 }
 
-void CallBuilder::keep(Thread &thread, const Line &line, std::uint64_t number,
-                       std::uint64_t fullLength) {
+bool CallBuilder::hasRoom(Thread &thread, std::size_t bytes, bool failed) {
+    const std::size_t share = failed ? 2 : 1; // failures have room of their own
+    if (thread.kept >= share * MOST_BYTES || m_kept >= share * MOST_BYTES_IN_ALL)
+        return false;
+    thread.kept += bytes;
+    m_kept += bytes;
+    return true;
+}
+
+void CallBuilder::keep(Thread &thread, const Line &line, std::uint64_t number) {
     Call &call = thread.open.back();
-    call.errors += line.level == Level::error ? 1 : 0;
+    CallLine kept = {number, line.time, line.level, std::string(line.function), {}, false};
+    kept.isOrdinary = isOrdinary(line, call.entered ? call.name : std::string_view());
+    call.errors += kept.failed() ? 1 : 0;
     call.warnings += line.level == Level::warning ? 1 : 0;
+    call.refused |= m_refused.contains(number);
     call.lastLine = number;
-    call.end = line.second;
-    const std::size_t most = line.level == Level::error ? MOST_BYTES_WITH_ERRORS : MOST_BYTES;
-    if (thread.kept >= most) {
+    call.end = line.time;
+    kept.message = shortened(line.message);
+    if (!call.lines.empty() && !hasRoom(thread, sizeof kept + kept.message.size(), kept.failed())) {
         ++call.omitted;
         return;
     }
-    if (call.entered && !call.opening && line.function == call.name &&
-        line.level == Level::information && opensCall(line.message))
+    if (!call.opening && line.function == call.name && line.level == Level::information)
         call.opening = call.lines.size();
-    call.lines.push_back({number, line.second, line.level,
-                          std::string(line.function.substr(0, 256)),
-                          shortened(line.message, fullLength)});
-    thread.kept += BYTES_OF_A_LINE + call.lines.back().message.size();
+    call.lines.push_back(std::move(kept));
 }
 
 void CallBuilder::close(Thread &thread) {
     Call call = std::move(thread.open.back());
     thread.open.pop_back();
     if (thread.open.empty()) {
+        m_kept -= thread.kept;
         thread.kept = 0;
         m_sink.take(std::move(call));
         return;
@@ -168,14 +169,12 @@ void CallBuilder::close(Thread &thread) {
     Call &outer = thread.open.back();
     outer.lastLine = call.lastLine;
     outer.end = call.end;
-    const bool fits = thread.kept < (call.failed() ? MOST_BYTES_WITH_ERRORS : MOST_BYTES);
-    if (!fits) {
+    if (hasRoom(thread, sizeof call, call.failed())) {
+        outer.calls.push_back(std::move(call));
+    } else {
         outer.omitted += 1 + call.omitted;
         outer.errors += call.errors;
-        return;
     }
-    thread.kept += sizeof(Call) + 64;
-    outer.calls.push_back(std::move(call));
 }
 
 void CallBuilder::closeAll(Thread &thread) {

@@ -6,8 +6,8 @@ namespace tembra::trace {
 
 namespace {
 
-template <typename T, typename U>
-bool allows(const std::vector<T> &wanted, const U &value) {
+template <typename T>
+bool allows(const std::vector<T> &wanted, const T &value) {
     return wanted.empty() || std::find(wanted.begin(), wanted.end(), value) != wanted.end();
 }
 
@@ -17,30 +17,34 @@ bool Filter::isEmpty() const {
     return threads.empty() && entryPoints.empty() && level == Level::verbose && !failedOnly;
 }
 
-bool Filter::wants(const Call &call) const {
-    return allows(entryPoints, call.name) && (!failedOnly || call.failed());
+bool Filter::wants(std::int64_t thread, const std::string &entryPoint) const {
+    return allows(threads, thread) && allows(entryPoints, entryPoint);
 }
 
-// False when nothing of the call is left.
 bool Filter::keepLevels(Call &call) const {
     if (level == Level::verbose)
         return true;
-    if (call.opening && call.lines[*call.opening].level > level)
-        call.opening.reset();
-    const auto isLess = [this](const CallLine &line) { return line.level > level; };
-    if (call.opening) {
-        const auto end = call.lines.begin() + static_cast<std::ptrdiff_t>(*call.opening);
-        *call.opening -= static_cast<std::size_t>(std::count_if(call.lines.begin(), end, isLess));
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < call.lines.size(); ++i) {
+        const bool isOpening = call.opening == i;
+        if (call.lines[i].level > level) {
+            if (isOpening)
+                call.opening.reset();
+            continue;
+        }
+        if (isOpening)
+            call.opening = kept;
+        if (kept != i)
+            call.lines[kept] = std::move(call.lines[i]);
+        ++kept;
     }
-    std::erase_if(call.lines, isLess);
+    call.lines.resize(kept);
     std::erase_if(call.calls, [this](Call &inner) { return !keepLevels(inner); });
     return level == Level::debug || !call.lines.empty() || !call.calls.empty();
 }
 
 void Filter::pass(Call &&call, const std::function<void(Call &&)> &take) const {
-    if (!allows(threads, call.thread))
-        return;
-    if (wants(call)) {
+    if (wants(call.thread, call.name) && (!failedOnly || call.failed() || call.refused)) {
         if (keepLevels(call))
             take(std::move(call));
         return;

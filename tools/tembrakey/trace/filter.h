@@ -1,7 +1,6 @@
-// Which calls and lines one wants to see.
+// Selects calls and lines.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -13,18 +12,16 @@ namespace tembra::trace {
 struct Filter {
     std::vector<std::int64_t> threads;    // empty: all
     std::vector<std::string> entryPoints; // empty: all
-    Level level = Level::verbose;         // lines of this level and the more serious ones
+    Level level = Level::verbose;         // this level and the more serious ones
     bool failedOnly = false;
 
     bool isEmpty() const;
-
-    // Hands over the call, or those inside it, that pass. A call is handed over with all its inner
-    // calls; lines of other levels are taken out, and calls with none left when the level is
-    // information or more serious.
+    bool wants(std::int64_t thread, const std::string &entryPoint) const;
+    // Passes on the call, or those inside it that are selected. A call is passed on with all its
+    // inner calls, without the lines of other levels; not at all if then nothing is left of it.
     void pass(Call &&call, const std::function<void(Call &&)> &take) const;
 
 private:
-    bool wants(const Call &call) const;
     bool keepLevels(Call &call) const;
 };
 

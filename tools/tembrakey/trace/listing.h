@@ -1,39 +1,32 @@
-// Calls as text for people.
+// A log as text for people.
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <string_view>
-
-#include "tembrakey/trace/call.h"
-#include "tembrakey/trace/summary.h"
-#include "tembrakey/trace/texts.h"
+#include "tembrakey/trace/failures.h"
+#include "tembrakey/trace/trace_reader.h"
 
 namespace tembra::trace {
 
-// What one reads first: how much there is, what failed, how far durations go.
-std::string summaryText(const Summary &summary, Translate translate);
+// How much there is, and how exact durations are.
+std::string summaryText(const Summary &summary, Translate tr);
+
+// A table of the equal failures, and one of the ordinary lines; empty when there is nothing.
+std::string failuresText(const Failures &failures, Translate tr);
 
 class Listing {
 public:
-    explicit Listing(Translate translate) : m_translate(translate) {}
+    explicit Listing(Translate tr) : m_tr(tr) {}
 
-    // One line for each failed call in it, the inner ones too; empty when none failed.
-    std::string failures(const Call &call) const;
-    // The call with its lines and inner calls. The day stands before the first call and wherever
-    // it changes.
+    // The call with its lines and inner calls. The day is written before the first call and
+    // wherever it changes.
     std::string whole(const Call &call);
     std::string foreign(std::uint64_t number, std::string_view text) const;
 
 private:
     void append(std::string &text, const Call &call, std::size_t depth) const;
-    void appendHead(std::string &text, const Call &call, std::size_t depth) const;
-    void appendLine(std::string &text, const Call &call, std::size_t index,
-                    std::size_t depth) const;
-    std::string duration(const Call &call) const;
-    std::string name(const Call &call) const;
+    std::string state(const Call &call) const;
+    std::string lineText(const Call &call, const CallLine &line) const;
 
-    Translate m_translate;
+    Translate m_tr;
     std::string m_day;
 };
 

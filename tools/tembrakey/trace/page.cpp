@@ -1,27 +1,17 @@
 #include "tembrakey/trace/page.h"
 
 #include <algorithm>
-#include <span>
-#include <vector>
 
-#include "tembrakey/trace/call_json.h"
-#include "tembrakey/trace/page_files.h"
-#include "tembrakey/trace/page_texts.h"
+#include "page_files.h"
 
 namespace tembra::trace {
 
 namespace {
 
-constexpr std::size_t MOST_BYTES = std::size_t{48} << 20; // in each of the two stores
+constexpr std::size_t MOST_BYTES = std::size_t{48} << 20;
 constexpr std::size_t MOST_FOREIGN = 500;
 constexpr std::size_t LONGEST_FOREIGN = 1000;
-
-using Out = std::function<void(std::string_view)>;
-
-bool hasFailed(const Call &call) {
-    return call.failed() || call.lost() ||
-           std::any_of(call.calls.begin(), call.calls.end(), hasFailed);
-}
+constexpr std::size_t FAILED_SHARE = 4; // a failed call is worth as many others
 
 std::size_t callsOf(const Call &call) {
     std::size_t count = 1;
@@ -39,106 +29,115 @@ std::size_t bytesOf(const Call &call) {
     return bytes;
 }
 
-struct Placeholder {
-    std::string_view name;
-    std::function<void()> write;
-};
-
-// Writes the template with its {{names}} replaced.
-void writeTemplate(const Out &out, std::string_view page, const std::vector<Placeholder> &holes) {
-    for (const Placeholder &hole : holes) {
-        const std::size_t at = page.find(hole.name);
-        out(page.substr(0, at));
-        hole.write();
-        page.remove_prefix(at + hole.name.size());
-    }
-    out(page);
-}
-
-void writePieces(const Out &out, std::span<const std::string_view> pieces) {
-    for (const std::string_view piece : pieces)
-        out(piece);
-}
-
-std::string join(std::span<const std::string_view> pieces) {
-    std::string text;
-    for (const std::string_view piece : pieces)
-        text += piece;
+// All that went wrong in the call and inside it; empty when nothing did.
+std::string failureOf(const Call &call) {
+    std::string text = call.lost() ? call.name + '\n' : "";
+    for (const CallLine &line : call.lines)
+        if (line.failed() && text.find(line.message) == text.npos)
+            text += line.function + ' ' + line.message + '\n';
+    for (const Call &inner : call.calls)
+        text += failureOf(inner);
     return text;
+}
+
+// The translations of the texts that the script looks up as t("...").
+Json textsOfScript(Translate tr) {
+    constexpr std::string_view script = PAGE_SCRIPT;
+    constexpr std::string_view lookup = "t(\"";
+    Json texts = Json::object();
+    for (auto found = script.find(lookup); found != script.npos;
+         found = script.find(lookup, found)) {
+        found += lookup.size();
+        const std::string text(script.substr(found, script.find('"', found) - found));
+        texts[text] = tr(text.c_str(), {});
+    }
+    return texts;
 }
 
 } // namespace
 
-void PageContent::Store::push(Kept &&one) {
-    calls += one.calls;
-    bytes += one.bytes;
-    kept.push_back(std::move(one));
-}
-
-void PageContent::Store::popFront() {
-    calls -= kept.front().calls;
-    bytes -= kept.front().bytes;
-    kept.pop_front();
-}
-
 void PageContent::add(Call &&call) {
+    const std::string failure = failureOf(call);
     const std::size_t calls = callsOf(call);
-    const std::size_t bytes = bytesOf(call);
-    const bool isFailed = hasFailed(call);
     m_seen += calls;
-    if (isFailed && (m_failed.calls + calls > m_mostCalls || m_failed.bytes + bytes > MOST_BYTES))
-        return;
-    (isFailed ? m_failed : m_others).push({std::move(call), calls, bytes});
-    makeRoom();
+    m_calls += calls;
+    m_bytes += bytesOf(call);
+    // The calls without failures come first, and go first.
+    Like &like = m_kept[(failure.empty() ? ' ' + call.name : '!' + failure)];
+    like.isFailed = !failure.empty();
+    like.calls.push_back(std::move(call));
+    if (m_calls > 2 * m_mostCalls || m_bytes > 2 * MOST_BYTES)
+        makeRoom();
+}
+
+bool PageContent::isFull() const {
+    return m_calls > m_mostCalls || m_bytes > MOST_BYTES;
 }
 
 void PageContent::makeRoom() {
-    while (!m_others.kept.empty() &&
-           (m_failed.calls + m_others.calls > m_mostCalls || m_others.bytes > MOST_BYTES))
-        m_others.popFront();
+    const auto drop = [this](Like &like) {
+        const auto victim = like.calls.begin() + (like.calls.size() > 1 ? 1 : 0); // not the first
+        m_calls -= callsOf(*victim);
+        m_bytes -= bytesOf(*victim);
+        like.calls.erase(victim);
+    };
+    for (std::size_t most = FAILED_SHARE * m_mostCalls; isFull() && most > 0; most -= most / 8 + 1)
+        for (auto &[failure, like] : m_kept) {
+            const std::size_t mine = like.isFailed ? most : most / FAILED_SHARE;
+            while (isFull() && like.calls.size() > std::max<std::size_t>(mine, 1))
+                drop(like);
+        }
+    while (isFull()) {
+        drop(m_kept.begin()->second);
+        if (m_kept.begin()->second.calls.empty())
+            m_kept.erase(m_kept.begin());
+    }
 }
 
 void PageContent::addForeign(std::uint64_t number, std::string_view text) {
     if (m_foreign.size() < MOST_FOREIGN)
-        m_foreign.push_back({number, std::string(text.substr(0, LONGEST_FOREIGN))});
+        m_foreign.push_back({{"line", number}, {"text", text.substr(0, LONGEST_FOREIGN)}});
 }
 
-void PageContent::writeData(const Out &out, const std::string &source, const Summary &summary,
-                            bool isFiltered, Translate translate) {
-    for (Kept &one : m_others.kept)
-        m_failed.push(std::move(one));
-    m_others = {};
-    std::sort(m_failed.kept.begin(), m_failed.kept.end(),
-              [](const Kept &a, const Kept &b) { return a.call.firstLine < b.call.firstLine; });
-    JsonText json;
-    json.beginObject().member("source", source).name("summary");
-    writeSummary(json, summary);
-    json.member("isFiltered", isFiltered)
-        .member("callsSeen", m_seen)
-        .member("callsShown", static_cast<std::uint64_t>(m_failed.calls));
-    json.name("texts").beginObject();
-    for (const char *text : pageTexts())
-        json.member(text, translate(text));
-    json.endObject().name("foreign").beginArray();
-    for (const Foreign &line : m_foreign)
-        writeForeign(json, line.number, line.text);
-    json.endArray().name("calls").beginArray();
-    for (const Kept &one : m_failed.kept) {
-        writeCall(json, one.call);
-        out(json.text());
-        json.clear();
-    }
-    json.endArray().endObject();
-    out(json.text());
+// Everything but the calls, as an object that is left open.
+std::string PageContent::data(const std::string &source, bool isFiltered, const Summary &summary,
+                              const Failures &failures, Translate tr) {
+    std::string text = jsonText({{"source", source},
+                                 {"isFiltered", isFiltered},
+                                 {"callsSeen", m_seen},
+                                 {"callsShown", m_calls},
+                                 {"summary", toJson(summary, failures, tr)},
+                                 {"texts", textsOfScript(tr)},
+                                 {"foreign", m_foreign}});
+    text.pop_back();
+    return text + ",\"calls\":[";
 }
 
-void PageContent::write(const Out &out, const std::string &source, const Summary &summary,
-                        bool isFiltered, Translate translate) {
-    const std::string page = join(pageHtml());
-    writeTemplate(out, page,
-                  {{"{{style}}", [&] { writePieces(out, pageCss()); }},
-                   {"{{data}}", [&] { writeData(out, source, summary, isFiltered, translate); }},
-                   {"{{script}}", [&] { writePieces(out, pageScript()); }}});
+void PageContent::write(const std::function<void(std::string_view)> &out, const std::string &source,
+                        bool isFiltered, const Summary &summary, const Failures &failures,
+                        Translate tr) {
+    makeRoom();
+    std::vector<const Call *> calls;
+    for (const auto &[failure, like] : m_kept)
+        for (const Call &call : like.calls)
+            calls.push_back(&call);
+    std::sort(calls.begin(), calls.end(),
+              [](const Call *a, const Call *b) { return a->firstLine < b->firstLine; });
+    std::string_view page = PAGE_HTML;
+    const auto writeUpTo = [&](std::string_view hole) {
+        out(page.substr(0, page.find(hole)));
+        page.remove_prefix(page.find(hole) + hole.size());
+    };
+    writeUpTo("{{style}}");
+    out(PAGE_STYLE);
+    writeUpTo("{{data}}");
+    out(data(source, isFiltered, summary, failures, tr));
+    for (const Call *call : calls)
+        out((call == calls.front() ? "" : ",\n") + jsonText(toJson(*call, tr)));
+    out("]}");
+    writeUpTo("{{script}}");
+    out(PAGE_SCRIPT);
+    out(page);
 }
 
 } // namespace tembra::trace

@@ -1,59 +1,43 @@
 // The page: calls, a timeline and the page's own code in one HTML file.
 #pragma once
 
-#include <cstdint>
 #include <deque>
-#include <functional>
-#include <string>
-#include <string_view>
 
-#include "tembrakey/trace/call.h"
-#include "tembrakey/trace/summary.h"
-#include "tembrakey/trace/texts.h"
+#include "tembrakey/trace/json.h"
 
 namespace tembra::trace {
 
-// Keeps what the page shows of a log of any length: of the calls first those that failed, the
-// earliest before the later ones, and then the latest others.
+// Selects what the page shows of a log of any length. Calls that ended alike are cut alike, so that
+// rare failures stay; of each kind the first call and the latest ones.
 class PageContent {
 public:
-    // mostCalls: inner calls count too.
+    // mostCalls includes inner calls.
     explicit PageContent(std::size_t mostCalls) : m_mostCalls(mostCalls) {}
 
     void add(Call &&call);
     void addForeign(std::uint64_t number, std::string_view text);
 
-    // Writes the page; source is the name of the log. Uses the content up.
+    // source is the name of the log.
     void write(const std::function<void(std::string_view)> &out, const std::string &source,
-               const Summary &summary, bool isFiltered, Translate translate);
+               bool isFiltered, const Summary &summary, const Failures &failures, Translate tr);
 
 private:
-    struct Kept {
-        Call call;
-        std::size_t calls; // with the inner ones
-        std::size_t bytes;
-    };
-    struct Foreign {
-        std::uint64_t number;
-        std::string text;
-    };
-    struct Store {
-        std::deque<Kept> kept;
-        std::size_t calls = 0;
-        std::size_t bytes = 0;
-        void push(Kept &&one);
-        void popFront();
+    struct Like {
+        std::deque<Call> calls;
+        bool isFailed;
     };
 
+    bool isFull() const;
     void makeRoom();
-    void writeData(const std::function<void(std::string_view)> &out, const std::string &source,
-                   const Summary &summary, bool isFiltered, Translate translate);
+    std::string data(const std::string &source, bool isFiltered, const Summary &summary,
+                     const Failures &failures, Translate tr);
 
     std::size_t m_mostCalls;
-    std::uint64_t m_seen = 0; // calls handed in
-    Store m_failed;
-    Store m_others;
-    std::deque<Foreign> m_foreign;
+    std::uint64_t m_seen = 0;
+    std::size_t m_calls = 0;
+    std::size_t m_bytes = 0;
+    std::map<std::string, Like> m_kept; // by how the calls ended
+    Json m_foreign = Json::array();
 };
 
 } // namespace tembra::trace

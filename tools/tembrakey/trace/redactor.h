@@ -1,53 +1,40 @@
-// Masking of secrets, line after line. Nothing of a PIN passes, whatever characters it holds and
-// however its line is torn.
+// Masks secrets, line after line. No part of a PIN passes, whatever characters it has and however
+// its line is torn.
 #pragma once
 
 #include <cstdint>
 #include <functional>
-#include <set>
 #include <string>
 #include <string_view>
 
-#include "tembrakey/trace/line.h"
 #include "tembrakey/trace/line_reader.h"
+#include "tembrakey/trace/secrets.h"
 
 namespace tembra::trace {
 
-enum class Mask {
-    pins,
-    pinsAndData // also every hex text that is no certificate and no public key
-};
-
-// A line that is no trace line can be the rest of a torn one. So after a line that ends before its
-// secret is over, such lines are masked as a whole, until the same thread has written a line again,
-// which it does only after the rest. Of a line longer than the reader's limit only a public dump
-// passes beyond the first piece.
+// After a line that ends inside a secret, or that was torn before it could show one, everything is
+// masked up to the next trace line.
 class Redactor {
 public:
     explicit Redactor(Mask mask) : m_mask(mask) {}
 
-    // The piece's text, masked; good until the next call. Wants the pieces of a log in their order.
-    std::string_view redact(const Piece &piece);
+    // The masked text is valid until the next call. Takes the lines of a log in their order.
+    std::string_view redact(const RawLine &line);
+    // Whether the last line was changed.
+    bool hasMasked() const { return m_hasMasked; }
 
 private:
-    enum class Rest { drop, passHex };
-
-    std::string_view redactLine(const Line &line, const Piece &piece);
-    bool redactPins(const Line &line, const Piece &piece, std::size_t head);
-    bool redactDump(const Line &line, const Piece &piece, std::size_t head);
-    std::string_view redactForeign(std::string_view text, bool isLast);
-    std::string_view redactRest(const Piece &piece);
-    void remember(std::int64_t thread);
+    std::string_view redactLine(const Line &line, std::string_view text);
+    std::string_view redactForeign(std::string_view text);
+    std::string_view replace(std::string text);
 
     Mask m_mask;
     std::string m_masked;
-    std::set<std::int64_t> m_open; // threads in the middle of a secret
-    bool m_openToTheEnd = false;   // there were too many of them to tell apart
-    bool m_nextIsSecret = false;   // the next line that is no trace line is the rest of one
-    Rest m_rest = Rest::drop;
+    bool m_hasMasked = false;
+    bool m_isInside = false; // a secret may continue
 };
 
-// Copies a log, masked, to where write puts it; lines without secrets keep every byte.
+// Copies a log with its secrets masked. Lines without secrets keep every byte.
 class RedactingCopy {
 public:
     using Write = std::function<void(std::string_view)>;
@@ -55,18 +42,22 @@ public:
 
     void feed(std::string_view block) { m_reader.feed(block); }
     void finish();
-    // Lines that did not stay as they were.
     std::uint64_t maskedLines() const { return m_maskedLines; }
+    // False if the log has no trace line; then nothing was written.
+    bool isTrace() const { return m_state == State::isTrace; }
 
 private:
-    void take(const Piece &piece);
+    enum class State { searching, isTrace, refused };
+
+    void take(const RawLine &line);
+    void flush();
 
     Write m_write;
     Redactor m_redactor;
     LineReader m_reader;
     std::string m_pending;
     std::uint64_t m_maskedLines = 0;
-    bool m_isMasked = false;
+    State m_state = State::searching;
 };
 
 } // namespace tembra::trace

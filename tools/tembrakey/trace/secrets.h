@@ -1,4 +1,4 @@
-// Where a trace line's text shows secrets.
+// Finds secrets in the text of a trace log.
 #pragma once
 
 #include <cstddef>
@@ -9,43 +9,31 @@
 
 namespace tembra::trace {
 
-// What stands in a secret's place, whatever its length.
+// Replaces a secret of any length.
 inline constexpr std::string_view MASK_TEXT = "***";
 
-inline constexpr std::size_t NOWHERE = std::string_view::npos;
-
-// Offset behind the first "pwd =" of the text (oldpwd, newpwd and sopwd too), its blank included.
-std::size_t findPin(std::string_view text);
-
-// Whether the routine writes PINs into its lines.
-bool writesPins(std::string_view function);
-bool writesTwoPins(std::string_view function);
-
-// Offset of ", *pretrynum = N" or ", int *pretrynum = N" when the text ends with it. Only what lies
-// behind `from` counts.
-std::size_t findPinTail(std::string_view text, std::size_t from);
-
-// The stretch of a line between its first "pwd = " and its tail, masked; of two PINs, each. A null
-// pointer, which the log writes as (null), stays visible.
-std::string maskPins(std::string_view stretch, bool two);
-
-// A hex text in a message: "name[length:N]: 0123AB".
-struct Dump {
-    std::size_t name = NOWHERE; // where "[length:" stands; nowhere when there is no dump
-    std::size_t begin = 0;      // of the hex digits
-    std::size_t end = 0;
-    bool whole = false; // as many digits as the length says
+enum class Mask {
+    pins,
+    pinsAndData // also hex dumps other than certificates and public keys
 };
-Dump findDump(std::string_view message);
 
-// Whether the routine's dump of that name shows only what is public: a certificate or a public key.
-bool isPublicDump(std::string_view function, std::string_view name);
+// A stretch of a line's message.
+struct Secret {
+    std::size_t begin = std::string_view::npos; // npos: none
+    std::size_t end = std::string_view::npos;
+    bool isOpen = false; // may continue behind the line
+};
 
-// For text of unknown origin: offset behind "pin:", "password =" and the like.
-std::size_t findForeignSecret(std::string_view text);
+Secret findSecret(const Line &line, Mask mask);
 
-// For text of unknown origin: appends it to out with everything masked that could be a stretch of a
-// dump, that is eight and more hex digits (a number behind 0x stays), and any behind "]: ".
-void maskHex(std::string_view text, std::string &out);
+// The secret with masks for its PINs or its data.
+std::string maskedSecret(const Line &line, const Secret &secret);
+
+// For text of unknown origin: whether it has a piece of a PIN line.
+bool looksLikePinLine(std::string_view text);
+
+// For text of unknown origin: masks what follows "pin:", "password =" and the like and, with
+// pinsAndData, what could be a stretch of a dump.
+std::string maskForeign(std::string_view text, Mask mask);
 
 } // namespace tembra::trace

@@ -1,4 +1,4 @@
-// Texts for people, in the language that the program shows.
+// Texts for people, in the language of the program.
 #pragma once
 
 #include <cstdint>
@@ -8,13 +8,33 @@
 
 namespace tembra::trace {
 
-// Gives the translation of an English text, or the text itself.
-using Translate = const char *(*)(const char *english);
-
-// The text with {1}, {2} ... replaced by the values.
-std::string fill(std::string_view text, std::initializer_list<std::string_view> values);
+// Returns the translation of an English text with {1}, {2} ... replaced by the values.
+using Translate = std::string (*)(const char *english, std::initializer_list<std::string_view>);
 
 // 1204113 -> "1 204 113"
-std::string grouped(std::uint64_t number);
+inline std::string grouped(std::uint64_t number) {
+    std::string digits = std::to_string(number);
+    for (std::size_t end = digits.size(); end > 3; end -= 3)
+        digits.insert(end - 3, 1, ' ');
+    return digits;
+}
+
+// Escapes control characters, which could steer a terminal.
+inline std::string printable(std::string_view text) {
+    constexpr std::string_view HEX = "0123456789ABCDEF";
+    std::string shown;
+    shown.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0xFFu;
+        const bool isC1 = text[i] == '\xC2' && next >= 0x80 && next < 0xA0; // in UTF-8
+        const auto byte = isC1 ? next : static_cast<unsigned char>(text[i]);
+        if ((byte < 0x20 && byte != '\t') || byte == 0x7F || isC1)
+            (shown += "\\x").append({HEX[byte >> 4], HEX[byte & 15]});
+        else
+            shown += text[i];
+        i += isC1 ? 1 : 0;
+    }
+    return shown;
+}
 
 } // namespace tembra::trace

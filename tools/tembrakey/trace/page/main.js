@@ -1,156 +1,114 @@
-// What stands around the list, and the address: #q=sign&thread=7&entry=DeviceSign&failed=1&fold=open&line=41
+// Everything around the list, and the address: #q=sign&thread=7&entry=DeviceSign&failed=1&line=41
 
-function figures() {
-  const sum = data.summary;
-  const figure = (value, text, kind) =>
-    element("li", value ? kind : "", element("b", "", grouped(value)), element("span", "", text));
-  byId("figures").append(
-    figure(sum.calls, t("calls"), ""), figure(sum.failedCalls, t("with errors"), "fail"),
-    figure(sum.lostCalls, t("did not return"), "lost"), figure(sum.warnedCalls, t("with warnings"), "warn"),
-    figure(sum.threads, t("threads"), ""), figure(sum.lines, t("lines"), ""),
-    figure(sum.foreignLines, t("foreign lines"), ""));
+function address(line) {
+  const query = new URLSearchParams(Object.entries(state).filter(([, value]) => value));
+  if (line) query.set("line", line);
+  try { history.replaceState(null, "", "#" + query); } catch (refusal) { /* some browsers refuse it for local files */ }
 }
 
-function notes() {
+function makeFigures() {
   const sum = data.summary;
-  const note = (text, kind) => byId("notes").append(element("p", kind, text));
+  const figures = [["", sum.calls, t("calls")], ["fail", sum.failedCalls, t("with errors")],
+    ["refused", sum.refusedPins.length, t("PINs probably refused")], ["lost", sum.lostCalls, t("did not return")],
+    ["warn", sum.warnedCalls, t("with warnings")], ["", sum.threads, t("threads")], ["", sum.lines, t("lines")]];
+  byId("figures").append(...figures.map(([kind, value, text]) =>
+    element("li", value ? kind : "", element("b", "", grouped(value)), text)));
+}
+
+function makeFailure(failure) {
+  const call = calls.find((one) => one.firstLine === failure.firstLine || one.lines.some((line) => line.line === failure.firstLine));
+  const until = failure.last.slice(0, 10) === failure.first.slice(0, 10) ? clockOf(failure.last) : failure.last;
+  const row = button(failure.kind, () => call && show(call), element("b", "", grouped(failure.count) + "\u00d7"),
+    element("time", "", failure.first + (failure.count > 1 ? " \u2013 " + until : "")),
+    element("b", "", failure.entryPoint), element("span", "", failure.text));
+  row.disabled = !call;
+  return row;
+}
+
+function makeFailures() {
+  const all = data.summary.failures;
+  const bad = all.filter((one) => one.kind !== "ordinary");
+  const ordinary = all.filter((one) => one.kind === "ordinary");
+  const rare = [...bad].sort((a, b) => a.count - b.count).slice(0, 200);
+  const left = bad.length - rare.length + data.summary.otherFailures;
+  byId("failures").hidden = all.length === 0;
+  byId("failures").append(element("h2", "", bad.length ? t("Failures") : t("No failures")),
+    ...bad.filter((one) => rare.includes(one)).map(makeFailure));
+  if (left) byId("failures").append(element("p", "", t("... and {1} more", grouped(left))));
+  if (ordinary.length)
+    byId("failures").append(element("details", "", element("summary", "",
+      t("Notes: ordinary although logged as errors (no such setting, certificate or key pair)")), ...ordinary.map(makeFailure)));
+}
+
+function makeExtras() {
+  const card = (title, content) => byId("extras").append(element("details", "card", element("summary", "", title), content));
+  const row = (kind, ...texts) => element("tr", "", ...texts.map((text) => element(kind, "", text)));
+  const entries = [...data.summary.entryPoints].sort((a, b) => b.calls - a.calls).map((entry) =>
+    row("td", entry.name, grouped(entry.calls), grouped(entry.failed), durationText(entry.longestSeconds)));
+  if (entries.length)
+    card(t("Entry points in the whole log"), element("table", "", row("th", t("Entry point"), t("Calls"), t("With errors"), t("Longest")), ...entries));
+  const foreign = data.foreign.map((line) => `${String(line.line).padStart(8)}  ${line.text}\n`);
+  const more = data.summary.foreignLines - foreign.length;
+  if (more > 0) foreign.push(t("... and {1} more", grouped(more)));
+  if (foreign.length)
+    card(t("Lines that are not trace lines ({1})", grouped(data.summary.foreignLines)), element("pre", "", ...foreign));
+}
+
+function makeNotes() {
+  const texts = [t("PINs, and hex dumps other than certificates and public keys, are masked. The log has no results: a call counts as failed if it wrote an error line.")];
   if (data.callsShown < data.callsSeen)
-    note(t("This page holds {1} of {2} calls: those with errors first, then the latest others. Filter, or raise --limit, to see more.",
-      grouped(data.callsShown), grouped(data.callsSeen)), "limit");
-  if (data.isFiltered) note(t("The log was filtered when this page was made."), "limit");
-  note(sum.hasDurations
-    ? t("The log's clock shows whole seconds: durations are right to within one second.")
-    : t("No durations: the log has no entry and exit lines (level 4 writes them); calls are told apart by the lines of their arguments."));
-  note(t("PINs, and hex texts other than certificates and public keys, are masked. Results are not in the log: a call counts as failed when it wrote an error line."));
-}
-
-function failedList() {
-  const bad = calls.filter((call) => call.failed || call.lost);
-  byId("failed").hidden = bad.length === 0;
-  byId("failed").append(element("h2", "", t("Calls with errors, or without an end ({1})", grouped(bad.length))));
-  for (const call of bad.slice(0, 200)) {
-    const error = firstError(call);
-    const row = element("button", "", element("span", "time", call.begin), element("span", "id", String(call.thread)),
-      element("span", "name", nameOf(call)), element("span", "what", error ? error.message : durationText(call)));
-    row.type = "button";
-    row.addEventListener("click", () => show(call));
-    byId("failed").append(row);
-  }
-  if (bad.length > 200) byId("failed").append(element("p", "fine", t("{1} more are in the list below", grouped(bad.length - 200))));
-}
-
-function entryTable() {
-  const cell = (name, text, kind) => element(name, kind, text);
-  const table = element("table", "", element("tr", "", cell("th", t("Entry point")), cell("th", t("Calls"), "number"),
-    cell("th", t("With errors"), "number"), cell("th", t("Longest"), "number")));
-  for (const entry of [...data.summary.entryPoints].sort((a, b) => b.calls - a.calls)) {
-    const longest = entry.longestSeconds === null ? "" : entry.longestSeconds === 0 ? t("under 1 s") : t("about {1} s", entry.longestSeconds);
-    table.append(element("tr", "", cell("td", entry.name), cell("td", grouped(entry.calls), "number"),
-      cell("td", grouped(entry.failed), "number"), cell("td", longest, "number")));
-  }
-  return element("details", "card", element("summary", "", t("Entry points in the whole log")), table);
-}
-
-function foreignList() {
-  const text = element("pre");
-  for (const line of data.foreign) text.append(element("b", "", String(line.line).padStart(8) + "  "), line.text + "\n");
-  const more = data.summary.foreignLines - data.foreign.length;
-  if (more > 0) text.append(t("... and {1} more", grouped(more)));
-  return element("details", "card", element("summary", "", t("Lines that are no trace lines ({1})", grouped(data.summary.foreignLines))), text);
-}
-
-function option(value, text) {
-  const made = element("option", "", text);
-  made.value = value;
-  return made;
-}
-
-function fillTools() {
-  byId("search").value = state.q;
-  byId("thread").value = state.thread;
-  byId("entry").value = state.entry;
-  byId("only-failed").checked = state.failed;
+    texts.unshift(t("This page holds {1} of {2} calls: of each kind the first and the latest, rare ones all. Filter, or raise --limit, to see more.",
+      grouped(data.callsShown), grouped(data.callsSeen)));
+  if (data.isFiltered) texts.unshift(t("The log was filtered when this page was made."));
+  texts.push(data.summary.hasDurations
+    ? t("The clock of the log shows whole seconds: durations are right to within one second; on the timeline, bars within a second follow the order of the lines, and long silences (striped) are drawn short.")
+    : t("No durations: they need the entry and exit lines of level 4."));
+  byId("notes").append(...texts.map((text) => element("p", "", text)));
 }
 
 function makeTools() {
-  byId("search").placeholder = t("Search calls, arguments, messages ( / )");
-  byId("unfold").textContent = t("Unfold all");
-  byId("fold").textContent = t("Fold all");
-  byId("only-failed").nextSibling.textContent = t("only failed");
+  const option = (value, text) => Object.assign(element("option", "", text), { value });
   const threads = [...new Set(calls.map((call) => call.thread))].sort((a, b) => a - b);
+  const names = [...new Set(calls.map((call) => call.entryPoint))].sort();
   byId("thread").append(option("", t("all threads")), ...threads.map((id) => option(String(id), t("thread {1}", id))));
-  const names = [...new Set(calls.map((call) => call.entryPoint).filter(Boolean))].sort();
   byId("entry").append(option("", t("all entry points")), ...names.map((name) => option(name, name)));
+  byId("q").placeholder = t("Search calls, arguments, messages ( / )");
+  for (const [id, text] of [["unfold", t("Unfold all")], ["fold", t("Fold all")], ["zoom-fit", t("Fit")], ["failed-text", t("only failed")],
+    ["theme", t("Light or dark")], ["timeline-title", t("Threads")]]) byId(id).textContent = text;
+  for (const [id, text] of [["q", t("Search")], ["thread", t("Thread")], ["entry", t("Entry point")], ["lanes", t("Timeline")],
+    ["zoom-in", t("Zoom in")], ["zoom-out", t("Zoom out")]]) { byId(id).ariaLabel = text; byId(id).title = text; }
+  const kinds = [["", t("call")], ["fail", t("with errors")], ["refused", t("PIN probably refused")], ["lost", t("did not return")]];
+  byId("legend").append(...kinds.map(([kind, text]) => element("span", "", element("i", "bar " + kind), text)));
   let waiting = 0;
-  byId("search").addEventListener("input", (event) => {
-    clearTimeout(waiting);
-    waiting = setTimeout(() => { state.q = event.target.value.toLowerCase(); update(); }, 150);
-  });
-  byId("thread").addEventListener("change", (event) => { state.thread = event.target.value; update(); });
-  byId("entry").addEventListener("change", (event) => { state.entry = event.target.value; update(); });
-  byId("only-failed").addEventListener("change", (event) => { state.failed = event.target.checked; update(); });
-  byId("unfold").addEventListener("click", () => foldAll(false));
-  byId("fold").addEventListener("click", () => foldAll(true));
+  const filter = () => setFilter({ q: byId("q").value, thread: byId("thread").value, entry: byId("entry").value, failed: byId("failed").checked ? "1" : "" });
+  byId("q").addEventListener("input", () => { clearTimeout(waiting); waiting = setTimeout(filter, 150); });
+  for (const id of ["thread", "entry", "failed"]) byId(id).addEventListener("change", filter);
+  byId("unfold").addEventListener("click", () => foldAll(true));
+  byId("fold").addEventListener("click", () => foldAll(false));
   byId("more").addEventListener("click", buildMore);
-  document.addEventListener("keydown", (event) => {
-    if (event.key !== "/" || event.target === byId("search")) return;
+  byId("theme").addEventListener("click", () => document.documentElement.classList.toggle("dark"));
+  addEventListener("keydown", (event) => {
+    if (event.key !== "/" || event.target === byId("q")) return;
     event.preventDefault();
-    byId("search").focus();
+    byId("q").focus();
   });
-}
-
-// All that are built; the list grows by its button.
-function foldAll(isFolded) {
-  for (const call of calls) {
-    if (!isFolded && rows[call.index]) unfold(call);
-    else if (rows[call.index]) rows[call.index].open = false;
-  }
-  tell();
-}
-
-// Keeps the address in step, and says in the document what is shown.
-function tell(line) {
-  document.body.dataset.shown = shownRoots.length;
-  document.body.dataset.open = document.querySelectorAll("details.call[open]").length;
-  const query = new URLSearchParams();
-  for (const [name, value] of Object.entries(state)) if (value) query.set(name, value === true ? "1" : value);
-  if (line) query.set("line", line);
-  try { history.replaceState(null, "", "#" + query); } catch (refused) { /* some browsers do for local files */ }
-}
-
-function theme() {
-  const dark = matchMedia("(prefers-color-scheme: dark)");
-  const set = (isDark) => {
-    document.documentElement.dataset.theme = isDark ? "dark" : "light";
-    byId("theme").textContent = isDark ? t("Light") : t("Dark");
-  };
-  set(dark.matches);
-  dark.addEventListener("change", (event) => set(event.matches));
-  byId("theme").addEventListener("click", () => set(document.documentElement.dataset.theme !== "dark"));
 }
 
 function start() {
-  const asked = new URLSearchParams(location.hash.slice(1));
+  const asked = Object.fromEntries(new URLSearchParams(location.hash.slice(1)));
   document.documentElement.lang = t("en");
-  document.title = t("Trace of {1}", data.source);
-  byId("title").textContent = document.title;
+  document.documentElement.classList.toggle("dark", matchMedia("(prefers-color-scheme: dark)").matches || asked.theme === "dark");
+  byId("title").textContent = document.title = t("Trace of {1}", data.source);
   byId("span").textContent = data.summary.begin ? data.summary.begin + " \u2013 " + data.summary.end : "";
-  theme();
-  figures();
-  notes();
-  drawTimeline();
-  failedList();
   makeTools();
-  if (data.summary.entryPoints.length) byId("extras").append(entryTable());
-  if (data.foreign.length) byId("extras").append(foreignList());
-  Object.assign(state, { q: (asked.get("q") || "").toLowerCase(), thread: asked.get("thread") || "",
-    entry: asked.get("entry") || "", failed: asked.get("failed") === "1" });
-  if (asked.has("theme")) byId("theme").click();
-  fillTools();
-  update();
-  if (asked.get("fold") === "open") foldAll(false);
-  if (asked.get("fold") === "closed") foldAll(true);
-  const wanted = calls.find((call) => String(call.firstLine) === asked.get("line"));
+  makeFigures();
+  makeFailures();
+  drawTimeline();
+  makeExtras();
+  makeNotes();
+  setFilter(asked);
+  if (asked.fold) foldAll(asked.fold === "open");
+  const wanted = calls.find((call) => String(call.firstLine) === asked.line);
   if (wanted) show(wanted);
 }
 start();

@@ -1,13 +1,10 @@
 "use strict";
-// The calls as the page works with them: flat, in the order of the log, each knowing the call around it.
+// The calls in the order of the log, flat, each with the call around it.
 
 const data = JSON.parse(document.getElementById("data").textContent);
 
-function t(english, ...values) {
-  const text = data.texts[english] || english;
-  return text.replace(/\{(\d)\}/g, (hole, index) => values[index - 1] ?? hole);
-}
-
+const fill = (text, values) => text.replace(/\{(\d)\}/g, (hole, index) => values[index - 1] ?? hole);
+const t = (english, ...values) => fill(data.texts[english] || english, values);
 const byId = (id) => document.getElementById(id);
 
 function element(name, className, ...children) {
@@ -17,45 +14,53 @@ function element(name, className, ...children) {
   return made;
 }
 
+function button(className, action, ...children) {
+  const made = element("button", className, ...children);
+  made.type = "button";
+  made.addEventListener("click", action);
+  return made;
+}
+
 const grouped = (number) => String(number).replace(/\B(?=(\d{3})+$)/g, "\u202f");
 const secondOf = (text) => Date.parse(text.replace(" ", "T") + "Z") / 1000;
 const clockOf = (text) => text.slice(11);
 
 const calls = [];
-const roots = [];
+const refused = new Set(data.summary.refusedPins);
+
+function messageOf(line) {
+  return line.code ? `${line.message} (${line.code.name}: ${line.code.meaning})` : line.message;
+}
 
 function plant(call, around, depth) {
-  call.index = calls.length;
-  call.around = around;
-  call.depth = depth;
-  call.from = secondOf(call.begin);
-  call.to = secondOf(call.end);
-  call.lost = call.entryLine && !call.exitLine;
-  call.state = call.failed ? "fail" : call.lost ? "lost" : call.warnings ? "warn" : "";
-  const texts = call.lines.map((line) => line.function + " " + line.message);
-  call.hay = [call.entryPoint, call.thread, call.begin, ...texts].join("\n").toLowerCase();
+  const lost = call.entryLine && !call.exitLine;
+  const isRefused = call.lines.some((line) => refused.has(line.line));
+  const texts = call.lines.map((line) => line.function + " " + messageOf(line));
+  Object.assign(call, {
+    index: calls.length, around, depth, from: secondOf(call.begin), to: secondOf(call.end),
+    state: call.failed ? "fail" : isRefused ? "refused" : lost ? "lost" : call.warnings ? "warn" : "",
+    text: [call.entryPoint, call.thread, call.begin, ...texts].join("\n").toLowerCase(),
+  });
+  call.isBad = ["fail", "refused", "lost"].includes(call.state);
   calls.push(call);
   for (const inner of call.calls) plant(inner, call, depth + 1);
 }
-for (const call of data.calls) {
-  roots.push(call);
-  plant(call, null, 0);
+for (const call of data.calls) plant(call, null, 0);
+
+const rootOf = (call) => (call.around ? rootOf(call.around) : call);
+
+function durationText(seconds) {
+  return seconds === null ? "" : seconds === 0 ? t("under 1 s") : t("about {1} s", grouped(seconds));
 }
 
-const nameOf = (call) => call.entryPoint || t("(inside a call that began before the log)");
-
-function durationText(call) {
-  if (call.durationSeconds !== null)
-    return call.durationSeconds === 0 ? t("under 1 s") : t("about {1} s", call.durationSeconds);
-  if (call.lost) return t("did not return");
-  return call.exitLine ? t("began before the log") : "";
+function stateText(call) {
+  if (call.state === "refused") return t("PIN probably refused");
+  if (call.state === "lost") return t("did not return");
+  return durationText(call.durationSeconds) || (call.exitLine ? t("began before the log") : "");
 }
 
-const firstError = (call) => call.lines.find((line) => line.level === "ERROR");
-
-function pauseText(seconds) {
-  if (seconds < 120) return t("{1} s", seconds);
-  if (seconds < 7200) return t("{1} min", Math.round(seconds / 60));
-  if (seconds < 172800) return t("{1} h", Math.round(seconds / 3600));
-  return t("{1} days", Math.round(seconds / 86400));
+function previewOf(call) {
+  const error = call.lines.find((line) => line.level === "ERROR" && !line.ordinary);
+  const pairs = Object.entries(call.arguments).map(([name, value]) => `${name} ${value}`);
+  return error ? messageOf(error) : pairs.join("   ") || (call.lines.length ? messageOf(call.lines[0]) : "");
 }
