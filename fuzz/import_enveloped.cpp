@@ -65,7 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const int before = DeviceGetKeypairCount(device);
     const int rv = DeviceImportKeypair(device, blob.data(), blob.size(),
                                        ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, "c", &pair);
-    require(rv == 1 || rv == 0 || rv == ORVEL_PKI_NOTLOGGEDIN || rv == ORVEL_PKI_BADARGUMENT,
+    require(rv == 1 || rv == 0 || rv == TEMBRA_NOT_LOGGED_IN || rv == TEMBRA_BAD_ARGUMENT,
             "a result that there is not");
     require((rv == 1) == (pair != nullptr), "a handle without success, or none with it");
     require(DeviceGetKeypairCount(device) == before + (rv == 1), "the number of key pairs");

@@ -30,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     SPI_KEYPAIR_HANDLE pair = nullptr;
     const int rv = DeviceImportKeypair(device, blob.data(), blob.size(),
                                        ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, "c", &pair);
-    require(rv == 1 || rv == 0 || rv == ORVEL_PKI_BADARGUMENT, "a result that there is not");
+    require(rv == 1 || rv == 0 || rv == TEMBRA_BAD_ARGUMENT, "a result that there is not");
     require((rv == 1) == (pair != nullptr), "a handle without success, or none with it");
     DeviceFreeKeypair(pair);
     return 0;

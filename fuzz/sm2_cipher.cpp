@@ -38,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     int length = -1;
     const int rv = DevicePrivateKeyDecrypt(pair, algorithm, param, cipher.data(), cipher.size(),
                                            clear.data(), clear.size(), &length);
-    require(rv == 1 || rv == 0 || rv == ORVEL_PKI_BADARGUMENT || rv == ORVEL_PKI_NOTLOGGEDIN ||
+    require(rv == 1 || rv == 0 || rv == TEMBRA_BAD_ARGUMENT || rv == TEMBRA_NOT_LOGGED_IN ||
                 rv == ORVEL_PKI_MOREDATA,
             "a result that there is not");
     require(rv != 1 || (length >= 0 && length <= clear.size()), "a length beyond the buffer");

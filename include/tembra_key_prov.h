@@ -1,28 +1,37 @@
 /*
  * TembraKeyProv: smart tokens with an SKF interface (GM/T 0016) for a host PKI framework.
  *
- * C11 and C++. All lengths are in bytes, key sizes in bits, texts are NUL-terminated UTF-8. Every
- * entry point writes to the trace log; AT LEVEL INFORMATION, WHICH IS ON UNLESS SWITCHED OFF, THE
- * TRACE HOLDS PINS IN CLEAR (environment variable TEMBRA_KEY_PROV_LOG_LEVEL, 0 silences it).
+ * C11 and C++. Lengths are in bytes, key sizes in bits, texts are NUL-terminated UTF-8. Every entry
+ * point writes to the trace log. AT LEVEL INFORMATION, WHICH IS THE DEFAULT, THE TRACE CONTAINS
+ * PINS IN CLEAR; set the environment variable TEMBRA_KEY_PROV_LOG_LEVEL to 2 or less to keep them
+ * out.
  *
- * Results. Unless a function says otherwise it returns one of the ORVEL_PKI_ results below: 1 for
- * success, 0 for a failure of the token, of the host library, of memory or of the device's state,
- * a negative value for what the caller got wrong or can mend.
+ * Framework names. If the framework's own header defines the ORVEL_PKI_ constants and the
+ * SPI_..._HANDLE types (pointers), include that header first and define
+ * TEMBRA_WITHOUT_FRAMEWORK_NAMES; this header then defines neither.
  *
- * Buffers. An entry point that hands out bytes or text takes a buffer, its capacity and a pointer
- * to the length. The needed length is stored first, where that pointer is not null. A null buffer
- * makes the call a length query that returns 1. A buffer that is too short returns
- * ORVEL_PKI_MOREDATA and is left untouched. Text lengths count the closing NUL.
+ * Results. Unless stated otherwise, a function returns 1 on success, 0 on a failure of the token,
+ * the host library, memory or the device's state, and a negative TEMBRA_ result if the caller can
+ * correct the problem. The numbers at the end of a description are the possible results.
  *
- * Handles. A handle that is not null is trusted: a stale or foreign one is undefined behaviour.
- * Every handle goes back through its DeviceFree... function, exactly once for each time it was
- * handed out. Free the hash and cipher handles of a device before the last device or key pair
- * handle of it: they do not keep the device alive and are destroyed with it.
+ * Buffers. An entry point that returns bytes or text takes a buffer, its capacity and a pointer to
+ * the length. It first stores the required length, if that pointer is not null. With a null buffer
+ * it then returns 1; with a capacity that is too small or negative it returns ORVEL_PKI_MOREDATA
+ * and leaves the buffer untouched. Text lengths include the NUL.
  *
- * Threads. Any thread may call at any time between DeviceInit and DeviceEnd; those two run while
- * nothing else does. One process-wide lock serialises discovery, reference counts and the token
- * calls of most entry points. A hash or cipher handle is used by one caller at a time; device
- * authentication, private-key decryption and the work on hash and cipher handles take no lock.
+ * Pointers to lengths and retry counts. At level information the entry line shows the int that
+ * pretrynum or a pret...len points to, so initialise it. DeviceUnlockPwd, DeviceCipherUpdate and
+ * the getters of texts and keys do not read it on entry.
+ *
+ * Handles. A handle that is not null is trusted; using a stale or foreign one is undefined
+ * behaviour. Pass every handle to its DeviceFree... function once for each time you obtained it.
+ * Free a device's hash and cipher handles before its last device or key pair handle: they do not
+ * keep the device alive and are destroyed with it.
+ *
+ * Threads. Any thread may call between DeviceInit and DeviceEnd, which must run alone. A
+ * process-wide lock serialises discovery, reference counts and most token calls. It is not taken by
+ * DevicePrivateKeyDecrypt, device authentication and operations on hash and cipher handles. Use a
+ * hash or cipher handle from one thread at a time.
  */
 #ifndef TEMBRA_KEY_PROV_H
 #define TEMBRA_KEY_PROV_H
@@ -34,6 +43,8 @@ extern "C" {
 #include <stdint.h>
 #endif
 
+#ifndef TEMBRA_WITHOUT_FRAMEWORK_NAMES
+
 /* Opaque handles. */
 typedef struct TembraDeviceSet *SPI_DEVICESET_HANDLE;
 typedef struct TembraDevice *SPI_DEVICE_HANDLE;
@@ -42,19 +53,8 @@ typedef struct TembraPublicKey *SPI_PUBLICKEY_HANDLE;
 typedef struct TembraHashContext *SPI_HASH_HANDLE;
 typedef struct TembraCipherContext *SPI_CIPHER_HANDLE;
 
-/* Results. */
-enum {
-    ORVEL_PKI_SUCCESS = 1,
-    ORVEL_PKI_FAILURE = 0,
-    ORVEL_PKI_BADARGUMENT = -1,
-    ORVEL_PKI_NULLHANDLE = -2,
-    ORVEL_PKI_MOREDATA = -4,      /* the needed length has been stored */
-    ORVEL_PKI_WRONGPIN = -5,      /* wrong or locked PIN, failed device authentication */
-    ORVEL_PKI_ALREADYEXISTS = -6, /* container label or data object id */
-    ORVEL_PKI_NOTEXIST = -7,      /* data object */
-    ORVEL_PKI_NOTLOGGEDIN = -8,   /* verify the PIN and call again */
-    ORVEL_PKI_PINLENGTH = -19     /* the token does not take a PIN of this length */
-};
+/* The buffer is too small; the required length has been stored. */
+enum { ORVEL_PKI_MOREDATA = -4 };
 
 /* Key pair types. */
 enum { ORVEL_PKI_KEYPAIRTYPE_ENCRYPT = 1, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE = 2 };
@@ -76,20 +76,37 @@ enum {
     ORVEL_PKI_ALGORITHM_SMS4_CBC = 0x04C00000
 };
 
-/* Usages that DeviceIsSupportedAlgorithm2 is asked about. */
+/* Usages for DeviceIsSupportedAlgorithm2. */
 enum {
     ORVEL_PKI_USAGE_ENCRYPT = 1,
     ORVEL_PKI_USAGE_DECRYPT = 2,
     ORVEL_PKI_USAGE_HASH = 3,
-    ORVEL_PKI_USAGE_SIGN = 5,
     ORVEL_PKI_USAGE_GENKEYPAIR = 7,
     ORVEL_PKI_USAGE_IMPORTKEYPAIR = 11
 };
 
+enum { ORVEL_PKI_ECC_CURVE_SM2 = 7 };
+
+#endif /* TEMBRA_WITHOUT_FRAMEWORK_NAMES */
+
+/* Results; see also ORVEL_PKI_MOREDATA. */
+enum {
+    TEMBRA_SUCCESS = 1,
+    TEMBRA_FAILURE = 0,
+    TEMBRA_BAD_ARGUMENT = -1,
+    TEMBRA_NULL_HANDLE = -2,
+    TEMBRA_WRONG_PIN = -5, /* not a locked PIN, except in DeviceUnlockPwd */
+    TEMBRA_ALREADY_EXISTS = -6,
+    TEMBRA_NOT_FOUND = -7,
+    TEMBRA_NOT_LOGGED_IN = -8, /* call DeviceVerifyPwd, then repeat the call */
+    TEMBRA_PIN_LENGTH = -19    /* the token does not accept a PIN of this length */
+};
+
+/* The usage of signing, in addition to the ORVEL_PKI_USAGE_ values. */
+enum { TEMBRA_USAGE_SIGN = 5 };
+
 /* PIN types. */
 enum { TEMBRA_PWD_USER = 1, TEMBRA_PWD_ADMIN = 2, TEMBRA_PWD_DEVICE_AUTH = 3 };
-
-enum { ORVEL_PKI_ECC_CURVE_SM2 = 7 };
 
 /* The parameter of SM2 key pair generation. */
 typedef struct TembraEccParam {
@@ -99,226 +116,254 @@ typedef struct TembraEccParam {
 
 /* ---- Lifecycle ------------------------------------------------------------------------------ */
 
-/* Reads the settings, obtains the host library's pseudo device and makes the process-wide lock.
- * Called once, before anything else. 1, or 0 when the pseudo device cannot be had. */
+/* Reads the settings, obtains the host library's pseudo device and creates the process-wide lock.
+ * Call it once, before all other functions. Returns 1, or 0 without a pseudo device. */
 int DeviceInit(void);
 
-/* Releases the pseudo device and the lock; handles are the host's to free first. Always 1. */
+/* Releases the pseudo device and the lock, but no handles: free them first. Returns 1. */
 int DeviceEnd(void);
 
 /* ---- Device set and devices ----------------------------------------------------------------- */
 
-/* Connects every token present and makes one device for each application on it, logged out (or
- * one unformatted device for a token without application), at most 16 devices. Returns the set,
- * empty when there is no token; null when memory is short. Free with DeviceFreeDevices. Every call
- * connects anew; earlier sets stay valid. Holds the process-wide lock throughout. */
+/* Connects to every token present and creates a device for each application on it, logged out, or
+ * an unformatted device for a token without applications; at most 16 devices. Returns a set, which
+ * is empty if there is no token, or null if memory runs out. Free it with DeviceFreeDevices. Each
+ * call connects again; earlier sets remain valid. */
 SPI_DEVICESET_HANDLE DeviceGetAllDevices(void);
 
-/* Number of devices in the set; -1 for a null set. */
+/* Returns the number of devices in the set; -1 for a null set. */
 int DeviceGetDeviceCount(SPI_DEVICESET_HANDLE hDeviceSet);
 
-/* The device at index (from 0), or null. Free with DeviceFreeDevice; it outlives the set. */
+/* Returns the device at index, from 0, or null if there is none. Free it with DeviceFreeDevice. The
+ * device remains valid after the set is freed. */
 SPI_DEVICE_HANDLE DeviceGetDevice(SPI_DEVICESET_HANDLE hDeviceSet, int index);
 
-/* Free a set, a device. Null is allowed. Always 1. The last handle of a device or of one of its
- * key pairs closes its application and disconnects the token, also under other devices that were
- * made for the same token. A device one of whose key pairs was deleted is never destroyed. */
+/* Free a set or a device, which may be null. Freeing the last handle of a device and of its key
+ * pairs closes its application and disconnects the token, which affects other devices of the same
+ * token. A device with a deleted key pair is never destroyed. Return 1. */
 int DeviceFreeDevices(SPI_DEVICESET_HANDLE hDeviceSet);
 int DeviceFreeDevice(SPI_DEVICE_HANDLE hDevice);
 
-/* Serial number and label of the token, as text in the buffer protocol: 1, ORVEL_PKI_MOREDATA, or
- * 0 for a null handle. */
+/* The token's serial number and label as text. 1; 0 for a null handle; -4. */
 int DeviceGetSerialNumber(SPI_DEVICE_HANDLE hDevice, char *sn, int snlen, int *pretsnlen);
 int DeviceGetLabel(SPI_DEVICE_HANDLE hDevice, char *label, int labellen, int *pretlabellen);
 
-/* Do nothing, on purpose: the provider locks the token itself where it must. Always 1. */
+/* Do nothing: the provider locks the token itself where necessary. Return 1. */
 int DeviceLockDevice(SPI_DEVICE_HANDLE hDevice);
 int DeviceUnlockDevice(SPI_DEVICE_HANDLE hDevice);
 
 /* ---- Key pairs ------------------------------------------------------------------------------ */
 
-/* Number of key pairs of the device; -1 for null. */
+/* Returns the device's number of key pairs; -1 for a null device. */
 int DeviceGetKeypairCount(SPI_DEVICE_HANDLE hDevice);
 
-/* The key pair at index (from 0), or null. Containers stand in the token's order, the signature
- * pair of a container before its encryption pair. Free with DeviceFreeKeypair; it keeps the device
- * alive. */
+/* Returns the key pair at index, from 0, or null if there is none. Key pairs are in the token's
+ * order of containers, the signature pair before the encryption pair. Free with DeviceFreeKeypair;
+ * the handle keeps the device alive. */
 SPI_KEYPAIR_HANDLE DeviceGetKeypair(SPI_DEVICE_HANDLE hDevice, int index);
 
-/* The first key pair with this type (ORVEL_PKI_KEYPAIRTYPE_) and exactly this label, the name of
- * its container. 1 with *phKeypair set; 0 when there is none (*phKeypair untouched); -2 for a null
- * device. Free with DeviceFreeKeypair. */
+/* Finds the first key pair with this ORVEL_PKI_KEYPAIRTYPE_ and exactly this label, which is the
+ * name of its container. Free it with DeviceFreeKeypair. 1; 0 if there is none or label or
+ * phKeypair is null, *phKeypair is then unchanged; -2. */
 int DeviceFindKeypair(SPI_DEVICE_HANDLE hDevice, int type, const char *label,
                       SPI_KEYPAIR_HANDLE *phKeypair);
 
-/* Gives one handle back. Null is allowed. Always 1. */
+/* Frees one handle, which may be null. Returns 1. */
 int DeviceFreeKeypair(SPI_KEYPAIR_HANDLE hKeypair);
 
-/* The label, as text in the buffer protocol; -2 for a null handle. */
+/* The label as text: at most 65 bytes with its NUL, as GM/T 0016 limits container names to 64.
+ * Also of a deleted pair. 1; -2; -4. */
 int DeviceGetKeypairLabel(SPI_KEYPAIR_HANDLE hKeypair, char *label, int labellen,
                           int *pretlabellen);
 
-/* ORVEL_PKI_KEYPAIRTYPE_, ORVEL_PKI_ALGORITHM_RSA or _ECC, key size in bits; -1 for null. */
+/* Return the ORVEL_PKI_KEYPAIRTYPE_, ORVEL_PKI_ALGORITHM_RSA or _ECC, and the key size, also of a
+ * deleted pair; -1 for a null handle. */
 int DeviceGetKeypairType(SPI_KEYPAIR_HANDLE hKeypair);
 int DeviceGetKeypairAlgorithm(SPI_KEYPAIR_HANDLE hKeypair);
 int DeviceGetKeypairBits(SPI_KEYPAIR_HANDLE hKeypair);
 
-/* Makes a signature key pair on the token, in a container named label or in the first container
- * without a key, whatever its name.
- *   algo     ORVEL_PKI_ALGORITHM_RSA (keybits 1024 or 2048, param null) or
- *            ORVEL_PKI_ALGORITHM_ECC (keybits 256, param a TembraEccParam). Any other value makes
- *            the container, returns 1 and leaves *phKeypair unset.
+/* Generates a signature key pair on the token, in the first container without a key, whatever its
+ * name, or in a new container named label. A device has at most 32 containers and 64 key pairs.
+ *   algo     ORVEL_PKI_ALGORITHM_RSA: keybits 1024 or 2048, param null.
+ *            ORVEL_PKI_ALGORITHM_ECC: keybits 256, param a TembraEccParam.
+ *            Any other value creates a container only, and returns 1 without setting *phKeypair.
  *   type     ORVEL_PKI_KEYPAIRTYPE_SIGNATURE
- * 1 with *phKeypair set (free with DeviceFreeKeypair); 0; -1; -2; -6 when a container of this name
- * exists; -8. A container made before a check failed stays on the token and is used again. */
+ *   label    not empty, at most what the token accepts (64 bytes in GM/T 0016; longer: 0)
+ * If the call fails after a container was created, the container stays on the token and the next
+ * call uses it. Free *phKeypair with DeviceFreeKeypair. 1; 0; -1 also for null label or phKeypair;
+ * -2; -6 if a container with this name exists; -8. */
 int DeviceGenerateKeypair(SPI_DEVICE_HANDLE hDevice, int algo, int keybits, const void *param,
                           int type, const char *label, SPI_KEYPAIR_HANDLE *phKeypair);
 
-/* Deletes the container with both its key pairs and certificates from the token. Handles to either
- * pair stay valid for DeviceFreeKeypair; every other use of them answers a failure. 1; -2 for a
- * null or already deleted pair; -8. Other refusals of the token are written to the trace, the pair
- * is dropped all the same and 1 is returned. */
+/* Deletes the pair's container with both key pairs and certificates from the token. Then, of both
+ * pairs, only label, type, algorithm, key size and the length queries of DeviceSign and
+ * DevicePrivateKeyDecrypt are available; all other calls fail. Free the handles as usual.
+ *
+ * After -8 the container is closed: the pair cannot be used until the deletion is repeated or
+ * DeviceGetAllDevices is called again. If the token refuses for another reason, the error is
+ * logged, the pair is dropped and 1 is returned. After a deletion of a container other than the
+ * last, imports may not find the last containers (0), and a container deleted later may keep its
+ * slot, so that its label cannot be used (-6), until DeviceGetAllDevices is called again. 1; -2
+ * also for a deleted pair; -8. */
 int DeviceDeleteKeypair(SPI_KEYPAIR_HANDLE hKeypair);
 
-/* Brings an encryption key pair into the container that holds the signature key pair of this
- * label.
- *   keyblob  "SCAENCKP" (enveloped for that container by a key management centre) or "_KEYPAIR"
- *            (plain, in the host library's encoding; the provider envelopes it itself)
- *   type     ORVEL_PKI_KEYPAIRTYPE_ENCRYPT
- * 1 with *phKeypair set (free with DeviceFreeKeypair); 0, also for a wrong type or a blob that is
- * refused; -1; -2; -8. */
+/* Imports an encryption key pair into the container named label, which must have a signature key
+ * pair.
+ *   keyblob  "SCAENCKP": enveloped for that container by a key management centre.
+ *            "_KEYPAIR": plain, in the host library's encoding; the provider envelopes it.
+ *   type     ORVEL_PKI_KEYPAIRTYPE_ENCRYPT; otherwise 0
+ * Free *phKeypair with DeviceFreeKeypair. 1; 0; -1 for a null pointer, an empty label or less than
+ * 9 bytes; -2; -8. */
 int DeviceImportKeypair(SPI_DEVICE_HANDLE hDevice, const unsigned char *keyblob, int keybloblen,
                         int type, const char *label, SPI_KEYPAIR_HANDLE *phKeypair);
 
 /* ---- Public keys ---------------------------------------------------------------------------- */
 
-/* A copy of the pair's public key, independent of the device; null on failure. Free with
- * DeviceFreePublicKey. */
+/* Returns a copy of the pair's public key, independent of the device, or null on failure. Free it
+ * with DeviceFreePublicKey. */
 SPI_PUBLICKEY_HANDLE DeviceGetPublicKeyFromKeypair(SPI_KEYPAIR_HANDLE hKeypair);
 
-/* The key in the host library's encoding, in the buffer protocol (at most 1024 bytes); -1 for a
- * null handle or a key without bytes. */
+/* The key in the host library's encoding, at most 1024 bytes. 1; -1 for a null handle or an empty
+ * key; -4. */
 int DeviceExportPublicKey(SPI_PUBLICKEY_HANDLE hPublicKey, unsigned char *keyblob, int keybloblen,
                           int *pretkeybloblen);
 
-/* ORVEL_PKI_ALGORITHM_RSA or _ECC, key size in bits; -1 for null. */
+/* Return ORVEL_PKI_ALGORITHM_RSA or _ECC, and the key size; -1 for a null handle. */
 int DeviceGetPublicKeyAlgorithm(SPI_PUBLICKEY_HANDLE hPublicKey);
 int DeviceGetPublicKeyBits(SPI_PUBLICKEY_HANDLE hPublicKey);
 
-/* Null is allowed. Always 1. */
+/* Frees the key, which may be null. Returns 1. */
 int DeviceFreePublicKey(SPI_PUBLICKEY_HANDLE hPublicKey);
 
 /* ---- Certificates (X.509, DER) -------------------------------------------------------------- */
 
-/* 1 when the pair has a certificate, else 0; -1 for a null handle or a deleted pair. */
+/* Returns 1 if the pair has a certificate, else 0; -1 for a null handle or a deleted pair. */
 int DeviceGetCertificateCount(SPI_KEYPAIR_HANDLE hKeypair);
 
-/* The pair's certificate, in the buffer protocol; index is compared with the device's number of
- * containers and selects nothing else. 0 when there is none; -1 for an index too large; -2 for a
- * null handle or a deleted pair. Read from memory, without the token. */
+/* The pair's certificate, from memory. index must be less than the device's number of containers
+ * and is otherwise ignored, also if negative. 1; 0 if there is no certificate; -1 if index is too
+ * large; -2 also for a deleted pair; -4. */
 int DeviceGetCertificate(SPI_KEYPAIR_HANDLE hKeypair, int index, unsigned char *certblob,
                          int certbloblen, int *pretcertbloblen);
 
-/* Writes the pair's certificate to the token, in place of an earlier one. 1; 0; -2; -8. When
- * memory runs out after the token took it, the answer is 0 and the process-wide lock stays held by
- * the calling thread. */
+/* Writes the pair's certificate to the token and replaces an earlier one. If memory runs out after
+ * the token accepted it, the function returns 0 and THE CALLING THREAD KEEPS THE PROCESS-WIDE LOCK.
+ * 1; 0 also for a null certblob or a length that is not positive; -2 also for a deleted pair; -8.
+ */
 int DeviceUpdateCertificate(SPI_KEYPAIR_HANDLE hKeypair, const unsigned char *certblob,
                             int certbloblen);
 
 /* ---- Private-key operations ----------------------------------------------------------------- */
 
-/* Signs tbs as it is, with a signature key pair: for SM2 the 32-byte digest of Z and the message
- * (ORVEL_PKI_ALGORITHM_SM2_SIGN, GB/T 32918.2), for RSA the DigestInfo
- * (ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_SIGN, PKCS #1 v1.5 padding on the token). param is not used.
- *   tbs          null only when tbslen is 0; tbslen 0 only with a null tbs
- *   sign         null: *pretsignlen becomes 80 (SM2) or the modulus length (RSA), result 1
- *   pretsignlen  never null
- * 1; 0; -1; -2; -4 (SM2 only; a new signature is made by the next call); -8. */
+/* Signs tbs unchanged with a signature key pair.
+ *   algo         ORVEL_PKI_ALGORITHM_SM2_SIGN: tbs is the 32-byte digest of Z and the message
+ *                (GB/T 32918.2). ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_SIGN: tbs is the DigestInfo,
+ *                the token applies PKCS #1 v1.5 padding.
+ *   param        ignored
+ *   tbs          must be null if tbslen is 0
+ *   sign         null: sets *pretsignlen to 80 (SM2) or the modulus length (RSA) and returns 1
+ *   pretsignlen  must not be null
+ * 1; 0 also for an RSA buffer that is too small or a deleted pair; -1 also for another type or
+ * algo, a negative tbslen, or a buffer whose signlen is not positive; -2; -4 (SM2 only; the next
+ * call makes a new signature); -8. */
 int DeviceSign(SPI_KEYPAIR_HANDLE hKeypair, int algo, const void *param, const unsigned char *tbs,
                int tbslen, unsigned char *sign, int signlen, int *pretsignlen);
 
-/* Decrypts with either pair of a container: ORVEL_PKI_ALGORITHM_SM2_ENC (cipher is
- * 04 || x || y || C2 || C3, 97 bytes more than the message; param points to the int
- * ORVEL_PKI_ALGORITHM_SM3) or ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC (param not used).
- *   clear         null: *pretclearlen becomes cipherlen, an upper bound, result 1
- *   pretclearlen  never null
- * 1; 0, also for a wrong algo; -1; -2; -4; -8. Takes no lock. */
+/* Decrypts with either pair of a container, without taking the lock.
+ *   algo          ORVEL_PKI_ALGORITHM_SM2_ENC: cipher is 04 || x || y || C2 || C3, 97 bytes longer
+ *                 than the message; param points to the int ORVEL_PKI_ALGORITHM_SM3.
+ *                 ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC: param is ignored.
+ *   clear         null: sets *pretclearlen to cipherlen, an upper bound, and returns 1
+ *   pretclearlen  must not be null
+ * 1; 0 also for another algo or a deleted pair; -1 for a null cipher or pretclearlen, a cipherlen
+ * that is not positive, or a buffer with a negative clearlen; -2; -4; -8. */
 int DevicePrivateKeyDecrypt(SPI_KEYPAIR_HANDLE hKeypair, int algo, const void *param,
                             const unsigned char *cipher, int cipherlen, unsigned char *clear,
                             int clearlen, int *pretclearlen);
 
-/* ---- PINs and device authentication: the texts are written to the trace in clear ------------ */
+/* ---- PINs and device authentication: the trace contains the texts in clear ------------------ */
 
-/* Logs in with the user PIN (TEMBRA_PWD_USER), the administrator PIN (TEMBRA_PWD_ADMIN), or with
- * the device-authentication key as 32 characters of text (TEMBRA_PWD_DEVICE_AUTH).
- *   pretrynum  the token's remaining tries after a wrong PIN; -1 for device authentication
- * 1; 0; -1; -2; -5; -19. */
+/* Logs in with the user PIN (TEMBRA_PWD_USER) or administrator PIN (TEMBRA_PWD_ADMIN), or
+ * authenticates with the device-authentication key as 32 characters (TEMBRA_PWD_DEVICE_AUTH).
+ *   pretrynum  may be null; receives the remaining tries from the token after a wrong PIN, and -1
+ *              for device authentication
+ * 1; 0 also for a locked PIN; -1 for a null pwd or another type; -2; -5 for a wrong PIN or a failed
+ * authentication; -19. */
 int DeviceVerifyPwd(SPI_DEVICE_HANDLE hDevice, int type, const char *pwd, int *pretrynum);
 
 /* Changes the user or administrator PIN. Results and pretrynum as above. */
 int DeviceChangePwd(SPI_DEVICE_HANDLE hDevice, int type, const char *oldpwd, const char *newpwd,
                     int *pretrynum);
 
-/* Unblocks the user PIN (type TEMBRA_PWD_USER only) with the administrator PIN and sets it anew.
- * -5 says that the administrator PIN is locked. */
+/* Unblocks the user PIN with the administrator PIN and sets it to newpwd; type is TEMBRA_PWD_USER.
+ * 1; 0 also for a wrong administrator PIN; -1 for a null text or another type; -2; -5 for a locked
+ * administrator PIN; -19. */
 int DeviceUnlockPwd(SPI_DEVICE_HANDLE hDevice, int type, const char *sopwd, const char *newpwd,
                     int *pretrynum);
 
-/* Stores the remaining tries of the user or administrator PIN. 1; 0; -1; -2. */
+/* Stores the remaining tries of the user or administrator PIN in *pretrynum, if not null; 0 tries
+ * mean a locked PIN. 1; 0; -1 for another type; -2. */
 int DeviceGetPwdRetryNum(SPI_DEVICE_HANDLE hDevice, int type, int *pretrynum);
 
 /* ---- Random numbers and hashing ------------------------------------------------------------- */
 
-/* len random bytes from the token. 1 or 0. */
+/* Fills rand with len random bytes from the token. 1; 0 also for a null device, a negative len, or
+ * a null rand with a positive len. */
 int DeviceGenerateRandom(SPI_DEVICE_HANDLE hDevice, int len, unsigned char *rand);
 
-/* A new SM3 digest (GB/T 32905) on the token: algo is ORVEL_PKI_ALGORITHM_SM3. Null on failure.
- * Free with DeviceFreeHash, before the last handle of the device. */
+/* Returns a new SM3 digest (GB/T 32905) on the token, or null on failure; algo must be
+ * ORVEL_PKI_ALGORITHM_SM3. Free it with DeviceFreeHash, before the device's last handle. */
 SPI_HASH_HANDLE DeviceNewHash(SPI_DEVICE_HANDLE hDevice, int algo);
 
-/* Feeds datalen bytes, in pieces of at most MaxOperationLen bytes. 1; 0; -1; -2. */
+/* Adds data to the digest, in pieces of at most MaxOperationLen bytes. 1; 0; -1 for a negative
+ * datalen or null data with a positive datalen; -2. */
 int DeviceHashUpdate(SPI_HASH_HANDLE hHash, const unsigned char *data, int datalen);
 
-/* The 32-byte value; a length query does not finish the digest. prethashvaluelen is never null.
- * 1; 0; -1; -2; -4. */
+/* The 32-byte digest. A length query does not finish the digest. 1; 0; -1 for a null
+ * prethashvaluelen; -2; -4. */
 int DeviceHashFinal(SPI_HASH_HANDLE hHash, unsigned char *hashvalue, int hashvaluelen,
                     int *prethashvaluelen);
 
-/* Null is allowed. Always 1. */
+/* Frees the handle, which may be null. Returns 1. */
 int DeviceFreeHash(SPI_HASH_HANDLE hHash);
 
 /* ---- Symmetric ciphers ---------------------------------------------------------------------- */
 
-/* Imports a raw 16-byte key for one of the six block-cipher algorithms, without padding.
- *   enc    non-zero encrypts, 0 decrypts
- *   param  the 16-byte IV for the CBC algorithms, not used for ECB
- * Null on failure. Free with DeviceFreeCipher, before the last handle of the device. */
+/* Returns a cipher with a raw 16-byte key, without padding, or null on failure.
+ *   enc    non-zero to encrypt, 0 to decrypt
+ *   algo   one of the six block-cipher algorithms
+ *   param  the 16-byte IV for CBC; ignored for ECB
+ * Free it with DeviceFreeCipher, before the device's last handle. */
 SPI_CIPHER_HANDLE DeviceNewCipher(SPI_DEVICE_HANDLE hDevice, int enc, int algo,
                                   const unsigned char *key, int keylen, const void *param);
 
-/* Transforms inlen bytes, a multiple of 16, into as many; the CBC chain runs on from call to call.
- * out may be in. pretoutlen is never null. 1; 0; -1; -2; -4. */
+/* Transforms inlen bytes, a multiple of 16, into as many. CBC continues from call to call. in and
+ * out may be the same buffer. 1; 0; -1 for a null pretoutlen, a negative inlen, a null in with a
+ * positive inlen, or a negative outlen with an inlen of 0; -2; -4. */
 int DeviceCipherUpdate(SPI_CIPHER_HANDLE hCipher, const unsigned char *in, int inlen,
                        unsigned char *out, int outlen, int *pretoutlen);
 
-/* Null is allowed. Always 1. */
+/* Frees the handle, which may be null. Returns 1. */
 int DeviceFreeCipher(SPI_CIPHER_HANDLE hCipher);
 
-/* ---- Data objects: files on the token, named by the decimal text of dataId (>= 0) ----------- */
+/* ---- Data objects: files on the token, named by the decimal text of dataId ------------------ */
+/* For all of them: -1 also for a negative number or a null pointer. */
 
-/* Makes an object of length bytes.
- *   mode  a block of bytes: [0] its size, 2 to 4; [1] rights of anyone; [2] rights of the user;
- *         bit 0 reading, bit 1 writing. Byte 3 is not read: the administrator's rights come from
- *         byte 2 as well and so never arise.
+/* Creates an object of length bytes.
+ *   mode  a block of bytes: [0] its size, 2 to 4; [1] rights of anyone; [2] rights of the user. Bit
+ *         0 allows reading, bit 1 writing. Byte 3 is not read, so the administrator cannot be given
+ *         a right of its own.
  * 1; 0; -1; -2; -6; -8. */
 int DeviceCreateData(SPI_DEVICE_HANDLE hDevice, int dataId, const char *mode, int length);
 
-/* Reads what there is from offset on, at most datalen bytes. A null buffer asks how much there is.
- * pretdatalen is never null. 1; 0; -1, also for an offset beyond the end; -2; -7; -8. */
+/* Reads from offset to the end, at most datalen bytes; never returns -4. A null buffer asks for the
+ * number of bytes from offset to the end. pretdatalen must not be null.
+ * 1; 0; -1 also for an offset after the end; -2; -7; -8. */
 int DeviceReadDataEx(SPI_DEVICE_HANDLE hDevice, int dataId, int offset, unsigned char *data,
                      int datalen, int *pretdatalen);
 
-/* Writes within the size fixed at creation. 1; 0; -1; -2; -7; -8. */
+/* Writes within the size set at creation. 1; 0; -1 also outside that size or for a datalen of 0;
+ * -2; -7; -8. */
 int DeviceWriteDataEx(SPI_DEVICE_HANDLE hDevice, int dataId, int offset, const unsigned char *data,
                       int datalen);
 
@@ -327,11 +372,12 @@ int DeviceDeleteData(SPI_DEVICE_HANDLE hDevice, int dataId);
 
 /* ---- Capabilities --------------------------------------------------------------------------- */
 
-/* Whether the token supports algo for a usage (ORVEL_PKI_USAGE_): 1 or 0.
- *   keyLen  bits; read for RSA key generation only
+/* Returns 1 if the token supports algo for a usage, else 0, according to the settings and what the
+ * token reported at discovery. Takes no lock.
+ *   keyLen  bits; used for RSA key generation only
+ *   usage   ORVEL_PKI_USAGE_ or TEMBRA_USAGE_SIGN
  *   param   SM2 decryption: the int ORVEL_PKI_ALGORITHM_SM3; ECC key generation: a TembraEccParam;
- *           RSA key generation: null
- * Answers from what the token said at discovery; takes no lock. */
+ *           RSA key generation: null */
 int DeviceIsSupportedAlgorithm2(SPI_DEVICE_HANDLE hDevice, int algo, int keyLen, int usage,
                                 const void *param);
 

@@ -36,12 +36,11 @@ static SPI_KEYPAIR_HANDLE find_or_make(SPI_DEVICE_HANDLE device, const char *lab
     const TembraEccParam sm2 = {ORVEL_PKI_ECC_CURVE_SM2, 0};
     SPI_KEYPAIR_HANDLE pair = NULL;
     int rv;
-    if (DeviceFindKeypair(device, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, label, &pair) ==
-        ORVEL_PKI_SUCCESS)
+    if (DeviceFindKeypair(device, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, label, &pair) == TEMBRA_SUCCESS)
         return pair;
     rv = DeviceGenerateKeypair(device, ORVEL_PKI_ALGORITHM_ECC, 256, &sm2,
                                ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, label, &pair);
-    if (rv != ORVEL_PKI_SUCCESS)
+    if (rv != TEMBRA_SUCCESS)
         fail("DeviceGenerateKeypair", rv);
     return pair;
 }
@@ -52,17 +51,17 @@ static int sign(SPI_KEYPAIR_HANDLE pair, const unsigned char digest[32]) {
     int length = 0;
     int i;
     int rv = DeviceSign(pair, ORVEL_PKI_ALGORITHM_SM2_SIGN, NULL, digest, 32, NULL, 0, &length);
-    if (rv != ORVEL_PKI_SUCCESS)
+    if (rv != TEMBRA_SUCCESS)
         return fail("DeviceSign", rv);
     signature = malloc((size_t)length);
     if (!signature)
         return 0;
     rv = DeviceSign(pair, ORVEL_PKI_ALGORITHM_SM2_SIGN, NULL, digest, 32, signature, length,
                     &length);
-    for (i = 0; rv == ORVEL_PKI_SUCCESS && i < length; ++i)
+    for (i = 0; rv == TEMBRA_SUCCESS && i < length; ++i)
         printf("%02x", signature[i]);
     free(signature);
-    if (rv != ORVEL_PKI_SUCCESS)
+    if (rv != TEMBRA_SUCCESS)
         return fail("DeviceSign", rv);
     printf("\n");
     return 1;
@@ -74,7 +73,7 @@ static int use_device(SPI_DEVICE_HANDLE device, const char *label, const unsigne
     int tries = 0;
     int done;
     int rv = DeviceVerifyPwd(device, TEMBRA_PWD_USER, pin ? pin : "", &tries);
-    if (rv != ORVEL_PKI_SUCCESS) {
+    if (rv != TEMBRA_SUCCESS) {
         fprintf(stderr, "%d tries left\n", tries);
         return fail("DeviceVerifyPwd", rv);
     }
@@ -93,7 +92,7 @@ int main(int argc, char **argv) {
         fprintf(stderr, "usage: sign_file_digest LABEL DIGEST-HEX\n");
         return 2;
     }
-    if (DeviceInit() != ORVEL_PKI_SUCCESS) {
+    if (DeviceInit() != TEMBRA_SUCCESS) {
         fail("DeviceInit", 0);
         return 1;
     }

@@ -33,7 +33,7 @@ int deliver(const unsigned char *plain, ULONG length, const Output &out) {
         return ORVEL_PKI_MOREDATA;
     if (length > 0)
         std::memcpy(out.clear, plain, length);
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }
 
 // Whether the ciphertext has the flat form.
@@ -77,10 +77,10 @@ int decryptSM2(const Keypair *hKeypair, const unsigned char *cipher, int cipherl
     const ULONG rv =
         SKF_ECCDecrypt(hContainer->m_hContainer, keyFlag(hKeypair), blob, plain.data(), &length);
     if (rv == SAR_USER_NOT_LOGGED_IN)
-        return ORVEL_PKI_NOTLOGGEDIN;
+        return TEMBRA_NOT_LOGGED_IN;
     if (rv != SAR_OK || length > messageLen) {
         TEMBRA_TRACE(TraceLevel::error, function, "SKF_ECCPrvKeyDecrypt fail, error = 0x%08x", rv);
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
     return deliver(plain.data(), length, out);
 }
@@ -95,10 +95,10 @@ int decryptRSA(const Keypair *hKeypair, const unsigned char *cipher, int cipherl
     const ULONG rv = SKF_RSADecrypt(hContainer->m_hContainer, keyFlag(hKeypair), skfInput(cipher),
                                     static_cast<ULONG>(cipherlen), plain.data(), &length);
     if (rv == SAR_USER_NOT_LOGGED_IN || rv == VENDOR_RSA_NOT_LOGGED_IN)
-        return ORVEL_PKI_NOTLOGGEDIN;
+        return TEMBRA_NOT_LOGGED_IN;
     if (rv != SAR_OK || length > RSA_BUFFER_LEN) {
         TEMBRA_TRACE(TraceLevel::error, function, "SKF_RSADecrypt fail, error = 0x%08x", rv);
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
     return deliver(plain.data(), length, out);
 }
@@ -115,15 +115,15 @@ int DevicePrivateKeyDecrypt(SPI_KEYPAIR_HANDLE hKeypair, int algo, const void *p
                static_cast<void *>(hKeypair), algo, param, static_cast<const void *>(cipher),
                cipherlen, static_cast<void *>(clear), clearlen, shown(pretclearlen));
     if (!hKeypair)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     if (!cipher || cipherlen < 1 || !pretclearlen)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     if (!clear) {
         *pretclearlen = cipherlen;
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     }
     if (clearlen < 0)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
 
     const Output out = {clear, clearlen, pretclearlen};
     switch (hKeypair->m_algo) {
@@ -137,6 +137,6 @@ int DevicePrivateKeyDecrypt(SPI_KEYPAIR_HANDLE hKeypair, int algo, const void *p
         return decryptRSA(hKeypair, cipher, cipherlen, out, __func__);
     default:
         TRACE_ERROR("unsupport hKeypair->m_algo, hKeypair->m_algo = %d", hKeypair->m_algo);
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
 }

@@ -69,11 +69,11 @@ Outcome addKeypair(Device *hDevice, int index, int algo, const char *label,
                    SPI_KEYPAIR_HANDLE *phKeypair) {
     auto *hEncKeypair = allocateRecord<Keypair>();
     if (!hEncKeypair)
-        return {ORVEL_PKI_FAILURE, "hEncKeypair == 0"};
+        return {TEMBRA_FAILURE, "hEncKeypair == 0"};
     hEncKeypair->m_label = copyText(label);
     if (!hEncKeypair->m_label) {
         std::free(hEncKeypair);
-        return {ORVEL_PKI_FAILURE, "hEncKeypair->m_label == 0"};
+        return {TEMBRA_FAILURE, "hEncKeypair->m_label == 0"};
     }
     hEncKeypair->m_index = index;
     hEncKeypair->m_keytype = ORVEL_PKI_KEYPAIRTYPE_ENCRYPT;
@@ -90,14 +90,14 @@ Outcome importEnveloped(Device *hDevice, int index, const unsigned char *keyblob
                         const char *label, SPI_KEYPAIR_HANDLE *phKeypair) {
     int algo = 0;
     if (const char *message = checkHeader(keyblob, static_cast<std::size_t>(keybloblen), algo))
-        return {ORVEL_PKI_FAILURE, message};
+        return {TEMBRA_FAILURE, message};
     Container *hContainer = hDevice->m_containers[index];
     const unsigned char *payload = keyblob + HEADER_LEN;
     const int payloadLen = keybloblen - static_cast<int>(HEADER_LEN);
     const int imported = algo == ORVEL_PKI_ALGORITHM_RSA
                              ? importRSAKeyPair(hDevice, hContainer, payload, payloadLen)
                              : importSM2KeyPair(hDevice, hContainer, payload, payloadLen);
-    if (imported != ORVEL_PKI_SUCCESS)
+    if (imported != TEMBRA_SUCCESS)
         return {imported, nullptr};
     return addKeypair(hDevice, index, algo, label, phKeypair);
 }
@@ -112,15 +112,15 @@ struct Arguments {
 
 Outcome checkArguments(const Device *hDevice, const Arguments &a) {
     if (!hDevice)
-        return {ORVEL_PKI_NULLHANDLE, "hDevice == 0"};
+        return {TEMBRA_NULL_HANDLE, "hDevice == 0"};
     if (!a.keyblob || a.keybloblen <= MAGIC_LEN)
-        return {ORVEL_PKI_BADARGUMENT, "keyblob == 0 || keybloblen <= 8"};
+        return {TEMBRA_BAD_ARGUMENT, "keyblob == 0 || keybloblen <= 8"};
     if (a.type != ORVEL_PKI_KEYPAIRTYPE_ENCRYPT)
-        return {ORVEL_PKI_FAILURE, "type != ORVEL_PKI_KEYPAIRTYPE_ENCRYPT"};
+        return {TEMBRA_FAILURE, "type != ORVEL_PKI_KEYPAIRTYPE_ENCRYPT"};
     if (!a.label || a.label[0] == '\0')
-        return {ORVEL_PKI_BADARGUMENT, "typelabel == 0 || label[0] == 0"};
+        return {TEMBRA_BAD_ARGUMENT, "typelabel == 0 || label[0] == 0"};
     if (!a.phKeypair)
-        return {ORVEL_PKI_BADARGUMENT, "phKeypair == 0"};
+        return {TEMBRA_BAD_ARGUMENT, "phKeypair == 0"};
     return CONTINUE;
 }
 
@@ -170,13 +170,13 @@ int DeviceImportKeypair(SPI_DEVICE_HANDLE hDevice, const unsigned char *keyblob,
 
     ProviderLock lock;
     if (const char *message = checkDevice(hDevice, index))
-        outcome = {ORVEL_PKI_FAILURE, message};
+        outcome = {TEMBRA_FAILURE, message};
     else if (hasMagic(keyblob, "_KEYPAIR"))
         return importPlain(hDevice, arguments, lock, __func__);
     else if (hasMagic(keyblob, "SCAENCKP"))
         outcome = importEnveloped(hDevice, index, keyblob, keybloblen, label, phKeypair);
     else
-        outcome = {ORVEL_PKI_FAILURE, "memcmp(keyblob, 'SCAENCKP', 8) != 0"};
+        outcome = {TEMBRA_FAILURE, "memcmp(keyblob, 'SCAENCKP', 8) != 0"};
     lock.leave();
     return finish(outcome, __func__);
 }

@@ -96,11 +96,11 @@ int importIntoToken(const Container *hContainer, const Parsed &parsed, const cha
                                           skfInput(parsed.wrappedKey), parsed.wrappedKeyLen,
                                           skfInput(parsed.privateKey), parsed.privateKeyLen);
     if (meansNotLoggedIn(rv))
-        return ORVEL_PKI_NOTLOGGEDIN;
+        return TEMBRA_NOT_LOGGED_IN;
     if (rv == SAR_OK)
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     TEMBRA_TRACE(TraceLevel::error, function, "SKF_ImportRSAKeyPair fail, error = 0x%08X", rv);
-    return ORVEL_PKI_FAILURE;
+    return TEMBRA_FAILURE;
 }
 
 } // namespace
@@ -117,7 +117,7 @@ int importRSAKeyPair(const Device *hDevice, Container *hContainer, const unsigne
     if (isTableFull(hDevice))
         return fail(TABLE_FULL, "DeviceImportKeypair");
     const int imported = importIntoToken(hContainer, parsed, __func__);
-    if (imported != ORVEL_PKI_SUCCESS)
+    if (imported != TEMBRA_SUCCESS)
         return imported;
 
     unsigned char *key = nullptr;
@@ -125,7 +125,7 @@ int importRSAKeyPair(const Device *hDevice, Container *hContainer, const unsigne
     if (GetRSAPublicKey(hContainer->m_hContainer, 0, &key, &keyLen, nullptr) != 1)
         return fail("GetRSAPublicKey fail", __func__);
     replacePublicKey(hContainer, false, key, keyLen);
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }
 
 } // namespace tembra

@@ -38,14 +38,14 @@ int signRSA(const Keypair *hKeypair, const unsigned char *tbs, int tbslen, unsig
         }))
         return fail(missingContainer(hKeypair), function);
     if (rv == SAR_USER_NOT_LOGGED_IN)
-        return finish({ORVEL_PKI_NOTLOGGEDIN, "SKF_RSASignData fail,rv= SAR_USER_NOT_LOGGED_IN"},
+        return finish({TEMBRA_NOT_LOGGED_IN, "SKF_RSASignData fail,rv= SAR_USER_NOT_LOGGED_IN"},
                       function);
     if (rv != SAR_OK) {
         TEMBRA_TRACE(TraceLevel::error, function, "SKF_RSASignData fail, error = 0x%08X", rv);
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
     *pretsignlen = static_cast<int>(length);
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }
 
 int encodeAndHandOut(const ECCSIGNATUREBLOB &blob, unsigned char *sign, int signlen,
@@ -57,10 +57,10 @@ int encodeAndHandOut(const ECCSIGNATUREBLOB &blob, unsigned char *sign, int sign
     if (result != 1 || out.size() == 0) {
         TEMBRA_TRACE(TraceLevel::error, function,
                      "OrvelPKICryptoEncodeECCSignature fail, error = %d", result);
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
     const int rv = handOut(out.bytes(), *out.length(), sign, signlen, pretsignlen);
-    if (rv != ORVEL_PKI_SUCCESS)
+    if (rv != TEMBRA_SUCCESS)
         return finish({rv, "signlen < sm2SignValueLen, ORVEL_PKI_MOREDATA"}, function);
     TEMBRA_TRACE(TraceLevel::debug, function, "DeviceSign success");
     return rv;
@@ -75,12 +75,12 @@ int signSM2(const Keypair *hKeypair, const unsigned char *tbs, int tbslen, unsig
         }))
         return fail(missingContainer(hKeypair), function);
     if (rv == SAR_USER_NOT_LOGGED_IN || rv == VENDOR_NOT_LOGGED_IN)
-        return finish({ORVEL_PKI_NOTLOGGEDIN, " SKF_ECCSignData fail, rv == "
-                                              "SAR_USER_NOT_LOGGED_IN || rv == 0x000000b3"},
+        return finish({TEMBRA_NOT_LOGGED_IN, " SKF_ECCSignData fail, rv == "
+                                             "SAR_USER_NOT_LOGGED_IN || rv == 0x000000b3"},
                       function);
     if (rv != SAR_OK) {
         TEMBRA_TRACE(TraceLevel::error, function, "SKF_ECCSignData fail, error = 0x%08X", rv);
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
     return encodeAndHandOut(blob, sign, signlen, pretsignlen, function);
 }
@@ -89,15 +89,15 @@ int signSM2(const Keypair *hKeypair, const unsigned char *tbs, int tbslen, unsig
 Outcome checkArguments(const Keypair *hKeypair, const unsigned char *tbs, int tbslen,
                        const int *pretsignlen) {
     if (!hKeypair)
-        return {ORVEL_PKI_NULLHANDLE, "hKeypair == 0"};
+        return {TEMBRA_NULL_HANDLE, "hKeypair == 0"};
     if (hKeypair->m_keytype != ORVEL_PKI_KEYPAIRTYPE_SIGNATURE)
-        return {ORVEL_PKI_BADARGUMENT, "hKeypair->m_keytype != ORVEL_PKI_KEYPAIRTYPE_SIGNATURE"};
+        return {TEMBRA_BAD_ARGUMENT, "hKeypair->m_keytype != ORVEL_PKI_KEYPAIRTYPE_SIGNATURE"};
     if (!pretsignlen)
-        return {ORVEL_PKI_BADARGUMENT, "pretsignlen == 0"};
+        return {TEMBRA_BAD_ARGUMENT, "pretsignlen == 0"};
     if (tbslen < 0)
-        return {ORVEL_PKI_BADARGUMENT, "tbslen < 0"};
+        return {TEMBRA_BAD_ARGUMENT, "tbslen < 0"};
     if (tbslen == 0 && tbs)
-        return {ORVEL_PKI_BADARGUMENT, "tbslen == 0 && tbs != 0"};
+        return {TEMBRA_BAD_ARGUMENT, "tbslen == 0 && tbs != 0"};
     return CONTINUE;
 }
 
@@ -131,11 +131,11 @@ int DeviceSign(SPI_KEYPAIR_HANDLE hKeypair, int algo, const void *param, const u
     if (!sign) {
         *pretsignlen = isRsa ? (hKeypair->m_keybits + 7) / 8 : SM2_SIGNATURE_BOUND;
         TRACE_DEBUG("DeviceSign success, sign == 0");
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     }
     const char *message = signlen <= 0 ? "signlen <= 0" : wrongAlgorithm(hKeypair, algo);
     if (message)
-        return finish({ORVEL_PKI_BADARGUMENT, message}, __func__);
+        return finish({TEMBRA_BAD_ARGUMENT, message}, __func__);
     return isRsa ? signRSA(hKeypair, tbs, tbslen, sign, signlen, pretsignlen, __func__)
                  : signSM2(hKeypair, tbs, tbslen, sign, signlen, pretsignlen, __func__);
 }

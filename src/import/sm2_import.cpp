@@ -120,11 +120,11 @@ int importIntoToken(const Container *hContainer, const unsigned char *block, con
     auto *blob = reinterpret_cast<ENVELOPEDKEYBLOB *>(const_cast<unsigned char *>(block));
     const ULONG rv = SKF_ImportECCKeyPair(hContainer->m_hContainer, blob);
     if (meansNotLoggedIn(rv))
-        return ORVEL_PKI_NOTLOGGEDIN;
+        return TEMBRA_NOT_LOGGED_IN;
     if (rv == SAR_OK)
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     TEMBRA_TRACE(TraceLevel::error, function, "SKF_ImportECCKeyPair fail, error = 0x%08X", rv);
-    return ORVEL_PKI_FAILURE;
+    return TEMBRA_FAILURE;
 }
 
 int refreshPublicKey(Container *hContainer, const char *function) {
@@ -133,10 +133,10 @@ int refreshPublicKey(Container *hContainer, const char *function) {
     const int result = GetECCPublicKey(hContainer->m_hContainer, 0, &key, &keyLen);
     if (result != 1) {
         TEMBRA_TRACE(TraceLevel::error, function, "GetECCPublicKey fail, error = %d", result);
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
     replacePublicKey(hContainer, false, key, keyLen);
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }
 
 } // namespace
@@ -162,7 +162,7 @@ int importSM2KeyPair(const Device *hDevice, Container *hContainer, const unsigne
     if (isTableFull(hDevice))
         return fail(TABLE_FULL, "DeviceImportKeypair");
     const int imported = importIntoToken(hContainer, block.data(), __func__);
-    return imported == ORVEL_PKI_SUCCESS ? refreshPublicKey(hContainer, __func__) : imported;
+    return imported == TEMBRA_SUCCESS ? refreshPublicKey(hContainer, __func__) : imported;
 }
 
 } // namespace tembra

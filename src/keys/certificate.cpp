@@ -20,10 +20,10 @@ bool isSignature(const Keypair *hKeypair) {
 int importRefused(ULONG rv, const char *function) {
     if (rv == SAR_USER_NOT_LOGGED_IN) {
         TEMBRA_TRACE(TraceLevel::warning, function, "rv == SAR_USER_NOT_LOGGED_IN");
-        return ORVEL_PKI_NOTLOGGEDIN;
+        return TEMBRA_NOT_LOGGED_IN;
     }
     TEMBRA_TRACE(TraceLevel::error, function, "SKF_ImportCertificate fail, error = 0x%08X", rv);
-    return ORVEL_PKI_FAILURE;
+    return TEMBRA_FAILURE;
 }
 
 // Caches the length even if memory runs out for the copy: the token has the new certificate.
@@ -48,15 +48,15 @@ int DeviceGetCertificateCount(SPI_KEYPAIR_HANDLE hKeypair) {
     TRACE_INFO("hKeypair=%p, hKeypair->m_keytype = %d", static_cast<void *>(hKeypair),
                hKeypair ? hKeypair->m_keytype : 0);
     if (!hKeypair)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     const Container *hContainer = containerOf(hKeypair);
     if (!hContainer)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     const RecordLock lock;
     switch (hKeypair->m_keytype) {
     case ORVEL_PKI_KEYPAIRTYPE_SIGNATURE: return hContainer->m_signCertLen != 0;
     case ORVEL_PKI_KEYPAIRTYPE_ENCRYPT: return hContainer->m_encCertLen != 0;
-    default: return ORVEL_PKI_BADARGUMENT;
+    default: return TEMBRA_BAD_ARGUMENT;
     }
 }
 
@@ -69,12 +69,12 @@ int DeviceGetCertificate(SPI_KEYPAIR_HANDLE hKeypair, int index, unsigned char *
                shown(pretcertbloblen));
     const Device *hDevice = hKeypair ? deviceOf(hKeypair) : nullptr;
     if (!hDevice)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     if (index >= loadCount(hDevice->m_containerCount))
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     const Container *hContainer = containerOf(hKeypair);
     if (!hContainer)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     const bool isSign = isSignature(hKeypair);
     const CachedCertificate cached(hContainer, isSign);
     if (cached.length() <= 0)
@@ -93,14 +93,14 @@ int DeviceUpdateCertificate(SPI_KEYPAIR_HANDLE hKeypair, const unsigned char *ce
                "int certbloblen = %d",
                static_cast<void *>(hKeypair), static_cast<const void *>(certblob), certbloblen);
     if (!hKeypair || !deviceOf(hKeypair))
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     if (!certblob || certbloblen <= 0)
         return fail("certblob == 0 || certbloblen <= 0", __func__);
 
     ProviderLock lock;
     Container *hContainer = containerOf(hKeypair);
     if (!hContainer)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     const bool isSign = isSignature(hKeypair);
     const ULONG rv = SKF_ImportCertificate(hContainer->m_hContainer, isSign, skfInput(certblob),
                                            static_cast<ULONG>(certbloblen));
@@ -109,10 +109,10 @@ int DeviceUpdateCertificate(SPI_KEYPAIR_HANDLE hKeypair, const unsigned char *ce
         return importRefused(rv, __func__);
     }
     if (cacheCopy(hContainer, isSign, certblob, certbloblen))
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
 
     lock.abandon(); // existing hosts rely on the lock staying held on this path
     TEMBRA_TRACE(isSign ? TraceLevel::error : TraceLevel::information, __func__, "%s",
                  missingCopy(isSign));
-    return ORVEL_PKI_FAILURE;
+    return TEMBRA_FAILURE;
 }

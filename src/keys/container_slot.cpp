@@ -21,16 +21,16 @@ ContainerChoice getEmptyContainerIndex(const Device *hDevice, const char *label)
             if (position == CONTAINER_COUNT_MAX)
                 position = i;
         } else if (hContainer->m_type == CONTAINER_TYPE_EMPTY) {
-            return {ORVEL_PKI_SUCCESS, i, hContainer};
+            return {TEMBRA_SUCCESS, i, hContainer};
         } else if (std::strcmp(hContainer->m_label, label) == 0) {
-            return {ORVEL_PKI_ALREADYEXISTS, i, nullptr};
+            return {TEMBRA_ALREADY_EXISTS, i, nullptr};
         }
     }
     if (position >= CONTAINER_COUNT_MAX) {
         TRACE_ERROR("pos >= CONTAINER_COUNT_MAX");
-        return {ORVEL_PKI_FAILURE, position, nullptr};
+        return {TEMBRA_FAILURE, position, nullptr};
     }
-    return {ORVEL_PKI_SUCCESS, position, nullptr};
+    return {TEMBRA_SUCCESS, position, nullptr};
 }
 
 int createContainer(Device *hDevice, const char *label, Container **out) {
@@ -40,28 +40,28 @@ int createContainer(Device *hDevice, const char *label, Container **out) {
                 hCon);
     if (rv == SAR_USER_NOT_LOGGED_IN || rv == VENDOR_NOT_LOGGED_IN) {
         TRACE_WARN("rv == SAR_USER_NOT_LOGGED_IN || rv == 0x000000b3");
-        return ORVEL_PKI_NOTLOGGEDIN;
+        return TEMBRA_NOT_LOGGED_IN;
     }
     if (rv != SAR_OK) {
         TRACE_ERROR("SKF_CreateContainer fail, error = 0x%08X", rv);
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
     auto *hContainer = allocateRecord<Container>();
     if (!hContainer) {
         SKF_DeleteContainer(hDevice->m_hApp, skfInput(label));
         TRACE_ERROR("hContainer == 0");
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
     hContainer->m_label = copyText(label);
     if (!hContainer->m_label) {
         SKF_DeleteContainer(hDevice->m_hApp, skfInput(label));
         std::free(hContainer);
         TRACE_ERROR("hContainer->m_label == 0");
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
     hContainer->m_hContainer = hCon;
     *out = hContainer;
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }
 
 } // namespace tembra

@@ -11,7 +11,7 @@ using namespace tembra;
 
 namespace {
 
-constexpr Outcome DELETED_BEFORE = {ORVEL_PKI_NULLHANDLE, "hKeypair->m_device == NULL"};
+constexpr Outcome DELETED_BEFORE = {TEMBRA_NULL_HANDLE, "hKeypair->m_device == NULL"};
 
 // Whether a container in the table has this name. A left-over pair must not delete that one.
 bool hasContainer(const Device *hDevice, const char *label) {
@@ -81,7 +81,7 @@ int DeviceDeleteKeypair(SPI_KEYPAIR_HANDLE hKeypair) {
     const call_stack_tracer tracer("DeviceDeleteKeypair");
     TRACE_INFO("SPI_KEYPAIR_HANDLE hKeypair = %p", static_cast<void *>(hKeypair));
     if (!hKeypair)
-        return finish({ORVEL_PKI_NULLHANDLE, "hKeypair == NULL"}, __func__);
+        return finish({TEMBRA_NULL_HANDLE, "hKeypair == NULL"}, __func__);
     if (!deviceOf(hKeypair)) // must not wait for the lock
         return finish(DELETED_BEFORE, __func__);
 
@@ -95,5 +95,5 @@ int DeviceDeleteKeypair(SPI_KEYPAIR_HANDLE hKeypair) {
     lock.leave();
     if (rv != SAR_OK)
         TRACE_ERROR("SKF_DeleteContainer fail, error = 0x%08x", rv);
-    return rv == SAR_USER_NOT_LOGGED_IN ? ORVEL_PKI_NOTLOGGEDIN : ORVEL_PKI_SUCCESS;
+    return rv == SAR_USER_NOT_LOGGED_IN ? TEMBRA_NOT_LOGGED_IN : TEMBRA_SUCCESS;
 }

@@ -24,31 +24,31 @@ struct Request {
 Outcome checkAlgorithm(const Request &request) {
     if (request.algo == ORVEL_PKI_ALGORITHM_RSA) {
         if (request.param)
-            return {ORVEL_PKI_BADARGUMENT, nullptr};
+            return {TEMBRA_BAD_ARGUMENT, nullptr};
         if (request.keybits != 1024 && request.keybits != 2048)
-            return {ORVEL_PKI_BADARGUMENT, "keybits != 1024 && keybits != 2048"};
+            return {TEMBRA_BAD_ARGUMENT, "keybits != 1024 && keybits != 2048"};
         return CONTINUE;
     }
     const auto *eccParam = static_cast<const TembraEccParam *>(request.param);
     if (!eccParam)
-        return {ORVEL_PKI_BADARGUMENT, "eccParam == 0"};
+        return {TEMBRA_BAD_ARGUMENT, "eccParam == 0"};
     if (eccParam->m_temp != 0)
-        return {ORVEL_PKI_BADARGUMENT, "eccParam->m_temp"};
+        return {TEMBRA_BAD_ARGUMENT, "eccParam->m_temp"};
     if (eccParam->m_curve != ORVEL_PKI_ECC_CURVE_SM2)
-        return {ORVEL_PKI_BADARGUMENT, "eccParam->m_curve != ORVEL_PKI_ECC_CURVE_SM2"};
+        return {TEMBRA_BAD_ARGUMENT, "eccParam->m_curve != ORVEL_PKI_ECC_CURVE_SM2"};
     if (request.keybits != 256)
-        return {ORVEL_PKI_BADARGUMENT, "keybits != 256"};
+        return {TEMBRA_BAD_ARGUMENT, "keybits != 256"};
     return CONTINUE;
 }
 
 int resultOf(ULONG rv, const char *call, const char *function) {
     if (rv == SAR_USER_NOT_LOGGED_IN)
-        return ORVEL_PKI_NOTLOGGEDIN;
+        return TEMBRA_NOT_LOGGED_IN;
     if (rv == SAR_OK)
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     // Only a debug line: hosts retry a refused generation.
     TEMBRA_TRACE(TraceLevel::debug, function, "%s fail, error = 0x%08X", call, rv);
-    return ORVEL_PKI_FAILURE;
+    return TEMBRA_FAILURE;
 }
 
 int generateRSA(const Container *hContainer, unsigned char **key, int *length,
@@ -57,11 +57,11 @@ int generateRSA(const Container *hContainer, unsigned char **key, int *length,
     const ULONG rv = SKF_GenRSAKeyPair(hContainer->m_hContainer,
                                        static_cast<ULONG>(hContainer->m_keybits), &blob);
     const int result = resultOf(rv, "SKF_GenRSAKeyPair", function);
-    if (result != ORVEL_PKI_SUCCESS || encodeRSAPublicKey(blob, key, length) == 1)
+    if (result != TEMBRA_SUCCESS || encodeRSAPublicKey(blob, key, length) == 1)
         return result;
     TEMBRA_TRACE(TraceLevel::warning, function, "OrvelPKICryptoEncodeRSAPubKey fail, error = %d",
                  0);
-    return ORVEL_PKI_FAILURE;
+    return TEMBRA_FAILURE;
 }
 
 int generateECC(const Container *hContainer, unsigned char **key, int *length,
@@ -69,46 +69,46 @@ int generateECC(const Container *hContainer, unsigned char **key, int *length,
     ECCPUBLICKEYBLOB blob = {};
     const ULONG rv = SKF_GenECCKeyPair(hContainer->m_hContainer, SGD_SM2_1, &blob);
     const int result = resultOf(rv, "SKF_GenECCKeyPair", function);
-    if (result != ORVEL_PKI_SUCCESS)
+    if (result != TEMBRA_SUCCESS)
         return result;
     const int encoded = encodeECCPublicKey(blob, key, length);
     if (encoded == 1)
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     TEMBRA_TRACE(TraceLevel::warning, function, "OrvelPKICryptoEncodeECCPubKey fail, error = %d",
                  encoded);
-    return ORVEL_PKI_FAILURE;
+    return TEMBRA_FAILURE;
 }
 
 // Generates the key pair of a typed container and caches its public key. Returns 1, 0 or -8.
 int GenerateKeypair(Container *hContainer) {
     unsigned char *key = nullptr;
     int length = 0;
-    int result = ORVEL_PKI_FAILURE;
+    int result = TEMBRA_FAILURE;
     if (hContainer->m_type == CONTAINER_TYPE_RSA)
         result = generateRSA(hContainer, &key, &length, __func__);
     else if (hContainer->m_type == CONTAINER_TYPE_ECC)
         result = generateECC(hContainer, &key, &length, __func__);
     else
         TRACE_ERROR("error container type");
-    if (result != ORVEL_PKI_SUCCESS)
+    if (result != TEMBRA_SUCCESS)
         return result;
     replacePublicKey(hContainer, true, key, length);
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }
 
 // Chooses or creates the container for the new key pair and stores it in the table.
 Outcome placeContainer(Device *hDevice, const char *label, int &position, Container *&hContainer) {
     const ContainerChoice choice = getEmptyContainerIndex(hDevice, label);
-    if (choice.result != ORVEL_PKI_SUCCESS)
+    if (choice.result != TEMBRA_SUCCESS)
         return {choice.result, nullptr};
     if (isTableFull(hDevice))
-        return {ORVEL_PKI_FAILURE, TABLE_FULL};
+        return {TEMBRA_FAILURE, TABLE_FULL};
     position = choice.position;
     hContainer = choice.hContainer;
     if (hContainer)
         return CONTINUE;
     const int created = createContainer(hDevice, label, &hContainer);
-    if (created != ORVEL_PKI_SUCCESS)
+    if (created != TEMBRA_SUCCESS)
         return {created, nullptr};
     setContainerAt(hDevice, position, hContainer);
     storeCount(hDevice->m_containerCount, hDevice->m_containerCount + 1);
@@ -119,11 +119,11 @@ Outcome addKeypair(Device *hDevice, const Request &request, int position,
                    SPI_KEYPAIR_HANDLE *phKeypair) {
     auto *hKeypair = allocateRecord<Keypair>();
     if (!hKeypair)
-        return {ORVEL_PKI_FAILURE, "hKeypair == 0"};
+        return {TEMBRA_FAILURE, "hKeypair == 0"};
     hKeypair->m_label = copyText(request.label);
     if (!hKeypair->m_label) {
         std::free(hKeypair);
-        return {ORVEL_PKI_FAILURE, "hKeypair->m_label == 0"};
+        return {TEMBRA_FAILURE, "hKeypair->m_label == 0"};
     }
     hKeypair->m_keybits = request.keybits;
     hKeypair->m_algo = request.algo;
@@ -138,11 +138,11 @@ Outcome addKeypair(Device *hDevice, const Request &request, int position,
 // The part that requires the lock.
 Outcome generate(Device *hDevice, const Request &request, SPI_KEYPAIR_HANDLE *phKeypair) {
     if (hDevice->m_isformat == 0)
-        return {ORVEL_PKI_FAILURE, "hDevice->m_isformat == 0"};
+        return {TEMBRA_FAILURE, "hDevice->m_isformat == 0"};
     int position = 0;
     Container *hContainer = nullptr;
     Outcome outcome = placeContainer(hDevice, request.label, position, hContainer);
-    if (outcome.result != ORVEL_PKI_SUCCESS)
+    if (outcome.result != TEMBRA_SUCCESS)
         return outcome;
 
     // The container stays even if a check fails; the next attempt uses it.
@@ -150,12 +150,12 @@ Outcome generate(Device *hDevice, const Request &request, SPI_KEYPAIR_HANDLE *ph
     if (!isRsa && request.algo != ORVEL_PKI_ALGORITHM_ECC)
         return CONTINUE; // hosts rely on this success without a key pair
     outcome = checkAlgorithm(request);
-    if (outcome.result != ORVEL_PKI_SUCCESS)
+    if (outcome.result != TEMBRA_SUCCESS)
         return outcome;
     hContainer->m_type = isRsa ? CONTAINER_TYPE_RSA : CONTAINER_TYPE_ECC;
     hContainer->m_keybits = request.keybits;
     const int generated = GenerateKeypair(hContainer);
-    if (generated != ORVEL_PKI_SUCCESS) {
+    if (generated != TEMBRA_SUCCESS) {
         hContainer->m_type = CONTAINER_TYPE_EMPTY;
         hContainer->m_keybits = 0;
         return {generated, nullptr};
@@ -173,16 +173,16 @@ int DeviceGenerateKeypair(SPI_DEVICE_HANDLE hDevice, int algo, int keybits, cons
                static_cast<void *>(hDevice), algo, keybits, param, type,
                static_cast<const void *>(label), static_cast<void *>(phKeypair));
     if (!hDevice)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     if (!phKeypair || !label || label[0] == '\0')
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     if (type != ORVEL_PKI_KEYPAIRTYPE_SIGNATURE) {
         TRACE_ERROR("type != ORVEL_PKI_KEYPAIRTYPE_SIGNATURE");
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     }
     if (keybits <= 0) {
         TRACE_ERROR("keybits <= 0");
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     }
 
     ProviderLock lock;

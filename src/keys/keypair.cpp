@@ -11,7 +11,7 @@ using namespace tembra;
 int DeviceGetKeypairCount(SPI_DEVICE_HANDLE hDevice) {
     const call_stack_tracer tracer("DeviceGetKeypairCount");
     if (!hDevice)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     const int count = loadCount(hDevice->m_keypairCount);
     TRACE_DEBUG("hDevice->m_keypairCount=%d", count);
     return count;
@@ -37,8 +37,8 @@ int DeviceFindKeypair(SPI_DEVICE_HANDLE hDevice, int type, const char *label,
                "SPI_KEYPAIR_HANDLE *phKeypair = %p",
                static_cast<void *>(hDevice), type, shown(label), static_cast<void *>(phKeypair));
     if (!hDevice) {
-        TRACE_ERROR("hDevice==0, rv=0x%08X", static_cast<unsigned>(ORVEL_PKI_NULLHANDLE));
-        return ORVEL_PKI_NULLHANDLE;
+        TRACE_ERROR("hDevice==0, rv=0x%08X", static_cast<unsigned>(TEMBRA_NULL_HANDLE));
+        return TEMBRA_NULL_HANDLE;
     }
 
     ProviderLock lock;
@@ -48,41 +48,41 @@ int DeviceFindKeypair(SPI_DEVICE_HANDLE hDevice, int type, const char *label,
         if (hKeypair && std::strcmp(hKeypair->m_label, label) == 0 && hKeypair->m_keytype == type) {
             handOutKeypair(hDevice, hKeypair);
             *phKeypair = hKeypair;
-            return ORVEL_PKI_SUCCESS;
+            return TEMBRA_SUCCESS;
         }
     }
     lock.leave();
     TRACE_ERROR("DeviceFindKeypair fail ");
-    return ORVEL_PKI_FAILURE;
+    return TEMBRA_FAILURE;
 }
 
 int DeviceFreeKeypair(SPI_KEYPAIR_HANDLE hKeypair) {
     const call_stack_tracer tracer("DeviceFreeKeypair");
     TRACE_INFO("hKeypair = %p", static_cast<void *>(hKeypair));
     if (!hKeypair)
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
 
     const ReturnedHandle returned = takeBackHandle(hKeypair);
     if (returned.hDevice) {
         TRACE_INFO("freeDevice hKeypair->m_device success, hKeypair->m_device=%p",
                    static_cast<void *>(returned.hDevice));
         DeviceFreeDevice(returned.hDevice);
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     }
     TRACE_INFO("freeDevice hKeypair success, hKeypair=%p", static_cast<void *>(hKeypair));
     if (returned.isLast)
         freeKeypair(hKeypair);
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }
 
 int DeviceGetKeypairLabel(SPI_KEYPAIR_HANDLE hKeypair, char *label, int labellen,
                           int *pretlabellen) {
     const call_stack_tracer tracer("DeviceGetKeypairLabel");
     if (!hKeypair)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     const int length = static_cast<int>(std::strlen(hKeypair->m_label)) + 1;
     const int rv = handOut(hKeypair->m_label, length, label, labellen, pretlabellen);
-    if (rv == ORVEL_PKI_SUCCESS && label)
+    if (rv == TEMBRA_SUCCESS && label)
         TRACE_INFO("SPI_KEYPAIR_HANDLE hKeypair = %p, char *label = %s, int labellen = %d, "
                    "int *pretlabellen = %d",
                    static_cast<void *>(hKeypair), label, labellen, shown(pretlabellen));
@@ -92,7 +92,7 @@ int DeviceGetKeypairLabel(SPI_KEYPAIR_HANDLE hKeypair, char *label, int labellen
 int DeviceGetKeypairType(SPI_KEYPAIR_HANDLE hKeypair) {
     const call_stack_tracer tracer("DeviceGetKeypairType");
     if (!hKeypair)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     TRACE_INFO("hKeypair->m_keytype = %d", hKeypair->m_keytype);
     return hKeypair->m_keytype;
 }
@@ -100,7 +100,7 @@ int DeviceGetKeypairType(SPI_KEYPAIR_HANDLE hKeypair) {
 int DeviceGetKeypairAlgorithm(SPI_KEYPAIR_HANDLE hKeypair) {
     const call_stack_tracer tracer("DeviceGetKeypairAlgorithm");
     if (!hKeypair)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     TRACE_INFO("hKeypair->m_algo=%d", hKeypair->m_algo);
     return hKeypair->m_algo;
 }
@@ -108,7 +108,7 @@ int DeviceGetKeypairAlgorithm(SPI_KEYPAIR_HANDLE hKeypair) {
 int DeviceGetKeypairBits(SPI_KEYPAIR_HANDLE hKeypair) {
     const call_stack_tracer tracer("DeviceGetKeypairBits");
     if (!hKeypair)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     TRACE_INFO("hKeypair->m_keybits=%d", hKeypair->m_keybits);
     return hKeypair->m_keybits;
 }

@@ -44,15 +44,15 @@ int DeviceExportPublicKey(SPI_PUBLICKEY_HANDLE hPublicKey, unsigned char *keyblo
     const call_stack_tracer tracer("DeviceExportPublicKey");
     if (!hPublicKey) {
         TRACE_ERROR("hPublicKey=0");
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     }
     if (hPublicKey->m_pubKeyLen <= 0) {
         TRACE_ERROR("m_pubKey==0 || m_pubKey<=0 ");
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     }
     const int rv =
         handOut(hPublicKey->m_pubKey, hPublicKey->m_pubKeyLen, keyblob, keybloblen, pretkeybloblen);
-    if (rv == ORVEL_PKI_SUCCESS && keyblob)
+    if (rv == TEMBRA_SUCCESS && keyblob)
         TRACE_HEX("keyblob[length:%d]: %s", keyblob, shown(pretkeybloblen));
     return rv;
 }
@@ -60,7 +60,7 @@ int DeviceExportPublicKey(SPI_PUBLICKEY_HANDLE hPublicKey, unsigned char *keyblo
 int DeviceGetPublicKeyAlgorithm(SPI_PUBLICKEY_HANDLE hPublicKey) {
     const call_stack_tracer tracer("DeviceGetPublicKeyAlgorithm");
     if (!hPublicKey)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     TRACE_INFO("hPublicKey->m_algo = %d", hPublicKey->m_algo);
     return hPublicKey->m_algo;
 }
@@ -68,7 +68,7 @@ int DeviceGetPublicKeyAlgorithm(SPI_PUBLICKEY_HANDLE hPublicKey) {
 int DeviceGetPublicKeyBits(SPI_PUBLICKEY_HANDLE hPublicKey) {
     const call_stack_tracer tracer("DeviceGetPublicKeyBits");
     if (!hPublicKey)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     TRACE_INFO("SPI_PUBLICKEY_HANDLE hPublicKey->m_keybits = %d", hPublicKey->m_keybits);
     return hPublicKey->m_keybits;
 }
@@ -76,8 +76,8 @@ int DeviceGetPublicKeyBits(SPI_PUBLICKEY_HANDLE hPublicKey) {
 int DeviceFreePublicKey(SPI_PUBLICKEY_HANDLE hPublicKey) {
     const call_stack_tracer tracer("DeviceFreePublicKey");
     if (!hPublicKey)
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     std::free(hPublicKey);
     TRACE_DEBUG("hPublicKey = NULL, line: %d", 0);
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }

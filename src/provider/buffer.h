@@ -13,12 +13,12 @@ inline int handOut(const void *source, int length, void *buffer, int capacity, i
     if (needed)
         *needed = length;
     if (!buffer)
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     if (capacity < length)
         return ORVEL_PKI_MOREDATA;
     if (length > 0)
         std::memcpy(buffer, source, static_cast<std::size_t>(length));
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }
 
 } // namespace tembra

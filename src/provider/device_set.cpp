@@ -27,7 +27,7 @@ Counts countsOf(const Device *hDevice) {
 int DeviceGetDeviceCount(SPI_DEVICESET_HANDLE hDeviceSet) {
     const call_stack_tracer tracer("DeviceGetDeviceCount");
     TRACE_INFO("hDeviceSet = %p", static_cast<void *>(hDeviceSet));
-    return hDeviceSet ? hDeviceSet->m_count : ORVEL_PKI_BADARGUMENT;
+    return hDeviceSet ? hDeviceSet->m_count : TEMBRA_BAD_ARGUMENT;
 }
 
 SPI_DEVICE_HANDLE DeviceGetDevice(SPI_DEVICESET_HANDLE hDeviceSet, int index) {
@@ -51,7 +51,7 @@ int DeviceFreeDevices(SPI_DEVICESET_HANDLE hDeviceSet) {
                 hDeviceSet ? hDeviceSet->m_count : 0,
                 static_cast<void *>(hDeviceSet ? hDeviceSet->m_handles[0] : nullptr));
     if (!hDeviceSet)
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     for (int i = 0; i < hDeviceSet->m_count; ++i) {
         TRACE_INFO("hDeviceSet->m_handles[%d]=%p", i,
                    static_cast<void *>(hDeviceSet->m_handles[i]));
@@ -59,14 +59,14 @@ int DeviceFreeDevices(SPI_DEVICESET_HANDLE hDeviceSet) {
     }
     std::free(hDeviceSet->m_handles);
     std::free(hDeviceSet);
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }
 
 int DeviceFreeDevice(SPI_DEVICE_HANDLE hDevice) {
     const call_stack_tracer tracer("DeviceFreeDevice");
     TRACE_INFO("hDevice = %p", static_cast<void *>(hDevice));
     if (!hDevice)
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
 
     ProviderLock lock;
     --hDevice->m_refCount;
@@ -79,22 +79,22 @@ int DeviceFreeDevice(SPI_DEVICE_HANDLE hDevice) {
     lock.leave();
     if (isLast)
         freeDevice(hDevice);
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }
 
 int DeviceGetSerialNumber(SPI_DEVICE_HANDLE hDevice, char *sn, int snlen, int *pretsnlen) {
     const call_stack_tracer tracer("DeviceGetSerialNumber");
     if (!hDevice) {
         TRACE_ERROR("rv = hDevice == 0");
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
     if (!hDevice->m_serialNumber) {
         TRACE_ERROR("rv = hDevice->m_serialNumber == 0");
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
     const int length = static_cast<int>(std::strlen(hDevice->m_serialNumber)) + 1;
     const int rv = handOut(hDevice->m_serialNumber, length, sn, snlen, pretsnlen);
-    if (rv == ORVEL_PKI_SUCCESS && sn)
+    if (rv == TEMBRA_SUCCESS && sn)
         TRACE_INFO("hDevice = %p, sn = %s, snlen = %d, pretsnlen = %d",
                    static_cast<void *>(hDevice), sn, snlen, shown(pretsnlen));
     return rv;
@@ -104,13 +104,13 @@ int DeviceGetLabel(SPI_DEVICE_HANDLE hDevice, char *label, int labellen, int *pr
     const call_stack_tracer tracer("DeviceGetLabel");
     if (!hDevice) {
         TRACE_ERROR("hDevice == 0");
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
     char text[sizeof(hDevice->m_info.Label) + 1] = {}; // the field need not end with a NUL
     std::memcpy(text, hDevice->m_info.Label, sizeof(hDevice->m_info.Label));
     const int length = static_cast<int>(std::strlen(text)) + 1;
     const int rv = handOut(text, length, label, labellen, pretlabellen);
-    if (rv == ORVEL_PKI_SUCCESS && label)
+    if (rv == TEMBRA_SUCCESS && label)
         TRACE_INFO("label : %s", label);
     return rv;
 }
@@ -118,11 +118,11 @@ int DeviceGetLabel(SPI_DEVICE_HANDLE hDevice, char *label, int labellen, int *pr
 int DeviceLockDevice(SPI_DEVICE_HANDLE) {
     const call_stack_tracer tracer("DeviceLockDevice");
     TRACE_INFO("DeviceLockDevice success");
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }
 
 int DeviceUnlockDevice(SPI_DEVICE_HANDLE) {
     const call_stack_tracer tracer("DeviceUnlockDevice");
     TRACE_INFO("DeviceUnlockDevice success");
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }

@@ -29,10 +29,10 @@ int DeviceInit(void) {
     g_pseudoDevice = OrvelPKICryptoGetPseudoDevice();
     if (!g_pseudoDevice) {
         TRACE_ERROR("OrvelPKICryptoGetPseudoDevice fail");
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
     g_lock.create();
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }
 
 int DeviceEnd(void) {
@@ -40,5 +40,5 @@ int DeviceEnd(void) {
     OrvelPKICryptoFreeDevice(g_pseudoDevice);
     g_pseudoDevice = nullptr;
     g_lock.remove();
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }

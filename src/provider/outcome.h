@@ -16,7 +16,7 @@ struct Outcome {
 // The step has already logged its failure; write nothing more.
 inline constexpr const char *ALREADY_LOGGED = "";
 
-inline constexpr Outcome CONTINUE = {ORVEL_PKI_SUCCESS, nullptr};
+inline constexpr Outcome CONTINUE = {TEMBRA_SUCCESS, nullptr};
 
 // Writes the message, if any, at level error under the name of the routine and returns the result.
 inline int finish(const Outcome &outcome, const char *function) {
@@ -26,7 +26,7 @@ inline int finish(const Outcome &outcome, const char *function) {
 }
 
 inline int fail(const char *message, const char *function) {
-    return finish({ORVEL_PKI_FAILURE, message}, function);
+    return finish({TEMBRA_FAILURE, message}, function);
 }
 
 } // namespace tembra

@@ -53,7 +53,7 @@ constexpr std::uint32_t CIPHER = usages(ORVEL_PKI_USAGE_ENCRYPT, ORVEL_PKI_USAGE
 constexpr std::uint32_t CIPHER_OR_IMPORT =
     usages(ORVEL_PKI_USAGE_ENCRYPT, ORVEL_PKI_USAGE_DECRYPT, ORVEL_PKI_USAGE_IMPORTKEYPAIR);
 constexpr std::uint32_t DECRYPT = usages(ORVEL_PKI_USAGE_DECRYPT);
-constexpr std::uint32_t SIGN = usages(ORVEL_PKI_USAGE_SIGN);
+constexpr std::uint32_t SIGN = usages(TEMBRA_USAGE_SIGN);
 constexpr std::uint32_t GENKEYPAIR = usages(ORVEL_PKI_USAGE_GENKEYPAIR);
 constexpr const char *NOT_GENKEYPAIR = "usage != ORVEL_PKI_USAGE_GENKEYPAIR";
 constexpr const char *NOT_CURVE = "eccParam->m_curve != ORVEL_PKI_ECC_CURVE_SM2";

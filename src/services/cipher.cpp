@@ -49,7 +49,7 @@ CipherContext *createCipher(Device *hDevice, int enc, int algo, const unsigned c
 
 int failedCall(const char *call, ULONG rv, const char *function) {
     TEMBRA_TRACE(TraceLevel::error, function, "%s fail, error = 0x%08X", call, rv);
-    return ORVEL_PKI_FAILURE;
+    return TEMBRA_FAILURE;
 }
 
 // One token operation over a piece; 1 or 0.
@@ -72,12 +72,12 @@ int transformPiece(const CipherContext *hCipher, const unsigned char *in, ULONG 
     } else {
         rv = SKF_DecryptInit(hCipher->m_handle, param);
         if (rv != SAR_OK)
-            return ORVEL_PKI_FAILURE; // no line here, unlike above: hosts know the trace so
+            return TEMBRA_FAILURE; // no line here, unlike above: hosts know the trace so
         rv = SKF_Decrypt(hCipher->m_handle, skfInput(in), piece, out, &partOutLen);
         if (rv != SAR_OK)
             return failedCall("SKF_Decrypt", rv, function);
     }
-    return partOutLen == piece ? ORVEL_PKI_SUCCESS : fail("partOutLen != len", function);
+    return partOutLen == piece ? TEMBRA_SUCCESS : fail("partOutLen != len", function);
 }
 
 // Two zeros a byte stand for the output: what came out never reaches the trace.
@@ -105,15 +105,15 @@ int cipherUpdate(CipherContext *hCipher, const unsigned char *in, int inlen, uns
         unsigned char lastInput[IV_LEN] = {}; // out may be in
         if (piece >= IV_LEN)
             std::memcpy(lastInput, in + done + piece - IV_LEN, IV_LEN);
-        if (transformPiece(hCipher, in + done, piece, out + done, __func__) != ORVEL_PKI_SUCCESS)
-            return ORVEL_PKI_FAILURE;
+        if (transformPiece(hCipher, in + done, piece, out + done, __func__) != TEMBRA_SUCCESS)
+            return TEMBRA_FAILURE;
         done += piece;
         if (hCipher->m_chained && piece >= IV_LEN)
             std::memcpy(hCipher->m_iv, hCipher->m_enc ? out + done - IV_LEN : lastInput, IV_LEN);
     }
     *pretoutlen = inlen;
     traceOutput(inlen, __func__);
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }
 
 } // namespace
@@ -147,16 +147,16 @@ int DeviceCipherUpdate(SPI_CIPHER_HANDLE hCipher, const unsigned char *in, int i
                      hex.text());
     }
     if (!hCipher)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     if (!pretoutlen || inlen < 0)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     *pretoutlen = inlen;
     if (inlen == 0)
-        return !out || outlen >= 0 ? ORVEL_PKI_SUCCESS : ORVEL_PKI_BADARGUMENT;
+        return !out || outlen >= 0 ? TEMBRA_SUCCESS : TEMBRA_BAD_ARGUMENT;
     if (!in)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     if (!out)
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     if (outlen < inlen)
         return ORVEL_PKI_MOREDATA;
     return cipherUpdate(hCipher, in, inlen, out, outlen, pretoutlen);
@@ -166,10 +166,10 @@ int DeviceFreeCipher(SPI_CIPHER_HANDLE hCipher) {
     const call_stack_tracer tracer("DeviceFreeCipher");
     TRACE_INFO("SPI_CIPHER_HANDLE hCipher = %p", static_cast<void *>(hCipher));
     if (!hCipher)
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     Device *hDevice = hCipher->m_device;
     removeHandle(hDevice->m_ciphers, hDevice->m_cipherCount, hCipher);
     closeAndFree(hCipher);
     DeviceFreeDevice(hDevice);
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }

@@ -42,11 +42,11 @@ bool fileExists(const Device *hDevice, const char *name) {
 // The result of an entry point whose last token call returned rv.
 int answerOf(ULONG rv, const char *call, const char *function) {
     if (rv == SAR_OK)
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     if (rv == SAR_USER_NOT_LOGGED_IN)
-        return ORVEL_PKI_NOTLOGGEDIN;
+        return TEMBRA_NOT_LOGGED_IN;
     TEMBRA_TRACE(TraceLevel::error, function, "%s fail, error = 0x%08x", call, rv);
-    return ORVEL_PKI_FAILURE;
+    return TEMBRA_FAILURE;
 }
 
 // Finds the object and its size. Requires the lock.
@@ -65,9 +65,9 @@ struct Lookup {
 
 int failedLookup(const Lookup &lookup, const char *function) {
     if (!lookup.exists)
-        return ORVEL_PKI_NOTEXIST;
+        return TEMBRA_NOT_FOUND;
     TEMBRA_TRACE(TraceLevel::error, function, "SKF_GetFileInfo fail, error = 0x%08x", lookup.rv);
-    return ORVEL_PKI_FAILURE;
+    return TEMBRA_FAILURE;
 }
 
 } // namespace
@@ -77,22 +77,22 @@ int DeviceCreateData(SPI_DEVICE_HANDLE hDevice, int dataId, const char *mode, in
     TRACE_INFO("hDevice = %p, int dataId = %d, const char * mode = %p, int length = %d",
                static_cast<void *>(hDevice), dataId, static_cast<const void *>(mode), length);
     if (!hDevice)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     if (dataId < 0 || !mode || length < 0)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     if (hDevice->m_isformat == 0)
         return fail("hDevice->m_isformat == 0", __func__);
     const FileName name(dataId);
 
     ProviderLock lock;
     if (fileExists(hDevice, name.text))
-        return ORVEL_PKI_ALREADYEXISTS;
+        return TEMBRA_ALREADY_EXISTS;
     ULONG ulReadRights = 0;
     ULONG ulWriteRights = 0;
     if (!GetFileRight(mode, &ulReadRights, &ulWriteRights)) {
         lock.leave();
         TRACE_ERROR("GetFileRight(mode, &ulReadRights, &ulWriteRights) == 0");
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
     const ULONG rv = SKF_CreateFile(hDevice->m_hApp, skfInput(name.text),
                                     static_cast<ULONG>(length), ulReadRights, ulWriteRights);
@@ -108,9 +108,9 @@ int DeviceReadDataEx(SPI_DEVICE_HANDLE hDevice, int dataId, int offset, unsigned
                static_cast<void *>(hDevice), dataId, offset, static_cast<void *>(data), datalen,
                shown(pretdatalen));
     if (!hDevice)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     if (dataId < 0 || offset < 0 || !pretdatalen)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     if (hDevice->m_isformat == 0)
         return fail("hDevice->m_isformat == 0", __func__);
     const FileName name(dataId);
@@ -124,21 +124,21 @@ int DeviceReadDataEx(SPI_DEVICE_HANDLE hDevice, int dataId, int offset, unsigned
     if (offset > lookup.fileSize) {
         lock.leave();
         TRACE_ERROR("offset > (int)attr.FileSize");
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     }
     const int left = lookup.fileSize - offset;
     if (!data) {
         *pretdatalen = left;
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     }
     if (datalen < 0) {
         lock.leave();
         TRACE_ERROR("datalen < 0");
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     }
     if (datalen == 0) {
         *pretdatalen = 0;
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     }
     const ULONG length = static_cast<ULONG>(datalen < left ? datalen : left);
     ULONG read = length;
@@ -158,9 +158,9 @@ int DeviceWriteDataEx(SPI_DEVICE_HANDLE hDevice, int dataId, int offset, const u
                static_cast<void *>(hDevice), dataId, offset, static_cast<const void *>(data),
                datalen);
     if (!hDevice)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     if (dataId < 0 || offset < 0 || datalen <= 0 || !data)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     if (hDevice->m_isformat == 0)
         return fail("hDevice->m_isformat == 0", __func__);
     const FileName name(dataId);
@@ -174,7 +174,7 @@ int DeviceWriteDataEx(SPI_DEVICE_HANDLE hDevice, int dataId, int offset, const u
     if (std::int64_t{offset} + datalen > lookup.fileSize) {
         lock.leave();
         TRACE_ERROR("offset + datalen > (int)attr.FileSize");
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     }
     const ULONG rv = SKF_WriteFile(hDevice->m_hApp, skfInput(name.text), static_cast<ULONG>(offset),
                                    skfInput(data), static_cast<ULONG>(datalen));
@@ -186,16 +186,16 @@ int DeviceDeleteData(SPI_DEVICE_HANDLE hDevice, int dataId) {
     const call_stack_tracer tracer("DeviceDeleteData");
     TRACE_INFO("hDevice = %p, int dataId = %d", static_cast<void *>(hDevice), dataId);
     if (!hDevice)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     if (dataId < 0)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     if (hDevice->m_isformat == 0)
         return fail("hDevice->m_isformat == 0", __func__);
     const FileName name(dataId);
 
     ProviderLock lock;
     if (!fileExists(hDevice, name.text))
-        return ORVEL_PKI_NOTEXIST;
+        return TEMBRA_NOT_FOUND;
     const ULONG rv = SKF_DeleteFile(hDevice->m_hApp, skfInput(name.text));
     lock.leave();
     return answerOf(rv, "SKF_DeleteFile", __func__);

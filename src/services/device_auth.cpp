@@ -58,24 +58,24 @@ int ExternalAuth(Device *hDevice, const unsigned char key[AUTH_KEY_LEN]) {
     BYTE response[BLOCK_LEN] = {};
     ULONG rv = SKF_GenRandom(hDevice->m_hDev, challenge, CHALLENGE_LEN);
     if (rv != SAR_OK)
-        return failedCall("SKF_GenRandom", rv, ORVEL_PKI_FAILURE, __func__);
+        return failedCall("SKF_GenRandom", rv, TEMBRA_FAILURE, __func__);
     HANDLE hKey = nullptr;
     rv = SKF_SetSymmKey(hDevice->m_hDev, skfInput(key), hDevice->m_info.DevAuthAlgId, &hKey);
     if (rv != SAR_OK)
-        return failedCall("SKF_SetSymmKey", rv, ORVEL_PKI_FAILURE, __func__);
+        return failedCall("SKF_SetSymmKey", rv, TEMBRA_FAILURE, __func__);
     const BLOCKCIPHERPARAM param = {};
     rv = SKF_EncryptInit(hKey, param);
     if (rv != SAR_OK) // the key handle stays open, as this vendor's tokens want it
-        return failedCall("SKF_EncryptInit", rv, ORVEL_PKI_FAILURE, __func__);
+        return failedCall("SKF_EncryptInit", rv, TEMBRA_FAILURE, __func__);
     ULONG length = sizeof(response);
     rv = SKF_Encrypt(hKey, challenge, sizeof(challenge), response, &length);
     SKF_CloseHandle(hKey);
     if (rv != SAR_OK || length > sizeof(response))
-        return failedCall("SKF_Encrypt", rv, ORVEL_PKI_FAILURE, __func__);
+        return failedCall("SKF_Encrypt", rv, TEMBRA_FAILURE, __func__);
     rv = SKF_DevAuth(hDevice->m_hDev, response, length);
     if (rv != SAR_OK)
-        return failedCall("SKF_DevAuth", rv, ORVEL_PKI_WRONGPIN, __func__);
-    return ORVEL_PKI_SUCCESS;
+        return failedCall("SKF_DevAuth", rv, TEMBRA_WRONG_PIN, __func__);
+    return TEMBRA_SUCCESS;
 }
 
 } // namespace tembra

@@ -55,9 +55,9 @@ int DeviceHashUpdate(SPI_HASH_HANDLE hHash, const unsigned char *data, int datal
     TRACE_INFO("SPI_HASH_HANDLE hHash = %p, const unsigned char *data = %p, int datalen = %d",
                static_cast<void *>(hHash), static_cast<const void *>(data), datalen);
     if (!hHash)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     if (datalen < 0 || (datalen > 0 && !data))
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
 
     const int limit = g_maxOperationLen > 0 ? g_maxOperationLen : PIECE_LEN_DEFAULT;
     for (int done = 0; done < datalen;) {
@@ -66,11 +66,11 @@ int DeviceHashUpdate(SPI_HASH_HANDLE hHash, const unsigned char *data, int datal
             SKF_DigestUpdate(hHash->m_handle, skfInput(data + done), static_cast<ULONG>(piece));
         if (rv != SAR_OK) {
             TRACE_ERROR("SKF_DigestUpdate fail, error = 0x%08X", rv);
-            return ORVEL_PKI_FAILURE;
+            return TEMBRA_FAILURE;
         }
         done += piece;
     }
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }
 
 int DeviceHashFinal(SPI_HASH_HANDLE hHash, unsigned char *hashvalue, int hashvaluelen,
@@ -81,31 +81,31 @@ int DeviceHashFinal(SPI_HASH_HANDLE hHash, unsigned char *hashvalue, int hashval
                static_cast<void *>(hHash), static_cast<void *>(hashvalue), hashvaluelen,
                shown(prethashvaluelen));
     if (!hHash)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     if (!prethashvaluelen)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     *prethashvaluelen = SM3_LEN;
     if (!hashvalue)
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     if (hashvaluelen < SM3_LEN)
         return ORVEL_PKI_MOREDATA;
     ULONG length = static_cast<ULONG>(hashvaluelen);
     const ULONG rv = SKF_DigestFinal(hHash->m_handle, hashvalue, &length);
     if (rv != SAR_OK) {
         TRACE_ERROR("SKF_DigestFinal fail, error = 0x%08X", rv);
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }
 
 int DeviceFreeHash(SPI_HASH_HANDLE hHash) {
     const call_stack_tracer tracer("DeviceFreeHash");
     TRACE_INFO("SPI_HASH_HANDLE hHash = %p", static_cast<void *>(hHash));
     if (!hHash)
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     Device *hDevice = hHash->m_device;
     removeHandle(hDevice->m_hashes, hDevice->m_hashCount, hHash);
     closeAndFree(hHash);
     DeviceFreeDevice(hDevice);
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }

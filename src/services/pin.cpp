@@ -30,13 +30,13 @@ ULONG *skfCount(int *number) {
 // other.
 int answerOf(ULONG rv, ULONG wrongPin, const char *failed, const char *function) {
     if (rv == wrongPin)
-        return ORVEL_PKI_WRONGPIN;
+        return TEMBRA_WRONG_PIN;
     if (rv == SAR_PIN_LEN_RANGE)
-        return ORVEL_PKI_PINLENGTH;
+        return TEMBRA_PIN_LENGTH;
     if (rv == SAR_OK)
-        return ORVEL_PKI_SUCCESS;
+        return TEMBRA_SUCCESS;
     TEMBRA_TRACE(TraceLevel::error, function, "%s = 0x%08X", failed, rv);
-    return ORVEL_PKI_FAILURE;
+    return TEMBRA_FAILURE;
 }
 
 // Calls the token under the lock; false for a token without application.
@@ -56,13 +56,13 @@ int DeviceVerifyPwd(SPI_DEVICE_HANDLE hDevice, int type, const char *pwd, int *p
     TRACE_INFO("hDevice = %p, type = %d, pwd = %s, *pretrynum = %d", static_cast<void *>(hDevice),
                type, shown(pwd), shown(pretrynum));
     if (!hDevice)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     if (!pwd)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     if (type == TEMBRA_PWD_DEVICE_AUTH)
         return VerifySuperPwd(hDevice, pwd, pretrynum);
     if (!isPinType(type))
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     if (!hDevice->m_hApp)
         return fail("hDevice->m_hApp == 0", __func__);
 
@@ -80,9 +80,9 @@ int DeviceChangePwd(SPI_DEVICE_HANDLE hDevice, int type, const char *oldpwd, con
                "int *pretrynum = %d",
                static_cast<void *>(hDevice), type, shown(oldpwd), shown(newpwd), shown(pretrynum));
     if (!hDevice)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     if (!isPinType(type) || !oldpwd || !newpwd)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     ULONG rv = SAR_OK;
     if (!callToken(hDevice, rv, [&](HAPPLICATION hApp) {
             return SKF_ChangePIN(hApp, skfPinType(type), skfInput(oldpwd), skfInput(newpwd),
@@ -100,9 +100,9 @@ int DeviceUnlockPwd(SPI_DEVICE_HANDLE hDevice, int type, const char *sopwd, cons
                static_cast<void *>(hDevice), type, shown(sopwd), shown(newpwd),
                static_cast<void *>(pretrynum));
     if (!hDevice)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     if (type != TEMBRA_PWD_USER || !sopwd || !newpwd)
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     ULONG rv = SAR_OK;
     if (!callToken(hDevice, rv, [&](HAPPLICATION hApp) {
             return SKF_UnblockPIN(hApp, skfInput(sopwd), skfInput(newpwd), skfCount(pretrynum));
@@ -118,9 +118,9 @@ int DeviceGetPwdRetryNum(SPI_DEVICE_HANDLE hDevice, int type, int *pretrynum) {
     TRACE_INFO("hDevice = %p, int type = %d\xEF\xBC\x8C int *pretrynum = %d",
                static_cast<void *>(hDevice), type, shown(pretrynum));
     if (!hDevice)
-        return ORVEL_PKI_NULLHANDLE;
+        return TEMBRA_NULL_HANDLE;
     if (!isPinType(type))
-        return ORVEL_PKI_BADARGUMENT;
+        return TEMBRA_BAD_ARGUMENT;
     ULONG maximum = 0;
     ULONG remaining = 0;
     BOOL isDefault = 0;
@@ -131,9 +131,9 @@ int DeviceGetPwdRetryNum(SPI_DEVICE_HANDLE hDevice, int type, int *pretrynum) {
         return fail(NOT_FORMATTED, __func__);
     if (rv != SAR_OK) {
         TRACE_ERROR("SKF_GetPINInfo fail, error : 0x%08X", rv);
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
     if (pretrynum)
         *pretrynum = static_cast<int>(remaining);
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }

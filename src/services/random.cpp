@@ -10,13 +10,13 @@ int DeviceGenerateRandom(SPI_DEVICE_HANDLE hDevice, int len, unsigned char *rand
     TRACE_INFO("hDevice = %p, int len = %d, unsigned char *rand = %p", static_cast<void *>(hDevice),
                len, static_cast<void *>(rand));
     if (!hDevice)
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     ProviderLock lock;
     const ULONG rv = SKF_GenRandom(hDevice->m_hDev, rand, static_cast<ULONG>(len));
     lock.leave();
     if (rv != SAR_OK) {
         TRACE_ERROR("SKF_GenRandom fail, error = 0x%08X", rv);
-        return ORVEL_PKI_FAILURE;
+        return TEMBRA_FAILURE;
     }
-    return ORVEL_PKI_SUCCESS;
+    return TEMBRA_SUCCESS;
 }

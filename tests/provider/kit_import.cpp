@@ -118,7 +118,7 @@ protected:
             EXPECT_TRUE(holds(label, key)) << "another key got in";
             begin();
         } else {
-            EXPECT_TRUE(result == ORVEL_PKI_NOTLOGGEDIN || !trace().failures().empty()) << result;
+            EXPECT_TRUE(result == TEMBRA_NOT_LOGGED_IN || !trace().failures().empty()) << result;
         }
     }
 

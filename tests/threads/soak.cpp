@@ -68,7 +68,7 @@ public:
     template <typename Call>
     static int loggedIn(SPI_DEVICE_HANDLE on, Call call) {
         int result = call();
-        for (int tries = 0; result == ORVEL_PKI_NOTLOGGEDIN && tries < 1000; ++tries) {
+        for (int tries = 0; result == TEMBRA_NOT_LOGGED_IN && tries < 1000; ++tries) {
             EXPECT_EQ(DeviceVerifyPwd(on, TEMBRA_PWD_USER, USER_PIN, nullptr), 1);
             result = call();
         }
@@ -128,7 +128,7 @@ public:
         const auto write = [&] { return DeviceWriteDataEx(m_device, 7, 0, buffer.data(), 64); };
         EXPECT_EQ(loggedIn(m_device, write), 1);
         EXPECT_EQ(DeviceIsSupportedAlgorithm2(m_device, ORVEL_PKI_ALGORITHM_SM2_SIGN, 0,
-                                              ORVEL_PKI_USAGE_SIGN, nullptr),
+                                              TEMBRA_USAGE_SIGN, nullptr),
                   1);
     }
 

@@ -22,13 +22,13 @@ struct Question {
 const Question QUESTIONS[] = {
     {"SM2", "generate a key pair", ORVEL_PKI_ALGORITHM_ECC, 256, ORVEL_PKI_USAGE_GENKEYPAIR,
      &SM2_CURVE},
-    {"SM2", "sign", ORVEL_PKI_ALGORITHM_SM2_SIGN, 0, ORVEL_PKI_USAGE_SIGN, nullptr},
+    {"SM2", "sign", ORVEL_PKI_ALGORITHM_SM2_SIGN, 0, TEMBRA_USAGE_SIGN, nullptr},
     {"SM2", "decrypt", ORVEL_PKI_ALGORITHM_SM2_ENC, 0, ORVEL_PKI_USAGE_DECRYPT, &SM3},
     {"RSA-1024", "generate a key pair", ORVEL_PKI_ALGORITHM_RSA, 1024, ORVEL_PKI_USAGE_GENKEYPAIR,
      nullptr},
     {"RSA-2048", "generate a key pair", ORVEL_PKI_ALGORITHM_RSA, 2048, ORVEL_PKI_USAGE_GENKEYPAIR,
      nullptr},
-    {"RSA PKCS#1 v1.5", "sign", ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_SIGN, 0, ORVEL_PKI_USAGE_SIGN,
+    {"RSA PKCS#1 v1.5", "sign", ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_SIGN, 0, TEMBRA_USAGE_SIGN,
      nullptr},
     {"RSA PKCS#1 v1.5", "decrypt", ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC, 0,
      ORVEL_PKI_USAGE_DECRYPT, nullptr},
@@ -57,7 +57,7 @@ void Caps::run(Context &context) {
     for (const Question &one : QUESTIONS) {
         const bool yes =
             session->DeviceIsSupportedAlgorithm2(device.get(), one.algorithmId, one.bits,
-                                                 one.usageId, one.param) == ORVEL_PKI_SUCCESS;
+                                                 one.usageId, one.param) == TEMBRA_SUCCESS;
         rows.push_back(
             Record().add("algorithm", one.algorithm).add("usage", one.usage).add("supported", yes));
         char line[64];

@@ -29,7 +29,7 @@ public:
         const char mode[] = {3, rights(m_anyone), rights(m_user)};
         const int result = session->DeviceCreateData(device.get(), m_id, mode, m_size);
         check("DeviceCreateData", result,
-              {ORVEL_PKI_FAILURE, tr("the token may be full or without application")});
+              {TEMBRA_FAILURE, tr("the token may be full or without application")});
         context.console.result(Record().add("id", m_id).add("size", m_size),
                                tr("Data object {1} created, {2} bytes",
                                   {std::to_string(m_id), std::to_string(m_size)}));

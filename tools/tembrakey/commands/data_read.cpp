@@ -40,7 +40,7 @@ crypto::SecretBytes DataRead::read(const Device &device) const {
     const auto call = [&](unsigned char *data, int capacity, int *length) {
         const int result = device.session()->DeviceReadDataEx(device.get(), m_id, m_offset, data,
                                                               capacity, length);
-        check(name, result, {ORVEL_PKI_BADARGUMENT, tr("the offset lies beyond the object's end")});
+        check(name, result, {TEMBRA_BAD_ARGUMENT, tr("the offset lies beyond the object's end")});
     };
     int length = 0;
     call(nullptr, 0, &length);

@@ -30,7 +30,7 @@ public:
         const int result = session->DeviceWriteDataEx(device.get(), m_id, m_offset, data.data(),
                                                       static_cast<int>(data.size()));
         check("DeviceWriteDataEx", result,
-              {ORVEL_PKI_BADARGUMENT,
+              {TEMBRA_BAD_ARGUMENT,
                tr("there must be something to write, and it must fit in the object's size")});
         context.console.result(Record()
                                    .add("id", m_id)

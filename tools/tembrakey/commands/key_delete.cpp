@@ -30,7 +30,7 @@ private:
 KeyPair KeyDelete::eitherPair(const Device &device) const {
     SPI_KEYPAIR_HANDLE handle = nullptr;
     if (device.session()->DeviceFindKeypair(device.get(), ORVEL_PKI_KEYPAIRTYPE_ENCRYPT,
-                                            m_label.c_str(), &handle) == ORVEL_PKI_SUCCESS)
+                                            m_label.c_str(), &handle) == TEMBRA_SUCCESS)
         return KeyPair(device.session(), handle);
     return chooseKeyPair(device, {m_label, "sign"});
 }

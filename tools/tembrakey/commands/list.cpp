@@ -67,7 +67,7 @@ Shown List::show(const Device &device, int index) {
     const std::string name = label(device);
     int tries = 0; // only a device with an application has a user PIN
     const bool formatted =
-        session->DeviceGetPwdRetryNum(device.get(), TEMBRA_PWD_USER, &tries) == ORVEL_PKI_SUCCESS;
+        session->DeviceGetPwdRetryNum(device.get(), TEMBRA_PWD_USER, &tries) == TEMBRA_SUCCESS;
     Shown shown;
     shown.record.add("index", index)
         .add("serial", serial)

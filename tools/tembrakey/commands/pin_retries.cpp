@@ -23,10 +23,10 @@ public:
 private:
     static int tries(const Device &device, int type) {
         int left = 0;
-        check("DeviceGetPwdRetryNum",
-              device.session()->DeviceGetPwdRetryNum(device.get(), type, &left),
-              {ORVEL_PKI_FAILURE,
-               tr("the token may have no application (list marks it unformatted)")});
+        check(
+            "DeviceGetPwdRetryNum",
+            device.session()->DeviceGetPwdRetryNum(device.get(), type, &left),
+            {TEMBRA_FAILURE, tr("the token may have no application (list marks it unformatted)")});
         return left;
     }
 };

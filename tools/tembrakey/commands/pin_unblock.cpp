@@ -31,7 +31,7 @@ private:
     // A wrong administrator PIN is a plain failure to this entry point; the token's count of tries
     // tells it from the others.
     static void checkUnblocked(const Device &device, int result, int tries) {
-        if (result == ORVEL_PKI_FAILURE && tries > 0)
+        if (result == TEMBRA_FAILURE && tries > 0)
             throw Failure(
                 ExitCode::wrongPin,
                 tr("{1} answered {2}: {3}", {"DeviceUnlockPwd", "0",

@@ -46,7 +46,7 @@ KeyPair chooseKeyPair(const Device &device, const KeyPairChoice &choice) {
     const Session &session = device.session();
     SPI_KEYPAIR_HANDLE handle = nullptr;
     if (session->DeviceFindKeypair(device.get(), choice.typeNumber(), choice.label.c_str(),
-                                   &handle) != ORVEL_PKI_SUCCESS)
+                                   &handle) != TEMBRA_SUCCESS)
         throw Failure(ExitCode::notFound,
                       tr("There is no key pair of type {1} with the label {2}: list shows them",
                          {choice.type, choice.label}));

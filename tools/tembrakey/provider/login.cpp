@@ -18,7 +18,7 @@ std::string triesAdvice(int type, int tries) {
 int triesLeft(const Device &device, int type) {
     int tries = -1;
     const int result = device.session()->DeviceGetPwdRetryNum(device.get(), type, &tries);
-    return result == ORVEL_PKI_SUCCESS ? tries : -1;
+    return result == TEMBRA_SUCCESS ? tries : -1;
 }
 
 } // namespace
@@ -26,19 +26,19 @@ int triesLeft(const Device &device, int type) {
 void checkPin(const char *entryPoint, const Device &device, int type, int result) {
     if (type == TEMBRA_PWD_DEVICE_AUTH) {
         check(entryPoint, result,
-              {result, result == ORVEL_PKI_WRONGPIN
+              {result, result == TEMBRA_WRONG_PIN
                            ? tr("the device-authentication key is wrong")
                            : tr("the device-authentication key has 32 digits or letters")});
         return;
     }
-    const bool refused = result == ORVEL_PKI_WRONGPIN || result == ORVEL_PKI_FAILURE;
+    const bool refused = result == TEMBRA_WRONG_PIN || result == TEMBRA_FAILURE;
     const int tries = refused ? triesLeft(device, type) : -1;
-    if (result == ORVEL_PKI_FAILURE && tries == 0) // a locked PIN is a plain failure to the token
+    if (result == TEMBRA_FAILURE && tries == 0) // a locked PIN is a plain failure to the token
         throw Failure(ExitCode::wrongPin,
                       tr("{1} answered {2}: {3}", {entryPoint, "0", triesAdvice(type, 0)}),
                       entryPoint, result);
     check(entryPoint, result,
-          tries < 0 ? Advice() : Advice{ORVEL_PKI_WRONGPIN, triesAdvice(type, tries)});
+          tries < 0 ? Advice() : Advice{TEMBRA_WRONG_PIN, triesAdvice(type, tries)});
 }
 
 void verifyPin(const Device &device, int type, const SecretText &pin) {

@@ -16,20 +16,20 @@ struct Meaning {
 };
 
 const Meaning MEANINGS[] = {
-    {ORVEL_PKI_FAILURE, ExitCode::failure, "failure",
+    {TEMBRA_FAILURE, ExitCode::failure, "failure",
      "the provider's trace log has the token's own answer (TEMBRA_KEY_PROV_LOG_PATH)"},
-    {ORVEL_PKI_BADARGUMENT, ExitCode::failure, "bad argument",
+    {TEMBRA_BAD_ARGUMENT, ExitCode::failure, "bad argument",
      "see the command's --help for what it takes"},
-    {ORVEL_PKI_NULLHANDLE, ExitCode::failure, "no handle", "the key pair may have been deleted"},
+    {TEMBRA_NULL_HANDLE, ExitCode::failure, "no handle", "the key pair may have been deleted"},
     {ORVEL_PKI_MOREDATA, ExitCode::failure, "buffer too short",
      "the token changed its answer; try again"},
-    {ORVEL_PKI_WRONGPIN, ExitCode::wrongPin, "wrong or locked PIN",
+    {TEMBRA_WRONG_PIN, ExitCode::wrongPin, "wrong or locked PIN",
      "pin retries shows how many tries are left"},
-    {ORVEL_PKI_ALREADYEXISTS, ExitCode::alreadyExists, "already exists", "choose another name"},
-    {ORVEL_PKI_NOTEXIST, ExitCode::doesNotExist, "does not exist", "check the number"},
-    {ORVEL_PKI_NOTLOGGEDIN, ExitCode::notLoggedIn, "user not logged in",
+    {TEMBRA_ALREADY_EXISTS, ExitCode::alreadyExists, "already exists", "choose another name"},
+    {TEMBRA_NOT_FOUND, ExitCode::doesNotExist, "does not exist", "check the number"},
+    {TEMBRA_NOT_LOGGED_IN, ExitCode::notLoggedIn, "user not logged in",
      "give the user PIN with --pin-env NAME or --pin-fd N"},
-    {ORVEL_PKI_PINLENGTH, ExitCode::pinLength, "PIN length",
+    {TEMBRA_PIN_LENGTH, ExitCode::pinLength, "PIN length",
      "the token does not take a PIN of this length"},
 };
 
@@ -46,7 +46,7 @@ const Meaning &meaningOf(int result) {
 } // namespace
 
 void check(const char *entryPoint, int result, const Advice &advice) {
-    if (result == ORVEL_PKI_SUCCESS)
+    if (result == TEMBRA_SUCCESS)
         return;
     const Meaning &found = meaningOf(result);
     throw Failure(found.code,

@@ -7,7 +7,7 @@ namespace tembra::tool {
 
 Session::Session(const std::string &path) : m_library(path) {
     check("DeviceInit", m_library.entryPoints().DeviceInit(),
-          {ORVEL_PKI_FAILURE, tr("the host library gave no pseudo device")});
+          {TEMBRA_FAILURE, tr("the host library gave no pseudo device")});
 }
 
 Session::~Session() {
