@@ -4,7 +4,7 @@ namespace tembra {
 
 namespace {
 
-// Without a table, so that the compiler can turn the loop into vector code.
+// Computed rather than looked up, so that the compiler can vectorise the loop.
 inline char digitOf(unsigned int nibble) {
     return static_cast<char>(nibble + '0' + (nibble > 9 ? 'A' - '0' - 10 : 0));
 }
@@ -19,9 +19,9 @@ int hexEncode(const unsigned char *in, int len, char *out) {
     if (!in || !out || len == 0)
         return 0;
     for (int i = 0; i < len; ++i) {
-        const std::size_t at = 2 * static_cast<std::size_t>(i);
-        out[at] = digitOf(in[i] >> 4);
-        out[at + 1] = digitOf(in[i] & 0x0Fu);
+        const std::size_t position = 2 * static_cast<std::size_t>(i);
+        out[position] = digitOf(in[i] >> 4);
+        out[position + 1] = digitOf(in[i] & 0x0Fu);
     }
     return 1;
 }

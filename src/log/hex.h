@@ -5,17 +5,17 @@
 
 namespace tembra {
 
-// Writes two characters a byte, high nibble first, 0 to 9 and A to F, without a closing NUL; out
-// holds 2 * len characters. Returns 0 without writing when in or out is null or len is 0, and 1
-// without writing when len is negative.
+// Writes two characters per byte, high nibble first, 0 to 9 and A to F, without a NUL; out must
+// have room for 2 * len characters. Returns 0 without writing if in or out is null or len is 0, and
+// 1 without writing if len is negative.
 int hexEncode(const unsigned char *in, int len, char *out);
 
-// The hex text of a buffer, wiped before it is freed: it can show plaintext.
+// The hex text of a buffer. It can contain plaintext, so it is wiped before it is freed.
 class HexText {
 public:
-    // Null data, or a length that is not positive, gives an empty text.
+    // Null data or a length that is not positive results in an empty text.
     HexText(const unsigned char *data, int length);
-    // Null when memory was short.
+    // Null if memory ran out.
     const char *text() const { return reinterpret_cast<const char *>(m_block.data()); }
 
 private:

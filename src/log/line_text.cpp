@@ -12,10 +12,10 @@ namespace tembra {
 
 namespace {
 
-// Enough for every line without a long text.
+// Enough for a line without long texts.
 constexpr std::size_t USUAL_CAPACITY = 512;
 
-// As for printf; the system takes no more at once.
+// printf's limit, and the most that one system call writes.
 constexpr std::size_t LONGEST = INT_MAX;
 
 } // namespace
@@ -29,7 +29,7 @@ LineText::~LineText() {
     std::free(m_data);
 }
 
-// Makes room for length more characters, or drops the line.
+// Adds room for length characters, or drops the line.
 bool LineText::grow(std::size_t length) {
     const std::size_t size = m_size;
     const std::size_t capacity = size + length + USUAL_CAPACITY;
@@ -46,7 +46,7 @@ bool LineText::grow(std::size_t length) {
 }
 
 void LineText::drop() {
-    platform::wipe(m_data, m_capacity); // what was formatted in part lies beyond m_size
+    platform::wipe(m_data, m_capacity); // a partly formatted text is beyond m_size
     std::free(m_data);
     m_data = nullptr;
     m_size = 0;
@@ -64,8 +64,8 @@ void LineText::appendPointer(const void *pointer) {
     append({text, platform::pointerText(pointer, text)});
 }
 
-// The three conversions that the lines of successful calls are made of cost a third here of what
-// they cost in the C library, which does the others.
+// Lines of successful calls need only these three conversions, which take a third of the C
+// library's time here.
 void LineText::appendFormatted(const char *format, std::va_list arguments) {
     while (const char *percent = std::strchr(format, '%')) {
         append({format, static_cast<std::size_t>(percent - format)});
@@ -80,7 +80,7 @@ void LineText::appendFormatted(const char *format, std::va_list arguments) {
     append(format);
 }
 
-// Formats once where there is room, twice where there is not.
+// Formats again after growing if there was no room.
 void LineText::appendByLibrary(const char *format, std::va_list arguments) {
     if (!m_data)
         return;
@@ -89,7 +89,7 @@ void LineText::appendByLibrary(const char *format, std::va_list arguments) {
     const int formatted = std::vsnprintf(m_data + m_size, room(), format, arguments);
     const std::size_t length = formatted < 0 ? 0 : static_cast<std::size_t>(formatted);
     if (formatted < 0)
-        drop(); // longer than an int can say
+        drop(); // longer than INT_MAX
     else if (length >= room() && grow(length + 1))
         std::vsnprintf(m_data + m_size, room(), format, again);
     va_end(again);

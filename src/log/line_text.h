@@ -1,5 +1,5 @@
-// A line of the trace while it is put together: on the heap, and wiped before it is freed, since it
-// can show a PIN or plaintext.
+// Builds a line of the trace. The line can contain a PIN or plaintext, so it is wiped before it is
+// freed.
 #pragma once
 
 #include <cstdarg>
@@ -9,7 +9,7 @@
 
 namespace tembra {
 
-// Once memory was short, or a text too long, the line is dropped: data() is null and stays so.
+// If memory runs out or a text is too long, the line is dropped: data() remains null.
 class LineText {
 public:
     LineText();
@@ -27,7 +27,7 @@ public:
         m_size += text.size();
     }
     void appendNumber(long value);
-    // printf's text.
+    // Formats like printf.
     void appendFormatted(const char *format, std::va_list arguments);
 
 private:

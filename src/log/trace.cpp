@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t PATH_CAPACITY = 260;
 
-// Open from the first line that could be written to the end of the process.
+// Stays open from the first line that could be written until the process ends.
 std::atomic<int> traceFile{platform::NO_FILE};
 
 int openFile() {

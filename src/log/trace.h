@@ -1,32 +1,31 @@
 // The trace log: one text file that every entry point writes to.
 //
-// TEMBRA_KEY_PROV_LOG_LEVEL and TEMBRA_KEY_PROV_LOG_PATH control it and are its only configuration.
-// AT LEVEL INFORMATION AND ABOVE THE LINES HOLD PINS IN CLEAR; that is part of the log's contract
-// with the people who read it.
+// Its only configuration is TEMBRA_KEY_PROV_LOG_LEVEL and TEMBRA_KEY_PROV_LOG_PATH. AT LEVEL
+// INFORMATION AND ABOVE IT CONTAINS PINS IN CLEAR; those who read the log rely on that.
 #pragma once
 
 #include "platform/compiler.h"
 
 namespace tembra {
 
-// The level that the variable must reach for a line to be written.
+// The value is the minimum of the variable for a line to be written.
 enum class TraceLevel { error = 1, warning = 2, information = 3, debug = 4, verbose = 5 };
 
-// Looks the level variable up anew, on purpose, so that a change takes effect at the next line.
-// Unset, it lets errors, warnings and information pass.
+// Reads the level variable each time, so that a change takes effect at the next line. If it is not
+// set, errors, warnings and information are enabled.
 bool traceEnabled(TraceLevel level);
 
 const char *traceTag(TraceLevel level);
 
-// Appends one line: thread id, local time, tag, [function], message. Never fails visibly: a file
-// that cannot be opened or a line that cannot be allocated is only dropped.
+// Appends one line: thread id, local time, tag, [function], message. If the file cannot be opened
+// or memory runs out, the line is dropped.
 void writeLog(const char *tag, const char *function, const char *format, ...) TEMBRA_PRINTF(3, 4);
 
-// Writes the hex text of data at level verbose; format takes the length and the text, as in
-// "keyblob[length:%d]: %s". The text is wiped before it is freed.
+// Writes data in hex at level verbose; format takes the length and the text, for example
+// "keyblob[length:%d]: %s".
 void traceHex(const char *function, const char *format, const unsigned char *data, int length);
 
-// What a line shows for a text or a number behind a pointer that may be null.
+// The text or number to log for a pointer that may be null.
 inline const char *shown(const char *text) {
     return text ? text : "(null)";
 }
@@ -34,7 +33,8 @@ inline int shown(const int *number) {
     return number ? *number : 0;
 }
 
-// Writes the entry and exit lines of an entry point at level debug. The name must outlive it.
+// Writes the entry and exit lines of an entry point at level debug. The name must outlive the
+// object.
 class call_stack_tracer {
 public:
     explicit call_stack_tracer(const char *name);
@@ -48,7 +48,7 @@ private:
 
 } // namespace tembra
 
-// The arguments of a line that is not written are not evaluated.
+// Evaluates the arguments only if the line is written.
 #define TEMBRA_TRACE(level, function, ...)                                                         \
     do {                                                                                           \
         if (::tembra::traceEnabled(level))                                                         \

@@ -1,11 +1,11 @@
-// The two kinds of lock the provider needs.
+// The provider's two kinds of lock.
 #pragma once
 
 namespace tembra::platform {
 
-// A recursive lock that is made and deleted by hand: a Windows critical section. Making one that
-// is made, or deleting one that is not, does nothing; entering one that is not made does nothing
-// either, so that a host which calls before DeviceInit meets no undefined behaviour.
+// A recursive lock that is created and removed explicitly, as a Windows critical section is.
+// Creating it twice has no effect. Before it is created and after it is removed, all other calls
+// have no effect, so a host that calls before DeviceInit causes no undefined behaviour.
 class CriticalSection {
 public:
     void create();
@@ -18,8 +18,8 @@ private:
     bool m_made = false;
 };
 
-// The innermost lock of the process, ready from the start. Nothing is called while it is held that
-// could take another lock or wait.
+// The innermost lock of the process, ready from the start. While it is held, nothing may be called
+// that takes another lock or blocks.
 void enterInnermostLock();
 void leaveInnermostLock();
 

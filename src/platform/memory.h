@@ -1,4 +1,4 @@
-// Memory of the provider: plain blocks, and blocks that hold secrets.
+// Memory blocks, plain ones and those for secrets.
 #pragma once
 
 #include <cstddef>
@@ -8,11 +8,11 @@
 namespace tembra {
 
 namespace platform {
-// Overwrites with zeros in a way that the compiler does not leave out. Null is allowed.
+// Overwrites memory, which may be null, with zeros; the compiler does not optimise this away.
 void wipe(void *memory, std::size_t size);
 } // namespace platform
 
-// A zeroed block, or null. A size of 0 gives a block, too.
+// Returns a zeroed block, also for a size of 0, or null. Free it with std::free.
 inline void *allocateZeroed(std::size_t size) {
     if (size == 0)
         size = 1;
@@ -22,13 +22,13 @@ inline void *allocateZeroed(std::size_t size) {
     return memory;
 }
 
-// A zeroed record, or null. Freed with std::free.
+// Returns a zeroed record or null. Free it with std::free.
 template <typename Record>
 Record *allocateRecord() {
     return static_cast<Record *>(allocateZeroed(sizeof(Record)));
 }
 
-// A copy with its NUL, or null. Freed with std::free.
+// Returns a copy or null. Free it with std::free.
 inline char *copyText(const char *text) {
     const std::size_t size = std::strlen(text) + 1;
     char *copy = static_cast<char *>(std::malloc(size));
@@ -37,7 +37,7 @@ inline char *copyText(const char *text) {
     return copy;
 }
 
-// A zeroed heap block that is wiped before it is freed. data() is null when memory was short.
+// A zeroed heap block that is wiped before it is freed. data() is null if memory ran out.
 class SecretBlock {
 public:
     explicit SecretBlock(std::size_t size)
@@ -57,7 +57,7 @@ private:
     std::size_t m_size;
 };
 
-// A zeroed array on the stack that is wiped when its scope ends.
+// A zeroed array on the stack that is wiped at the end of its scope.
 template <std::size_t Size>
 class SecretArray {
 public:

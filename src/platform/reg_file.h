@@ -1,4 +1,4 @@
-// A reader of the text form in which Windows' registry editor exports and imports keys.
+// Reads the text format in which the Windows registry editor exports keys.
 #pragma once
 
 #include <cstddef>
@@ -6,9 +6,9 @@
 
 namespace tembra::platform {
 
-// One line after another of a registry file, in UTF-8 or in the editor's UTF-16 with its byte order
-// mark. Lines that end in a backslash go on in the next one. Every UTF-16 unit of the text stands
-// as one char, units beyond ASCII as '?'; a line is cut to the buffer.
+// Returns the lines of a registry file, in UTF-8 or in UTF-16 with a byte order mark. A line that
+// ends in a backslash continues in the next one. Each UTF-16 unit becomes one char, '?' if it is
+// not ASCII. Long lines are truncated.
 class RegFile {
 public:
     explicit RegFile(const char *path);
@@ -17,7 +17,7 @@ public:
     RegFile &operator=(const RegFile &) = delete;
 
     bool isOpen() const { return m_file != nullptr; }
-    // The next line without surrounding blanks, or null at the end.
+    // Returns the next line without surrounding blanks, or null at the end.
     const char *nextLine();
 
 private:
@@ -29,7 +29,7 @@ private:
     static constexpr std::size_t LINE_CAPACITY = 1024;
     std::FILE *m_file;
     bool m_utf16 = false;
-    bool m_pendingUnit = false; // the second unit of a character beyond the basic plane
+    bool m_pendingUnit = false; // the second half of a surrogate pair
     char m_line[LINE_CAPACITY] = {};
     std::size_t m_length = 0;
 };

@@ -48,7 +48,7 @@ int RegFile::nextUtf8Unit() {
         return BEYOND_ASCII;
     }
     int byte = std::fgetc(m_file);
-    while (byte != EOF && (byte & 0xC0) == 0x80) // the rest of a character that was counted
+    while (byte != EOF && (byte & 0xC0) == 0x80) // a continuation byte
         byte = std::fgetc(m_file);
     if (byte == EOF || byte < 0x80)
         return byte;

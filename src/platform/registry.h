@@ -1,7 +1,5 @@
-// The registry, or the file that stands in for it off Windows.
-//
-// Off Windows the environment variable TEMBRA_KEY_PROV_REGISTRY names a text file in the form that
-// Windows' registry editor exports; unset, it is /etc/tembra_key_prov.reg.
+// The Windows registry. Other systems read a text file in the format of the Windows registry
+// editor, /etc/tembra_key_prov.reg or the one that the variable TEMBRA_KEY_PROV_REGISTRY names.
 #pragma once
 
 #include <cstdint>
@@ -10,11 +8,11 @@ namespace tembra::platform {
 
 inline constexpr std::uint32_t REGISTRY_TYPE_DWORD = 4; // REG_DWORD
 
-// What opening the key and querying the value answered; system error numbers, 0 for success.
+// The results are system error numbers, 0 for success.
 struct RegistryAnswer {
     int openResult;
-    int queryResult;    // meaningful when the key could be opened
-    std::uint32_t type; // meaningful when the query succeeded
+    int queryResult;    // valid if the key could be opened
+    std::uint32_t type; // valid if the query succeeded
     std::uint32_t data; // the first four bytes, little-endian
 };
 

@@ -10,7 +10,7 @@ namespace tembra::platform {
 
 namespace {
 
-// The system error numbers and types that Windows would answer with.
+// The error numbers and types that Windows would return.
 constexpr int ERROR_SUCCESS = 0;
 constexpr int ERROR_FILE_NOT_FOUND = 2;
 constexpr int ERROR_MORE_DATA = 234;
@@ -40,7 +40,7 @@ int hexDigit(char c) {
     return c >= 'A' && c <= 'F' ? c - 'A' + 10 : -1;
 }
 
-// Reads hexadecimal digits up to the first other character.
+// Reads hex digits up to the first other character.
 std::uint32_t parseHex(const char *&text) {
     std::uint32_t number = 0;
     for (; hexDigit(*text) >= 0; ++text)
@@ -59,7 +59,7 @@ bool parseDword(const char *text, Value &value) {
     return *text == '\0' || *text == ';' || *text == ' ';
 }
 
-// text stands behind "hex": an optional type in parentheses, a colon, bytes parted by commas.
+// text follows "hex": an optional type in parentheses, a colon, bytes separated by commas.
 bool parseBytes(const char *text, Value &value) {
     value.type = REG_BINARY;
     if (*text == '(') {
@@ -77,7 +77,7 @@ bool parseBytes(const char *text, Value &value) {
     return true;
 }
 
-// text stands behind the opening quote; a REG_SZ is held in UTF-16 with its NUL.
+// text follows the opening quote. A REG_SZ is stored in UTF-16 with its NUL.
 bool parseText(const char *text, Value &value) {
     value.type = REG_SZ;
     for (; *text != '\0' && *text != '"'; ++text) {
@@ -88,7 +88,7 @@ bool parseText(const char *text, Value &value) {
     }
     value.append(0);
     value.append(0);
-    return true; // a missing closing quote means that the line was cut: the size says so
+    return true; // without a closing quote the line was truncated, which the size shows
 }
 
 bool parseValue(const char *text, Value &value) {
@@ -99,7 +99,7 @@ bool parseValue(const char *text, Value &value) {
     return *text == '"' && parseText(text + 1, value);
 }
 
-// The text behind "name"= where the line sets that value, else null.
+// Returns the text after "name"= if the line sets that value, else null.
 const char *valueText(const char *line, const char *name) {
     const std::size_t length = std::strlen(name);
     if (line[0] != '"' || strncasecmp(line + 1, name, length) != 0)
@@ -131,7 +131,7 @@ struct Search {
     Value value;
 };
 
-// Applies the file as an import would: what stands later wins.
+// Applies the file as an import would: later entries override earlier ones.
 Search searchFile(RegFile &file, const char *subkey, const char *name) {
     Search search;
     bool inSection = false;

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t NAME_CAPACITY = 128;
 
-// Registry names of ours are ASCII, so widening is a copy.
+// The names are ASCII, so widening is a copy.
 void widen(const char *text, wchar_t (&wide)[NAME_CAPACITY]) {
     std::size_t i = 0;
     for (; text[i] != '\0' && i + 1 < NAME_CAPACITY; ++i)

@@ -1,4 +1,4 @@
-// SKF functions take pointers to non-const data even where they only read it.
+// SKF functions take pointers to non-const data even for input.
 #pragma once
 
 #include "platform/skf.h"

@@ -19,7 +19,7 @@ bool isDword(const platform::RegistryAnswer &answer) {
            answer.type == platform::REGISTRY_TYPE_DWORD;
 }
 
-// complaint is what the line says of a failed query or a wrong type.
+// complaint begins the line for a failed query or a wrong type.
 std::uint32_t readFlag(const char *name, const char *complaint, const char *function) {
     const platform::RegistryAnswer answer = query(name);
     if (isDword(answer))
@@ -55,7 +55,7 @@ std::int32_t getMaxOperationLen() {
     const platform::RegistryAnswer answer = query("MaxOperationLen");
     if (!isDword(answer) || static_cast<std::int32_t>(answer.data) <= 0)
         return DEFAULT_OPERATION_LEN;
-    // A value near 2^31 comes out negative; who uses it expects that.
+    // A value near 2^31 becomes negative; its users allow for that.
     return static_cast<std::int32_t>((answer.data + BLOCK_LEN - 1) / BLOCK_LEN * BLOCK_LEN);
 }
 
