@@ -45,26 +45,15 @@ inline std::string inEnglish(const char *english, std::initializer_list<std::str
 // the table of failures.
 inline std::string listed(std::string_view log, const Filter &filter = {},
                           std::size_t block = 1 << 16) {
-    struct : Sink {
-        void take(Call &&call) override {
-            wanted.pass(std::move(call), [this](Call &&passed) {
-                failures.add(passed);
-                text += listing.whole(passed);
-            });
-        }
-        void takeForeign(std::uint64_t number, std::string_view foreign) override {
-            text += listing.foreign(number, foreign);
-        }
-        void takeRefusal(const RefusedPin &pin) override { failures.add(pin); }
-        Filter wanted;
-        Failures failures;
-        Listing listing{&inEnglish};
-        std::string text;
-    } sink;
-    sink.wanted = filter;
-    TraceReader reader(Mask::pins, sink);
+    Listing listing(&inEnglish);
+    std::string calls;
+    TraceReader reader(
+        Mask::pins, filter, [&](Call &&call) { calls += listing.whole(call); },
+        [&](std::uint64_t number, std::string_view text) {
+            calls += listing.foreign(number, text);
+        });
     feedInBlocks(reader, log, block);
-    std::string text = failuresText(sink.failures, &inEnglish) + sink.text;
+    std::string text = failuresText(reader.failures(), &inEnglish) + calls;
     for (const std::string day : {"  2026-11-21\n", "2026-11-21 "})
         for (auto found = text.find(day); found != text.npos; found = text.find(day))
             text.erase(found, day.size());

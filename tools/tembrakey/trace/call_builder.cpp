@@ -163,7 +163,7 @@ void CallBuilder::close(Thread &thread) {
     if (thread.open.empty()) {
         m_kept -= thread.kept;
         thread.kept = 0;
-        m_sink.take(std::move(call));
+        m_take(std::move(call));
         return;
     }
     Call &outer = thread.open.back();

@@ -91,9 +91,10 @@ void Failures::count(Failure &&failure) {
 
 void Failures::add(const Call &call) {
     for (const CallLine &line : call.lines)
-        if (line.level == Level::error)
-            count({line.isOrdinary ? Kind::ordinary : Kind::failure, call.name, line.function,
-                   line.message, 0, line.number, line.number, line.time, line.time});
+        if (line.level == Level::error) // without an entry line, the call is only likely
+            count({line.isOrdinary ? Kind::ordinary : Kind::failure,
+                   call.entered ? call.name : line.function, line.function, line.message, 0,
+                   line.number, line.number, line.time, line.time});
     if (call.lost())
         count({Kind::lostCall, call.name, "", "", 0, call.firstLine, call.firstLine, call.begin,
                call.begin});

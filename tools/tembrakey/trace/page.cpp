@@ -66,7 +66,7 @@ void PageContent::add(Call &&call) {
     Like &like = m_kept[(failure.empty() ? ' ' + call.name : '!' + failure)];
     like.isFailed = !failure.empty();
     like.calls.push_back(std::move(call));
-    if (m_calls > 2 * m_mostCalls || m_bytes > 2 * MOST_BYTES)
+    if (m_calls > m_mostCalls + m_mostCalls / 4 || m_bytes > MOST_BYTES + MOST_BYTES / 4)
         makeRoom();
 }
 

@@ -8,7 +8,8 @@ namespace tembra::trace {
 namespace {
 
 constexpr std::size_t NOWHERE = std::string_view::npos;
-constexpr std::string_view PIN = "pwd = "; // pwd, oldpwd, newpwd, sopwd
+constexpr std::string_view PIN =
+    "wd = "; // of pwd, oldpwd, newpwd, sopwd; w is rare, so it is found fast
 constexpr std::string_view NEXT_PIN = ", const char *newpwd = ";
 constexpr std::string_view TRIES = "*pretrynum = ";
 constexpr std::string_view DUMP = "[length:";

@@ -41,36 +41,36 @@ void Summary::count(const Call &call) {
         entry.longest = std::max(entry.longest.value_or(*duration), *duration);
 }
 
-void TraceReader::Counting::take(Call &&call) {
-    summary.count(call);
-    sink.take(std::move(call));
+TraceReader::TraceReader(Mask mask, Filter filter, CallBuilder::Take takeCall,
+                         TakeForeign takeForeign, std::set<std::uint64_t> refused)
+    : m_filter(std::move(filter)), m_takeCall(std::move(takeCall)),
+      m_takeForeign(std::move(takeForeign)), m_redactor(mask),
+      m_builder([this](Call &&call) { this->takeCall(std::move(call)); }, std::move(refused)),
+      m_reader([this](const RawLine &line) { takeLine(line); }) {}
+
+void TraceReader::takeCall(Call &&call) {
+    m_summary.count(call);
+    m_filter.pass(std::move(call), [this](Call &&passed) {
+        m_failures.add(passed);
+        m_takeCall(std::move(passed));
+    });
 }
 
-void TraceReader::Counting::takeForeign(std::uint64_t number, std::string_view text) {
-    ++summary.foreignLines;
-    sink.takeForeign(number, text);
-}
-
-void TraceReader::Counting::takeRefusal(const RefusedPin &pin) {
-    if (summary.refusedPins.size() < MOST_REFUSED)
-        summary.refusedPins.insert(pin.line);
-    sink.takeRefusal(pin);
-}
-
-TraceReader::TraceReader(Mask mask, Sink &sink, std::set<std::uint64_t> refused)
-    : m_counting(sink), m_redactor(mask), m_builder(m_counting, std::move(refused)),
-      m_reader([this](const RawLine &line) { take(line); }) {}
-
-void TraceReader::take(const RawLine &raw) {
+void TraceReader::takeLine(const RawLine &raw) {
     const std::string_view text = m_redactor.redact(raw);
-    m_counting.summary.lines = raw.number;
+    m_summary.lines = raw.number;
     if (const auto line = parseLine(text)) {
-        m_counting.summary.count(*line);
-        if (const auto refused = m_pins.add(*line, raw.number))
-            m_counting.takeRefusal(*refused);
+        m_summary.count(*line);
+        const auto refused = m_pins.add(*line, raw.number);
+        if (refused && m_summary.refusedPins.size() < MOST_REFUSED)
+            m_summary.refusedPins.insert(refused->line);
+        if (refused && m_filter.wants(refused->thread, refused->entryPoint))
+            m_failures.add(*refused);
         m_builder.add(*line, raw.number);
     } else if (!text.empty()) {
-        m_counting.takeForeign(raw.number, text);
+        ++m_summary.foreignLines;
+        if (m_filter.isEmpty())
+            m_takeForeign(raw.number, text);
     }
 }
 

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "tembrakey/trace/call_builder.h"
+#include "tembrakey/trace/failures.h"
+#include "tembrakey/trace/filter.h"
 #include "tembrakey/trace/line_reader.h"
 #include "tembrakey/trace/redactor.h"
 
@@ -35,27 +37,29 @@ struct Summary {
 // Every text passes the redactor before anything else sees it.
 class TraceReader {
 public:
-    // refused: what an earlier reading of the log found.
-    TraceReader(Mask mask, Sink &sink, std::set<std::uint64_t> refused = {});
+    using TakeForeign = std::function<void(std::uint64_t number, std::string_view text)>;
+
+    // Passes on the calls that the filter selects and, without a filter, the lines that are not
+    // trace lines. refused: what an earlier reading of the log found.
+    TraceReader(Mask mask, Filter filter, CallBuilder::Take takeCall, TakeForeign takeForeign,
+                std::set<std::uint64_t> refused = {});
 
     void feed(std::string_view block) { m_reader.feed(block); }
     void finish();
-    const Summary &summary() const { return m_counting.summary; }
+    // Of the whole log.
+    const Summary &summary() const { return m_summary; }
+    // Of what the filter selects.
+    const Failures &failures() const { return m_failures; }
 
 private:
-    // Counts what passes on its way to the sink.
-    struct Counting final : Sink {
-        explicit Counting(Sink &target) : sink(target) {}
-        void take(Call &&call) override;
-        void takeForeign(std::uint64_t number, std::string_view text) override;
-        void takeRefusal(const RefusedPin &pin) override;
-        Sink &sink;
-        Summary summary;
-    };
+    void takeLine(const RawLine &line);
+    void takeCall(Call &&call);
 
-    void take(const RawLine &line);
-
-    Counting m_counting;
+    Filter m_filter;
+    CallBuilder::Take m_takeCall;
+    TakeForeign m_takeForeign;
+    Summary m_summary;
+    Failures m_failures;
     Redactor m_redactor;
     RefusedPins m_pins;
     CallBuilder m_builder;

@@ -1,4 +1,4 @@
-// One lane per thread, those with failures first. The clock of the log shows whole seconds, so within
+// One lane per thread: those with failures first, then the ones next to the first failure. The clock of the log shows whole seconds, so within
 // a second the order of the lines places the bars; a long silence is drawn short.
 
 const bars = [];
@@ -68,12 +68,14 @@ function drawAxis(track, points) {
 function drawTimeline() {
   byId("timeline").hidden = calls.length === 0;
   const { points, silences } = placeCalls();
+  const focus = calls.find((call) => call.isBad) || calls[0];
   const threads = new Map();
-  for (const call of calls.filter((one) => one.isBad).concat(calls))
-    threads.set(call.thread, (threads.get(call.thread) || new Set()).add(call));
+  for (const call of calls) threads.set(call.thread, [...(threads.get(call.thread) || []), call]);
+  const distance = ([, members]) => (members.some((call) => call.isBad) ? -1 : Math.abs(members[0].left - focus.left));
   const axis = element("div", "track");
   const inner = element("div", "inner", element("div", "axis", element("b", "", t("Thread")), axis));
-  for (const [thread, members] of threads) inner.append(makeLane(thread, [...members], silences));
+  for (const [thread, members] of [...threads].sort((a, b) => distance(a) - distance(b)))
+    inner.append(makeLane(thread, members, silences));
   const lanes = byId("lanes");
   lanes.classList.toggle("many", threads.size > 12);
   lanes.replaceChildren(inner);
@@ -90,8 +92,7 @@ function drawTimeline() {
   addEventListener("resize", () => drawAxis(axis, points));
   const widths = calls.map((call) => call.right - call.left).sort((a, b) => a - b);
   setZoom(5 / ((widths[widths.length >> 1] || 1) * lanes.clientWidth)); // most bars can be seen
-  const first = calls.find((call) => call.isBad) || calls[0];
-  if (first) scrollToBar(first);
+  if (focus) scrollToBar(focus);
 }
 
 function scrollToBar(call) {
