@@ -1,4 +1,4 @@
-// Block ciphers on the token, without padding: every piece is one whole token operation, and the
+// Block ciphers on the token, without padding. Every piece is a complete token operation; the
 // provider carries the CBC chain from piece to piece and from call to call.
 #include "log/hex.h"
 #include "log/trace.h"
@@ -18,7 +18,12 @@ namespace {
 constexpr int KEY_LEN = 16;
 constexpr ULONG IV_LEN = 16;
 
-// The record with its key imported and counted in the device's list, or null.
+// The line shows this pointer as a number.
+int lowBits(const void *pointer) {
+    return static_cast<int>(reinterpret_cast<std::uintptr_t>(pointer));
+}
+
+// A record with its key imported, counted in the device's list, or null.
 CipherContext *createCipher(Device *hDevice, int enc, int algo, const unsigned char *key,
                             const void *iv) {
     HANDLE hKey = nullptr;
@@ -72,7 +77,8 @@ int transformPiece(const CipherContext *hCipher, const unsigned char *in, ULONG 
     } else {
         rv = SKF_DecryptInit(hCipher->m_handle, param);
         if (rv != SAR_OK)
-            return TEMBRA_FAILURE; // no line here, unlike above: hosts know the trace so
+            return TEMBRA_FAILURE; // no line, unlike for encryption: part of the trace's
+                                      // contract
         rv = SKF_Decrypt(hCipher->m_handle, skfInput(in), piece, out, &partOutLen);
         if (rv != SAR_OK)
             return failedCall("SKF_Decrypt", rv, function);
@@ -80,7 +86,7 @@ int transformPiece(const CipherContext *hCipher, const unsigned char *in, ULONG 
     return partOutLen == piece ? TEMBRA_SUCCESS : fail("partOutLen != len", function);
 }
 
-// Two zeros a byte stand for the output: what came out never reaches the trace.
+// Shows two zeros for each byte, since the output must not reach the trace.
 void traceOutput(int length, const char *function) {
     if (!traceEnabled(TraceLevel::verbose))
         return;
@@ -93,6 +99,12 @@ void traceOutput(int length, const char *function) {
     std::free(text);
 }
 
+// The chain is the last 16 bytes of ciphertext so far, even if the last piece was shorter.
+void advanceChain(CipherContext *hCipher, const unsigned char *ciphertext, ULONG length) {
+    std::memmove(hCipher->m_iv, hCipher->m_iv + length, IV_LEN - length);
+    std::memcpy(hCipher->m_iv + IV_LEN - length, ciphertext, length);
+}
+
 int cipherUpdate(CipherContext *hCipher, const unsigned char *in, int inlen, unsigned char *out,
                  int outlen, int *pretoutlen) {
     if (outlen < inlen)
@@ -102,14 +114,16 @@ int cipherUpdate(CipherContext *hCipher, const unsigned char *in, int inlen, uns
     ULONG done = 0;
     while (done < total) {
         const ULONG piece = limit != 0 && total - done > limit ? limit : total - done;
-        unsigned char lastInput[IV_LEN] = {}; // out may be in
-        if (piece >= IV_LEN)
-            std::memcpy(lastInput, in + done + piece - IV_LEN, IV_LEN);
+        const ULONG tail = piece < IV_LEN ? piece : IV_LEN;
+        const bool isDecryptedChain = hCipher->m_chained && !hCipher->m_enc;
+        unsigned char ciphertext[IV_LEN]; // out may be in
+        if (isDecryptedChain)
+            std::memcpy(ciphertext, in + done + piece - tail, tail);
         if (transformPiece(hCipher, in + done, piece, out + done, __func__) != TEMBRA_SUCCESS)
             return TEMBRA_FAILURE;
         done += piece;
-        if (hCipher->m_chained && piece >= IV_LEN)
-            std::memcpy(hCipher->m_iv, hCipher->m_enc ? out + done - IV_LEN : lastInput, IV_LEN);
+        if (hCipher->m_chained)
+            advanceChain(hCipher, isDecryptedChain ? ciphertext : out + done - tail, tail);
     }
     *pretoutlen = inlen;
     traceOutput(inlen, __func__);
@@ -137,9 +151,9 @@ int DeviceCipherUpdate(SPI_CIPHER_HANDLE hCipher, const unsigned char *in, int i
                        unsigned char *out, int outlen, int *pretoutlen) {
     const call_stack_tracer tracer("DeviceCipherUpdate");
     TRACE_INFO("SPI_CIPHER_HANDLE hCipher = %p, const unsigned char *in = %p, int inlen = %d, "
-               "unsigned char *out = %p, int outlen = %d, int *pretoutlen = %p",
+               "unsigned char *out = %p, int outlen = %d, int *pretoutlen = %d",
                static_cast<void *>(hCipher), static_cast<const void *>(in), inlen,
-               static_cast<void *>(out), outlen, static_cast<void *>(pretoutlen));
+               static_cast<void *>(out), outlen, lowBits(pretoutlen));
     {
         const HexText hex(in, inlen); // built also when the line is not written
         if (hex.text() && traceEnabled(TraceLevel::verbose))

@@ -85,6 +85,48 @@ TEST_F(Ciphers, EveryPieceIsAWholeOperation) {
     EXPECT_EQ(std::memcmp(&used, &none, sizeof used), 0);
 }
 
+// Most tokens refuse pieces that are not whole blocks; for one that takes them, the chain is the
+// last 16 bytes of all that came before.
+TEST_F(Ciphers, ChainAfterShortPieces) {
+    insert({});
+    Bytes ivs;
+    const auto start = [&ivs](HANDLE, const BLOCKCIPHERPARAM &parameter) {
+        ivs.insert(ivs.end(), parameter.IV, parameter.IV + parameter.IVLen);
+        return SAR_OK;
+    };
+    const auto invert = [](HANDLE, const BYTE *in, ULONG size, BYTE *out, ULONG *) {
+        std::transform(in, in + size, out, [](BYTE byte) { return static_cast<BYTE>(~byte); });
+        return SAR_OK;
+    };
+    script().SKF_EncryptInit.run(start);
+    script().SKF_DecryptInit.run(start);
+    script().SKF_Encrypt.run(invert);
+    script().SKF_Decrypt.run(invert);
+    const Bytes plain = counting(60);
+    Bytes cipher = plain;
+    for (unsigned char &byte : cipher)
+        byte = static_cast<unsigned char>(~byte);
+    Bytes expected;
+    Bytes chain = m_iv;
+    const std::vector<int> sizes = {5, 1, 15, 16, 20, 3};
+    std::size_t begin = 0;
+    for (const int size : sizes) {
+        expected.insert(expected.end(), chain.end() - 16, chain.end());
+        const auto from = cipher.begin() + static_cast<std::ptrdiff_t>(begin);
+        chain.insert(chain.end(), from, from + size);
+        begin += static_cast<std::size_t>(size);
+    }
+    ASSERT_EQ(begin, plain.size());
+    for (const bool inPlace : {false, true}) {
+        for (const int enc : {1, 0}) {
+            ivs.clear();
+            EXPECT_EQ(run(enc, SM4_CBC, enc ? plain : cipher, sizes, inPlace),
+                      enc ? cipher : plain);
+            EXPECT_EQ(ivs, expected) << enc << inPlace;
+        }
+    }
+}
+
 TEST_F(Ciphers, AlgorithmsAndKeys) {
     insert({});
     const struct {
@@ -139,6 +181,7 @@ TEST_F(Ciphers, UpdateChecksItsArguments) {
         EXPECT_EQ(length, at.length);
     }
     EXPECT_EQ(DeviceCipherUpdate(cipher, in.data(), 16, out.data(), 16, nullptr), -1);
+    EXPECT_TRUE(trace().texts().back().ends_with("outlen = 16, int *pretoutlen = 0"));
     EXPECT_THAT(trace().failures(), IsEmpty());
     EXPECT_EQ(out, Bytes(16, 0xEE));
     EXPECT_EQ(script().SKF_EncryptInit.calls(), 0);

@@ -98,6 +98,12 @@ TEST_F(GoldenSession, EntryPointsNameTheirArguments) {
     Lines lines = trace().texts();
     std::erase_if(
         lines, [](const std::string &line) { return line.find("call_stack_tracer") != line.npos; });
+    const std::string number =
+        "pretoutlen = " +
+        std::to_string(static_cast<std::int32_t>(reinterpret_cast<std::uintptr_t>(&n)));
+    for (std::string &line : lines)
+        if (line.ends_with(number))
+            line.replace(line.size() - number.size(), number.npos, "pretoutlen = %d");
     DeviceFreeKeypair(generated);
     DeviceFreeKeypair(taken);
     EXPECT_EQ(lines, goldenTrace("entry_points"));
