@@ -19,7 +19,7 @@ constexpr ULONG CAP_SM1 = 0x00000100;
 constexpr ULONG CAP_SSF33 = 0x00000200;
 constexpr ULONG CAP_SMS4 = 0x00000400;
 
-// 0 where there is none.
+// 0 if the token has none of them.
 int chooseAlgorithm(ULONG algSymCap) {
     if (!(algSymCap & CAP_ECB))
         return 0;
@@ -54,7 +54,10 @@ bool encryptOnToken(const Device *hDevice, const SymmetricKey &key, bool padded,
         rv = SKF_Encrypt(hKey, skfInput(data), static_cast<ULONG>(dataLen), out, &length);
     SKF_CloseHandle(hKey);
     *outLen = length;
-    return rv == SAR_OK && length <= capacity;
+    if (rv == SAR_OK && length <= capacity)
+        return true;
+    platform::wipe(out, capacity); // a failing token may leave plaintext there
+    return false;
 }
 
 bool wrapKey(const HostBuffer &publicKey, int algo, const void *param, const SymmetricKey &key,

@@ -1,4 +1,4 @@
-// The steps of enveloping that SM2 and RSA share.
+// Steps of enveloping common to SM2 and RSA.
 #pragma once
 
 #include "import/blob.h"
@@ -15,12 +15,12 @@ struct SymmetricKey {
     int hostAlgo = 0;
     SecretArray<SYMMETRIC_KEY_LEN> key;
 
-    // False when the token has none of SM1, SSF33 and SMS4, or there are no random numbers.
+    // False if the token has none of SM1, SSF33 and SMS4, or no random numbers are to be had.
     bool draw(const Device *hDevice);
 };
 
-// Encrypts on the token, with PKCS #7 padding where padded. capacity is that of out; *outLen
-// receives the length. False on failure.
+// Encrypts on the token, with PKCS #7 padding if padded. out has room for capacity bytes and
+// *outLen receives the length. False on failure.
 bool encryptOnToken(const Device *hDevice, const SymmetricKey &key, bool padded,
                     const unsigned char *data, std::size_t dataLen, unsigned char *out,
                     std::size_t capacity, std::size_t *outLen);
@@ -33,7 +33,7 @@ bool wrapKey(const HostBuffer &publicKey, int algo, const void *param, const Sym
 // Writes the 20 bytes before the payload.
 void writeHeader(BlobWriter &out, int algo, std::size_t payloadLen);
 
-// A plain key pair enveloped for a container: the form of the blob is the algorithm's own.
+// Envelope a plain key pair for a container; the form of the blob depends on the algorithm.
 int envelopeSM2(const Device *hDevice, const Container *hContainer, const unsigned char *keyblob,
                 int keybloblen, unsigned char **encblob, int *encbloblen);
 int envelopeRSA(const Device *hDevice, const Container *hContainer, const unsigned char *keyblob,

@@ -1,4 +1,4 @@
-// A buffer that the host library hands out.
+// Buffers that the host library allocates.
 #pragma once
 
 #include "platform/memory.h"
@@ -8,23 +8,26 @@
 
 namespace tembra {
 
-// Gives the buffer back when its scope ends, whatever path leaves it.
+// Releases the buffer at the end of its scope.
 class HostBuffer {
 public:
     HostBuffer() = default;
-    ~HostBuffer() {
-        if (m_data)
-            OrvelPKICryptoFreeMemory(m_data);
-    }
+    ~HostBuffer() { release(); }
     HostBuffer(const HostBuffer &) = delete;
     HostBuffer &operator=(const HostBuffer &) = delete;
+
+    void release() {
+        if (m_data)
+            OrvelPKICryptoFreeMemory(m_data);
+        m_data = nullptr;
+    }
 
     // For the library to fill.
     unsigned char **data() { return &m_data; }
     int *length() { return &m_length; }
 
     const unsigned char *bytes() const { return m_data; }
-    // 0 for a buffer that is not there.
+    // 0 without a buffer.
     std::size_t size() const {
         return m_data && m_length > 0 ? static_cast<std::size_t>(m_length) : 0;
     }
@@ -34,10 +37,15 @@ protected:
     int m_length = 0;
 };
 
-// The same for a secret: wiped before it is given back.
+// The same for a secret: wiped before it is released.
 class SecretHostBuffer : public HostBuffer {
 public:
-    ~SecretHostBuffer() { platform::wipe(m_data, size()); }
+    ~SecretHostBuffer() { release(); }
+
+    void release() {
+        platform::wipe(m_data, size());
+        HostBuffer::release();
+    }
 };
 
 } // namespace tembra

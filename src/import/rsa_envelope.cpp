@@ -19,32 +19,7 @@ bool isModulusLengthKnown(const unsigned char *keyblob) {
     return length == 128 || length == 256;
 }
 
-// The private key in DER, encrypted on the token.
-struct EncryptedKey {
-    unsigned char *bytes = nullptr;
-    std::size_t length = 0;
-    std::size_t derLen = 0;
-
-    EncryptedKey() = default;
-    ~EncryptedKey() { std::free(bytes); }
-    EncryptedKey(const EncryptedKey &) = delete;
-    EncryptedKey &operator=(const EncryptedKey &) = delete;
-
-    bool make(const Device *hDevice, const unsigned char *keyblob, int keybloblen,
-              SymmetricKey &key) {
-        SecretHostBuffer der;
-        if (OrvelPKICryptoRSAPrivKeyToDER(keyblob, keybloblen, der.data(), der.length()) != 1 ||
-            der.size() == 0 || !key.draw(hDevice))
-            return false;
-        derLen = der.size();
-        const std::size_t capacity = derLen + PADDING_MAX;
-        bytes = static_cast<unsigned char *>(allocateZeroed(capacity));
-        return bytes &&
-               encryptOnToken(hDevice, key, true, der.bytes(), derLen, bytes, capacity, &length);
-    }
-};
-
-// The signature public key of the container, and the symmetric key under it.
+// The container's signature public key, and the symmetric key encrypted to it.
 struct Recipient {
     RSAPUBLICKEYBLOB blob = {};
     std::size_t nLen = 0;
@@ -83,19 +58,28 @@ int envelopeRSA(const Device *hDevice, const Container *hContainer, const unsign
     if (keybloblen < RSA_BLOB_MIN || !isModulusLengthKnown(keyblob))
         return 0;
     SymmetricKey key;
-    EncryptedKey encrypted;
+    SecretHostBuffer der;
+    if (OrvelPKICryptoRSAPrivKeyToDER(keyblob, keybloblen, der.data(), der.length()) != 1 ||
+        der.size() == 0 || !key.draw(hDevice))
+        return 0;
+    const std::size_t capacity = der.size() + BLOB_OVERHEAD;
+    const SecretBlock encrypted(der.size() + PADDING_MAX);
+    std::size_t encryptedLen = 0;
+    const bool isEncrypted =
+        encrypted.data() && encryptOnToken(hDevice, key, true, der.bytes(), der.size(),
+                                           encrypted.data(), encrypted.size(), &encryptedLen);
+    der.release(); // not to outlive its last use
     Recipient recipient;
-    if (!encrypted.make(hDevice, keyblob, keybloblen, key) || !recipient.wrapFor(hContainer, key))
+    if (!isEncrypted || !recipient.wrapFor(hContainer, key))
         return 0;
 
-    const std::size_t capacity = encrypted.derLen + BLOB_OVERHEAD;
     auto *blob =
         capacity <= INT_MAX ? static_cast<unsigned char *>(allocateZeroed(capacity)) : nullptr;
     if (!blob)
         return 0;
     BlobWriter out(blob, capacity);
     const std::size_t payloadLen =
-        4 + recipient.nLen + 4 + recipient.eLen + 4 + 4 + recipient.nLen + 4 + encrypted.length;
+        4 + recipient.nLen + 4 + recipient.eLen + 4 + 4 + recipient.nLen + 4 + encryptedLen;
     writeHeader(out, ORVEL_PKI_ALGORITHM_RSA, payloadLen);
     out.number(static_cast<std::uint32_t>(recipient.nLen));
     out.bytes(recipient.n(), recipient.nLen);
@@ -104,8 +88,8 @@ int envelopeRSA(const Device *hDevice, const Container *hContainer, const unsign
     out.number(static_cast<std::uint32_t>(key.hostAlgo));
     out.number(static_cast<std::uint32_t>(recipient.nLen));
     out.bytes(recipient.wrapped.bytes(), recipient.wrapped.size());
-    out.number(static_cast<std::uint32_t>(encrypted.length));
-    out.bytes(encrypted.bytes, encrypted.length);
+    out.number(static_cast<std::uint32_t>(encryptedLen));
+    out.bytes(encrypted.data(), encryptedLen);
     if (!out.ok()) {
         std::free(blob);
         return 0;

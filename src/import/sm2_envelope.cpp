@@ -11,25 +11,24 @@ namespace {
 
 constexpr std::size_t BLOB_CAPACITY = 900;
 constexpr std::size_t WRAPPED_LEN = SYMMETRIC_KEY_LEN + SM2_CIPHER_OVERHEAD; // 113
-constexpr std::size_t ENCRYPTED_CAPACITY = 64;
 constexpr std::size_t SCALAR_LEN = 32;
 
-// d as the token wants it: bare, or as 48 bytes with its size in bits (little-endian) before it and
-// twelve bytes of padding behind it.
+// d in the form that the token requires: bare, or preceded by its size in bits (little-endian) and
+// followed by twelve bytes of padding.
 struct ScalarText {
     SecretArray<48> bytes;
     std::size_t length;
 
     explicit ScalarText(const unsigned char *d) : length(SCALAR_LEN) {
-        unsigned char *at = bytes.data();
+        unsigned char *begin = bytes.data();
         if (g_supportGDKMSM2Import) {
             static const unsigned char bits[4] = {0x00, 0x01, 0x00, 0x00};
-            std::memset(at, 0x0C, bytes.size());
-            std::memcpy(at, bits, sizeof(bits));
-            at += sizeof(bits);
+            std::memset(begin, 0x0C, bytes.size());
+            std::memcpy(begin, bits, sizeof(bits));
+            begin += sizeof(bits);
             length = bytes.size();
         }
-        std::memcpy(at, d, SCALAR_LEN);
+        std::memcpy(begin, d, SCALAR_LEN);
     }
 };
 
@@ -47,7 +46,18 @@ struct PlainKeyPair {
     }
 };
 
-// The signature public key of the container, and the symmetric key under it.
+struct EncryptedScalar {
+    SecretArray<64> bytes;
+    std::size_t length = 0;
+
+    bool make(const Device *hDevice, const SymmetricKey &key, const unsigned char *d) {
+        const ScalarText scalar(d);
+        return encryptOnToken(hDevice, key, false, scalar.bytes.data(), scalar.length, bytes.data(),
+                              bytes.size(), &length);
+    }
+};
+
+// The container's signature public key, and the symmetric key encrypted to it.
 struct Recipient {
     ECCPUBLICKEYBLOB blob = {};
     HostBuffer wrapped;
@@ -83,16 +93,13 @@ int envelopeSM2(const Device *hDevice, const Container *hContainer, const unsign
                 int keybloblen, unsigned char **encblob, int *encbloblen) {
     SymmetricKey key;
     PlainKeyPair pair;
-    unsigned char encrypted[ENCRYPTED_CAPACITY] = {};
-    std::size_t encryptedLen = 0;
     if (!pair.decode(keyblob, keybloblen) || !key.draw(hDevice))
         return 0;
-    {
-        const ScalarText scalar(pair.d.bytes());
-        if (!encryptOnToken(hDevice, key, false, scalar.bytes.data(), scalar.length, encrypted,
-                            sizeof(encrypted), &encryptedLen))
-            return 0;
-    }
+    EncryptedScalar encrypted;
+    const bool isEncrypted = encrypted.make(hDevice, key, pair.d.bytes());
+    pair.d.release(); // not to outlive its last use
+    if (!isEncrypted)
+        return 0;
     Recipient recipient;
     if (!recipient.wrapFor(hContainer, key))
         return 0;
@@ -102,7 +109,7 @@ int envelopeSM2(const Device *hDevice, const Container *hContainer, const unsign
         return 0;
     BlobWriter out(blob, BLOB_CAPACITY);
     const std::size_t payloadLen =
-        4 + SM2_POINT_LEN + 4 + 4 + WRAPPED_LEN + SM2_POINT_LEN + 4 + encryptedLen;
+        4 + SM2_POINT_LEN + 4 + 4 + WRAPPED_LEN + SM2_POINT_LEN + 4 + encrypted.length;
     writeHeader(out, ORVEL_PKI_ALGORITHM_ECC, payloadLen);
     out.number(ORVEL_PKI_ECC_CURVE_SM2);
     writePoint(out, recipient.x(), recipient.y());
@@ -110,8 +117,8 @@ int envelopeSM2(const Device *hDevice, const Container *hContainer, const unsign
     out.number(WRAPPED_LEN);
     out.bytes(recipient.wrapped.bytes(), recipient.wrapped.size());
     writePoint(out, pair.x.bytes(), pair.y.bytes());
-    out.number(static_cast<std::uint32_t>(encryptedLen));
-    out.bytes(encrypted, encryptedLen);
+    out.number(static_cast<std::uint32_t>(encrypted.length));
+    out.bytes(encrypted.bytes.data(), encrypted.length);
     if (!out.ok()) {
         std::free(blob);
         return 0;

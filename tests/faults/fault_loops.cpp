@@ -91,9 +91,7 @@ Lines failureLines() {
 
 class FaultLoops : public ::testing::Test {
 protected:
-    void TearDown() override {
-        EXPECT_FALSE(m_watch.leaked()) << "a secret stood in memory that was freed";
-    }
+    void TearDown() override { EXPECT_THAT(m_watch.findings(), ::testing::IsEmpty()); }
 
     // Runs the scenario as far as it goes under the faults that are planned. Wants nothing lost.
     const Outcome &run(const Scenario &scenario, const CallFault &call, unsigned allocation,
@@ -125,7 +123,7 @@ protected:
         script().OrvelPKICryptoFreeMemory.run([this](void *block) {
             const auto &blocks = script().host.blocks;
             if (const auto found = blocks.find(block); found != blocks.end())
-                m_watch.look(block, found->second);
+                m_watch.freed(block, found->second);
             return script().OrvelPKICryptoFreeMemory.usual(block);
         });
     }
@@ -158,11 +156,13 @@ protected:
 
 private:
     void play(const Scenario &scenario) {
-        Session session;
+        m_watch.begin(__builtin_frame_address(0));
+        Session session(&m_watch);
         try {
             scenario.run(session);
         } catch (const Session::Ended &) {
         }
+        m_watch.begin(nullptr);
         m_entries.insert(session.entries.begin(), session.entries.end());
         m_outcome.steps = session.steps();
         m_outcome.devices =
@@ -307,6 +307,11 @@ TEST_F(FaultLoops, TokenCallsFail) {
 
 TEST_F(FaultLoops, HostCallsFail) {
     loopOverCalls('O', HOST_ANSWERS);
+}
+
+TEST_F(FaultLoops, FailedEncryptionsLeaveNoKeys) {
+    run(FAILED_ENCRYPTION, {}, 0, false);
+    EXPECT_EQ(m_outcome.failed, nullptr);
 }
 
 TEST_F(FaultLoops, OnlyALostCopyOfACertificateLeavesTheLockHeld) {

@@ -27,7 +27,16 @@ Bytes secret(std::size_t size, std::uint32_t seed) {
     return bytes;
 }
 const Bytes SCALAR = secret(32, 1), DER = secret(608, 2), SYMMETRIC_KEY = secret(16, 3),
-            PLAINTEXT = secret(30, 4);
+            MESSAGE = secret(30, 4), PLAINTEXT = secret(2080, 5), CIPHER_KEY = secret(16, 6);
+const char *const AUTHENTICATION_KEY = "31415926535897932384626433832795";
+
+// The bytes of the text, whose digits are all decimal.
+Bytes authenticationKey() {
+    Bytes key;
+    for (const char *digit = AUTHENTICATION_KEY; *digit != 0; digit += 2)
+        key.push_back(static_cast<unsigned char>((digit[0] - '0') << 4 | (digit[1] - '0')));
+    return key;
+}
 
 void insertToken() {
     DeviceModel &token = script().memory.addDevice("key");
@@ -51,6 +60,14 @@ void insertForPlainKeys() {
     script().OrvelPKICryptoGenerateRandom.run([](void *, int length, unsigned char *out) {
         std::copy_n(SYMMETRIC_KEY.begin(), length, out);
         return 1;
+    });
+}
+
+void insertFailingCipher() {
+    insertForPlainKeys();
+    script().SKF_Encrypt.run([](HANDLE, BYTE *in, ULONG length, BYTE *out, ULONG *) {
+        std::copy_n(in, length, out);
+        return SAR_FAIL;
     });
 }
 
@@ -112,9 +129,9 @@ void readKeys(Session &s) {
 void signAndDecrypt(Session &s) {
     s.discover();
     const Bytes data(32, 0x17);
-    Bytes cipher(65 + PLAINTEXT.size() + 32, 4);
-    for (std::size_t i = 0; i < PLAINTEXT.size(); ++i) // the token in memory masks it
-        cipher[65 + i] = PLAINTEXT[i] ^ 0x5A;
+    Bytes cipher(65 + MESSAGE.size() + 32, 4);
+    for (std::size_t i = 0; i < MESSAGE.size(); ++i) // the token in memory masks it
+        cipher[65 + i] = MESSAGE[i] ^ 0x5A;
     for (const bool isSm2 : {true, false}) {
         const char *label = isSm2 ? "c" : "r";
         SPI_KEYPAIR_HANDLE pair = s.find(label, SIGN);
@@ -128,7 +145,7 @@ void signAndDecrypt(Session &s) {
                 return DevicePrivateKeyDecrypt(pair, isSm2 ? 0x40 : 0x10, &SM3, cipher.data(),
                                                sizeOf(cipher), out, size, length);
             });
-        s.did("DevicePrivateKeyDecrypt", isSm2 ? clear == PLAINTEXT : clear.size() == 20);
+        s.did("DevicePrivateKeyDecrypt", isSm2 ? clear == MESSAGE : clear.size() == 20);
     }
 }
 
@@ -187,6 +204,17 @@ void importPlain(Session &s) {
     importPair(s, "DeviceImportKeypair plain", "r", plainRsa(1024, DER));
 }
 
+void failToEncipherKeys(Session &s) {
+    s.discover();
+    for (const auto &[label, blob] :
+         {std::pair("c", plainSm2(SCALAR)), {"r", plainRsa(1024, DER)}}) {
+        SPI_KEYPAIR_HANDLE pair = nullptr;
+        const int result =
+            DeviceImportKeypair(s.device, blob.data(), sizeOf(blob), ENCRYPT, label, &pair);
+        s.did("DeviceImportKeypair plain", result == 0);
+    }
+}
+
 void usePins(Session &s) {
     s.discover();
     int tries = 0;
@@ -196,13 +224,13 @@ void usePins(Session &s) {
     s.did("DeviceUnlockPwd", DeviceUnlockPwd(s.device, 1, "admin-pin", "third", &tries));
     s.did("DeviceGetPwdRetryNum", DeviceGetPwdRetryNum(s.device, 1, &tries));
     s.did("DeviceGetPwdRetryNum", tries == 10);
-    s.did("DeviceVerifyPwd", DeviceVerifyPwd(s.device, TEMBRA_PWD_DEVICE_AUTH,
-                                             "12345678123456781234567812345678", &tries));
+    s.did("DeviceVerifyPwd",
+          DeviceVerifyPwd(s.device, TEMBRA_PWD_DEVICE_AUTH, AUTHENTICATION_KEY, &tries));
 }
 
 void hashAndEncipher(Session &s) {
     s.discover();
-    Bytes data(2080), out(2080);
+    Bytes data(2080);
     int length = 0;
     s.did("DeviceGenerateRandom", DeviceGenerateRandom(s.device, 2080, data.data()));
     s.did("DeviceGenerateRandom", data.back() == static_cast<unsigned char>(2080)); // in one call
@@ -212,13 +240,17 @@ void hashAndEncipher(Session &s) {
     s.got("DeviceHashFinal", [&](unsigned char *value, int size, int *needed) {
         return DeviceHashFinal(hash, value, size, needed);
     });
+    data = PLAINTEXT;
     for (const int enc : {1, 0}) {
         SPI_CIPHER_HANDLE cipher = DeviceNewCipher(s.device, enc, ORVEL_PKI_ALGORITHM_SMS4_CBC,
-                                                   data.data(), 16, data.data() + 16);
+                                                   CIPHER_KEY.data(), 16, CERTIFICATE.data());
         s.keepCipher(cipher);
+        Bytes out(2080);
         s.did("DeviceCipherUpdate",
               DeviceCipherUpdate(cipher, data.data(), 2080, out.data(), 2080, &length));
+        data = out;
     }
+    s.did("DeviceCipherUpdate", data == PLAINTEXT);
 }
 
 void storeData(Session &s) {
@@ -253,8 +285,19 @@ const std::vector<Scenario> &scenarios() {
     return all;
 }
 
-const std::vector<Bytes> &secrets() {
-    static const std::vector<Bytes> all = {SCALAR, DER, SYMMETRIC_KEY, PLAINTEXT};
+const Scenario FAILED_ENCRYPTION = {"failed encryption", nullptr, insertFailingCipher,
+                                    failToEncipherKeys};
+
+const std::vector<Secret> &secrets() {
+    static const std::vector<Secret> all = {
+        {"SCALAR", SCALAR, "SKF_CloseHandle"},
+        {"DER", DER, "SKF_CloseHandle"},
+        {"SYMMETRIC_KEY", SYMMETRIC_KEY, ""},
+        {"MESSAGE", MESSAGE, ""},
+        {"PLAINTEXT", PLAINTEXT, nullptr},
+        {"CIPHER_KEY", CIPHER_KEY, nullptr},
+        {"AUTHENTICATION_KEY", authenticationKey(), ""},
+    };
     return all;
 }
 

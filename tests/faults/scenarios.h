@@ -14,7 +14,9 @@ struct Scenario {
 
 const std::vector<Scenario> &scenarios();
 
-// Bytes that no block may hold when the provider frees it or gives it back to the host library.
-const std::vector<Bytes> &secrets();
+const std::vector<Secret> &secrets();
+
+// Plain key pairs for a token that copies what it should encrypt to its output, then fails.
+extern const Scenario FAILED_ENCRYPTION;
 
 } // namespace tembra::test

@@ -1,67 +1,64 @@
-// Secrets in memory that the provider frees.
+// Searches for secrets in memory that the provider frees, in the host library's blocks and on the
+// stack below the host that called the provider.
 #pragma once
 
+#include "../support/memory_token.h"
 #include "../support/provider_allocator.h"
 
 #include <cstdint>
-#include <cstdio>
-#include <cstring>
+#include <set>
 #include <string>
-#include <unordered_set>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace tembra::test {
 
-// Looks for any eight bytes of a secret, as they are and as hex text, in what is freed.
+struct Secret {
+    const char *name;
+    Bytes bytes;
+    // The last library call of an entry point that needs the secret on the stack or in a block of
+    // the host library; "" if that is for the entry point to decide, null if none ever does.
+    const char *lastCall;
+};
+
+// Looks for any eight bytes of a secret, as they are and as hex text.
 class SecretWatch {
 public:
-    explicit SecretWatch(const std::vector<std::vector<unsigned char>> &secrets) {
-        for (const auto &secret : secrets) {
-            std::string hex;
-            for (const unsigned char byte : secret) {
-                char digits[3];
-                std::snprintf(digits, sizeof digits, "%02X", byte);
-                hex += digits;
-            }
-            add(secret);
-            add({hex.begin(), hex.end()});
-        }
-        ProviderAllocator::observeFrees(
-            [this](const unsigned char *block, std::size_t size) { look(block, size); });
-    }
-    ~SecretWatch() { ProviderAllocator::observeFrees(nullptr); }
+    explicit SecretWatch(const std::vector<Secret> &secrets);
+    ~SecretWatch();
     SecretWatch(const SecretWatch &) = delete;
     SecretWatch &operator=(const SecretWatch &) = delete;
 
-    // What is given back to the host library.
-    void look(const void *block, std::size_t size) {
-        m_leaked = m_leaked || holdsSecret(static_cast<const unsigned char *>(block), size);
-    }
-    bool leaked() const { return m_leaked; }
+    // The stack frame of the code that calls entry points until the next begin(); null: none.
+    void begin(const void *caller);
+    // An entry point has returned.
+    void returned();
+
+    // A block is given back, to the heap or to the host library.
+    void freed(const void *block, std::size_t size);
+
+    // "SCALAR on the stack at SKF_CloseHandle"
+    const std::set<std::string> &findings() const { return m_findings; }
 
 private:
-    bool holdsSecret(const unsigned char *block, std::size_t size) const {
-        for (std::size_t at = 0; at + 8 <= size; ++at)
-            if (m_begins[pair(block + at)] && m_windows.count(window(block + at)) > 0)
-                return true;
-        return false;
-    }
-    static std::size_t pair(const unsigned char *at) { return std::size_t{at[0]} << 8 | at[1]; }
-    static std::uint64_t window(const unsigned char *at) {
-        std::uint64_t value = 0;
-        std::memcpy(&value, at, sizeof value);
-        return value;
-    }
-    void add(const std::vector<unsigned char> &bytes) {
-        for (std::size_t at = 0; at + 8 <= bytes.size(); ++at) {
-            m_windows.insert(window(&bytes[at]));
-            m_begins[pair(&bytes[at])] = true;
-        }
-    }
+    struct Watched {
+        Secret secret;
+        bool isOver; // no longer needed in this entry point
+    };
 
-    std::unordered_set<std::uint64_t> m_windows;
-    std::vector<bool> m_begins = std::vector<bool>(65536);
-    bool m_leaked = false;
+    void called(const std::string &function);
+    void lookBelowCaller(const void *end, const std::string &moment);
+    void lookAtHostBlocks(const std::string &moment);
+    void look(const unsigned char *block, std::size_t size, bool isOver, std::string_view place,
+              const std::string &moment);
+    void add(std::size_t secret, const Bytes &bytes);
+
+    std::vector<Watched> m_secrets;
+    std::unordered_map<std::uint64_t, std::size_t> m_windows; // to the index of the secret
+    Bytes m_begins = Bytes(65536);                            // 1: a window begins with these two
+    const unsigned char *m_caller = nullptr;
+    std::set<std::string> m_findings;
 };
 
 } // namespace tembra::test

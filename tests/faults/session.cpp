@@ -45,6 +45,8 @@ void Session::freeKept() {
 }
 
 void Session::did(const std::string &entry, int result) {
+    if (m_watch != nullptr)
+        m_watch->returned();
     const std::size_t callsEnd = script().journal.size();
     m_steps.push_back({entry, result, m_callsBegin, callsEnd});
     m_callsBegin = callsEnd;

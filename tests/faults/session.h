@@ -2,6 +2,8 @@
 // everything back.
 #pragma once
 
+#include "secret_watch.h"
+
 #include "../support/scripted_token.h"
 
 #include "../../src/provider/records.h"
@@ -23,7 +25,8 @@ public:
     // Thrown out of a scenario when a step has failed.
     struct Ended {};
 
-    Session() : m_callsBegin(script().journal.size()) {}
+    explicit Session(SecretWatch *watch = nullptr)
+        : m_watch(watch), m_callsBegin(script().journal.size()) {}
     // Gives every handle back.
     ~Session();
     Session(const Session &) = delete;
@@ -67,6 +70,7 @@ public:
     static void freeKept();
 
 private:
+    SecretWatch *m_watch;
     std::vector<Step> m_steps;
     std::size_t m_callsBegin;
     std::vector<SPI_KEYPAIR_HANDLE> m_pairs;

@@ -45,6 +45,12 @@ inline CallFault &callFault() {
 }
 bool givesBack(const std::string &function);
 
+// Is told the name of every function that is called, before it does anything.
+inline std::function<void(const std::string &)> &callObserver() {
+    static std::function<void(const std::string &)> observer;
+    return observer;
+}
+
 template <typename Function>
 class Scripted;
 
@@ -87,6 +93,8 @@ public:
         const std::lock_guard guard(scriptMutex());
         m_journal.push_back(m_name);
         m_arguments.emplace_back(arguments...);
+        if (callObserver())
+            callObserver()(m_name);
         reachArguments(m_name, arguments...);
         if (const auto plan = m_planned.find(calls()); plan != m_planned.end())
             return plan->second;
