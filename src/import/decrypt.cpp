@@ -1,12 +1,14 @@
-// Decryption with a private key of a token. Takes no lock: a host that waits for a slow token on
-// one thread goes on working on others.
+// Decryption with a private key on the token. It takes no lock, so that a slow token on one thread
+// does not block the others.
 #include "import/sm2_cipher.h"
 #include "log/trace.h"
 #include "platform/memory.h"
 #include "platform/skf_arguments.h"
+#include "provider/buffer.h"
 #include "provider/keypair_table.h"
 #include "provider/outcome.h"
 
+#include <climits>
 #include <cstring>
 
 using namespace tembra;
@@ -27,13 +29,13 @@ BOOL keyFlag(const Keypair *hKeypair) {
     return hKeypair->m_keytype == ORVEL_PKI_KEYPAIRTYPE_ENCRYPT ? 0 : 1;
 }
 
-int deliver(const unsigned char *plain, ULONG length, const Output &out) {
-    *out.pretclearlen = static_cast<int>(length);
-    if (length > static_cast<ULONG>(out.clearlen))
-        return ORVEL_PKI_MOREDATA;
-    if (length > 0)
-        std::memcpy(out.clear, plain, length);
-    return TEMBRA_SUCCESS;
+// plain has room for offered bytes, and the token reports length. If that exceeds the host's
+// buffer, the host is told the length, even where the token had no room for so many.
+int copyPlaintext(const char *call, const unsigned char *plain, ULONG length, ULONG offered,
+                  const Output &out, const char *function) {
+    if (length > INT_MAX || (length > offered && length <= static_cast<ULONG>(out.clearlen)))
+        return failOverlong(call, length, offered, function);
+    return copyOut(plain, static_cast<int>(length), out.clear, out.clearlen, out.pretclearlen);
 }
 
 // Whether the ciphertext has the flat form.
@@ -73,16 +75,17 @@ int decryptSM2(const Keypair *hKeypair, const unsigned char *cipher, int cipherl
     const Container *hContainer = containerOf(hKeypair);
     if (!hContainer)
         return fail(missingContainer(hKeypair), function);
-    ULONG length = static_cast<ULONG>(messageLen);
+    const ULONG offered = static_cast<ULONG>(messageLen);
+    ULONG length = offered;
     const ULONG rv =
         SKF_ECCDecrypt(hContainer->m_hContainer, keyFlag(hKeypair), blob, plain.data(), &length);
     if (rv == SAR_USER_NOT_LOGGED_IN)
         return TEMBRA_NOT_LOGGED_IN;
-    if (rv != SAR_OK || length > messageLen) {
+    if (rv != SAR_OK) {
         TEMBRA_TRACE(TraceLevel::error, function, "SKF_ECCPrvKeyDecrypt fail, error = 0x%08x", rv);
         return TEMBRA_FAILURE;
     }
-    return deliver(plain.data(), length, out);
+    return copyPlaintext("SKF_ECCDecrypt", plain.data(), length, offered, out, function);
 }
 
 int decryptRSA(const Keypair *hKeypair, const unsigned char *cipher, int cipherlen,
@@ -96,11 +99,11 @@ int decryptRSA(const Keypair *hKeypair, const unsigned char *cipher, int cipherl
                                     static_cast<ULONG>(cipherlen), plain.data(), &length);
     if (rv == SAR_USER_NOT_LOGGED_IN || rv == VENDOR_RSA_NOT_LOGGED_IN)
         return TEMBRA_NOT_LOGGED_IN;
-    if (rv != SAR_OK || length > RSA_BUFFER_LEN) {
+    if (rv != SAR_OK) {
         TEMBRA_TRACE(TraceLevel::error, function, "SKF_RSADecrypt fail, error = 0x%08x", rv);
         return TEMBRA_FAILURE;
     }
-    return deliver(plain.data(), length, out);
+    return copyPlaintext("SKF_RSADecrypt", plain.data(), length, RSA_BUFFER_LEN, out, function);
 }
 
 } // namespace

@@ -22,7 +22,7 @@ struct Parsed {
     std::uint32_t privateKeyLen;
 };
 
-// Each step returns what is wrong, or null.
+// Each step returns the message of the check that failed, or null.
 
 const char *checkSignatureKey(BlobReader &in, const Container *hContainer, std::size_t &nLen,
                               const char *function) {
@@ -31,13 +31,13 @@ const char *checkSignatureKey(BlobReader &in, const Container *hContainer, std::
     const std::uint32_t len = in.takeNumber();
     if (!in.has(len))
         return "keyblobLen - pos < len";
+    if (!hContainer->m_signPubKey)
+        return "hContainer->m_signPubKey == 0";
     HostBuffer n;
     HostBuffer e;
     const int result =
-        hContainer->m_signPubKey
-            ? OrvelPKICryptoDecodeRSAPubKey(hContainer->m_signPubKey, hContainer->m_signPubKeyLen,
-                                            n.data(), n.length(), e.data(), e.length())
-            : 0;
+        OrvelPKICryptoDecodeRSAPubKey(hContainer->m_signPubKey, hContainer->m_signPubKeyLen,
+                                      n.data(), n.length(), e.data(), e.length());
     if (result != 1) {
         TEMBRA_TRACE(TraceLevel::error, function, "OrvelPKICryptoDecodeRSAPubKey fail, error = %d",
                      result);
@@ -85,7 +85,7 @@ const char *readEnvelope(BlobReader &in, std::size_t nLen, Parsed &parsed) {
     return nullptr;
 }
 
-// Fewer codes than for SM2: here only these two mean that nobody is logged in.
+// Fewer codes than for SM2: only these two mean that the user is not logged in.
 bool meansNotLoggedIn(ULONG rv) {
     return rv == 0x0A00000D || rv == SAR_USER_NOT_LOGGED_IN;
 }

@@ -1,4 +1,4 @@
-// Signing with a signature key pair of a token.
+// Signing with a signature key pair on the token.
 #include "import/host_buffer.h"
 #include "log/trace.h"
 #include "platform/memory.h"
@@ -18,7 +18,7 @@ constexpr int SM2_INTEGER_LEN = 32;
 constexpr int SM2_INTEGER_AT = ECC_MAX_COORDINATE_LEN - SM2_INTEGER_LEN;
 constexpr ULONG VENDOR_NOT_LOGGED_IN = 0x000000B3;
 
-// One of the two token calls, under the lock; false when the pair's container is gone.
+// Makes one of the two token calls under the lock. False if the pair's container is gone.
 template <typename Call>
 bool callToken(const Keypair *hKeypair, ULONG &rv, Call call) {
     const ProviderLock lock;
@@ -31,7 +31,8 @@ bool callToken(const Keypair *hKeypair, ULONG &rv, Call call) {
 
 int signRSA(const Keypair *hKeypair, const unsigned char *tbs, int tbslen, unsigned char *sign,
             int signlen, int *pretsignlen, const char *function) {
-    ULONG length = static_cast<ULONG>(signlen);
+    const ULONG offered = static_cast<ULONG>(signlen);
+    ULONG length = offered;
     ULONG rv = SAR_OK;
     if (!callToken(hKeypair, rv, [&](HCONTAINER hCon) {
             return SKF_RSASignData(hCon, skfInput(tbs), static_cast<ULONG>(tbslen), sign, &length);
@@ -44,22 +45,26 @@ int signRSA(const Keypair *hKeypair, const unsigned char *tbs, int tbslen, unsig
         TEMBRA_TRACE(TraceLevel::error, function, "SKF_RSASignData fail, error = 0x%08X", rv);
         return TEMBRA_FAILURE;
     }
+    if (length > offered)
+        return failOverlong("SKF_RSASignData", length, offered, function);
     *pretsignlen = static_cast<int>(length);
     return TEMBRA_SUCCESS;
 }
 
-int encodeAndHandOut(const ECCSIGNATUREBLOB &blob, unsigned char *sign, int signlen,
-                     int *pretsignlen, const char *function) {
+int copySignature(const ECCSIGNATUREBLOB &blob, unsigned char *sign, int signlen, int *pretsignlen,
+                  const char *function) {
     HostBuffer out;
     const int result = OrvelPKICryptoEncodeECCSignature(&blob.r[SM2_INTEGER_AT], SM2_INTEGER_LEN,
                                                         &blob.s[SM2_INTEGER_AT], SM2_INTEGER_LEN,
                                                         out.data(), out.length());
-    if (result != 1 || out.size() == 0) {
+    if (result != 1) {
         TEMBRA_TRACE(TraceLevel::error, function,
                      "OrvelPKICryptoEncodeECCSignature fail, error = %d", result);
         return TEMBRA_FAILURE;
     }
-    const int rv = handOut(out.bytes(), *out.length(), sign, signlen, pretsignlen);
+    if (out.size() == 0)
+        return fail("OrvelPKICryptoEncodeECCSignature returned nothing", function);
+    const int rv = copyOut(out.bytes(), *out.length(), sign, signlen, pretsignlen);
     if (rv != TEMBRA_SUCCESS)
         return finish({rv, "signlen < sm2SignValueLen, ORVEL_PKI_MOREDATA"}, function);
     TEMBRA_TRACE(TraceLevel::debug, function, "DeviceSign success");
@@ -82,10 +87,10 @@ int signSM2(const Keypair *hKeypair, const unsigned char *tbs, int tbslen, unsig
         TEMBRA_TRACE(TraceLevel::error, function, "SKF_ECCSignData fail, error = 0x%08X", rv);
         return TEMBRA_FAILURE;
     }
-    return encodeAndHandOut(blob, sign, signlen, pretsignlen, function);
+    return copySignature(blob, sign, signlen, pretsignlen, function);
 }
 
-// For any call, size queries included.
+// The checks that size queries go through, too.
 Outcome checkArguments(const Keypair *hKeypair, const unsigned char *tbs, int tbslen,
                        const int *pretsignlen) {
     if (!hKeypair)

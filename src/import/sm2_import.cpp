@@ -15,7 +15,7 @@ namespace tembra {
 
 namespace {
 
-constexpr std::size_t ENVELOPE_BLOCK_LEN = 388; // holds the 16 bytes of a symmetric key
+constexpr std::size_t ENVELOPE_BLOCK_LEN = 388; // with 16 bytes of Cipher for a symmetric key
 constexpr std::size_t ENVELOPE_HEAD_LEN =
     offsetof(ENVELOPEDKEYBLOB, ECCCipherBlob) + offsetof(ECCCIPHERBLOB, Cipher);
 static_assert(ENVELOPE_HEAD_LEN == 372);
@@ -29,7 +29,7 @@ struct Parsed {
     std::size_t privateKeyLen; // 32 to 64
 };
 
-// Each step returns what is wrong, or null.
+// Each step returns the message of the check that failed, or null.
 
 const char *checkSignatureKey(BlobReader &in, const Container *hContainer, const char *function) {
     if (!in.has(4))
@@ -41,14 +41,14 @@ const char *checkSignatureKey(BlobReader &in, const Container *hContainer, const
     if (in.takeByte() != POINT_UNCOMPRESSED)
         return "keyblob[pos] != 4";
 
+    if (!hContainer->m_signPubKey)
+        return "hContainer->m_signPubKey == 0";
     HostBuffer x;
     HostBuffer y;
     int curve = 0;
     const int result =
-        hContainer->m_signPubKey
-            ? OrvelPKICryptoDecodeECCPubKey(hContainer->m_signPubKey, hContainer->m_signPubKeyLen,
-                                            &curve, x.data(), x.length(), y.data(), y.length())
-            : 0;
+        OrvelPKICryptoDecodeECCPubKey(hContainer->m_signPubKey, hContainer->m_signPubKeyLen, &curve,
+                                      x.data(), x.length(), y.data(), y.length());
     if (result != 1) {
         TEMBRA_TRACE(TraceLevel::error, function, "OrvelPKICryptoDecodeECCPubKey fail, error = %d",
                      result);
@@ -110,7 +110,7 @@ void fillEnvelope(ENVELOPEDKEYBLOB *blob, const Parsed &parsed) {
     fillCipherBlob(&blob->ECCCipherBlob, parsed.cipher, parsed.cipherLen);
 }
 
-// What this vendor's tokens answer when nobody is logged in.
+// This vendor's tokens return any of these if the user is not logged in.
 bool meansNotLoggedIn(ULONG rv) {
     return rv == 0x0A00000D || rv == 0x0A00001E || rv == SAR_USER_NOT_LOGGED_IN ||
            rv == 0x0B000033 || rv == 0x00000001;

@@ -80,7 +80,7 @@ int DeviceGetCertificate(SPI_KEYPAIR_HANDLE hKeypair, int index, unsigned char *
     if (cached.length() <= 0)
         return fail("len <= 0", __func__);
     if (cached.bytes() || !certblob || certbloblen < cached.length())
-        return handOut(cached.bytes(), cached.length(), certblob, certbloblen, pretcertbloblen);
+        return copyOut(cached.bytes(), cached.length(), certblob, certbloblen, pretcertbloblen);
     if (pretcertbloblen)
         *pretcertbloblen = cached.length();
     return fail(missingCopy(isSign), __func__);

@@ -81,7 +81,7 @@ int DeviceGetKeypairLabel(SPI_KEYPAIR_HANDLE hKeypair, char *label, int labellen
     if (!hKeypair)
         return TEMBRA_NULL_HANDLE;
     const int length = static_cast<int>(std::strlen(hKeypair->m_label)) + 1;
-    const int rv = handOut(hKeypair->m_label, length, label, labellen, pretlabellen);
+    const int rv = copyOut(hKeypair->m_label, length, label, labellen, pretlabellen);
     if (rv == TEMBRA_SUCCESS && label)
         TRACE_INFO("SPI_KEYPAIR_HANDLE hKeypair = %p, char *label = %s, int labellen = %d, "
                    "int *pretlabellen = %d",

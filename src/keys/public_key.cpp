@@ -51,7 +51,7 @@ int DeviceExportPublicKey(SPI_PUBLICKEY_HANDLE hPublicKey, unsigned char *keyblo
         return TEMBRA_BAD_ARGUMENT;
     }
     const int rv =
-        handOut(hPublicKey->m_pubKey, hPublicKey->m_pubKeyLen, keyblob, keybloblen, pretkeybloblen);
+        copyOut(hPublicKey->m_pubKey, hPublicKey->m_pubKeyLen, keyblob, keybloblen, pretkeybloblen);
     if (rv == TEMBRA_SUCCESS && keyblob)
         TRACE_HEX("keyblob[length:%d]: %s", keyblob, shown(pretkeybloblen));
     return rv;

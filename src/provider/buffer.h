@@ -1,4 +1,4 @@
-// The protocol in which entry points hand out bytes and text.
+// The protocol by which entry points return bytes and text.
 #pragma once
 
 #include "tembra_key_prov.h"
@@ -7,9 +7,9 @@
 
 namespace tembra {
 
-// Stores the needed length where that pointer is not null, answers a length query (null buffer),
-// refuses a buffer that is too short and leaves it untouched, or copies.
-inline int handOut(const void *source, int length, void *buffer, int capacity, int *needed) {
+// Stores the needed length unless needed is null. Then copies, unless buffer is null (a length
+// query) or too small, which is refused with the buffer untouched.
+inline int copyOut(const void *source, int length, void *buffer, int capacity, int *needed) {
     if (needed)
         *needed = length;
     if (!buffer)

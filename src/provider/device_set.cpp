@@ -93,7 +93,7 @@ int DeviceGetSerialNumber(SPI_DEVICE_HANDLE hDevice, char *sn, int snlen, int *p
         return TEMBRA_FAILURE;
     }
     const int length = static_cast<int>(std::strlen(hDevice->m_serialNumber)) + 1;
-    const int rv = handOut(hDevice->m_serialNumber, length, sn, snlen, pretsnlen);
+    const int rv = copyOut(hDevice->m_serialNumber, length, sn, snlen, pretsnlen);
     if (rv == TEMBRA_SUCCESS && sn)
         TRACE_INFO("hDevice = %p, sn = %s, snlen = %d, pretsnlen = %d",
                    static_cast<void *>(hDevice), sn, snlen, shown(pretsnlen));
@@ -109,7 +109,7 @@ int DeviceGetLabel(SPI_DEVICE_HANDLE hDevice, char *label, int labellen, int *pr
     char text[sizeof(hDevice->m_info.Label) + 1] = {}; // the field need not end with a NUL
     std::memcpy(text, hDevice->m_info.Label, sizeof(hDevice->m_info.Label));
     const int length = static_cast<int>(std::strlen(text)) + 1;
-    const int rv = handOut(text, length, label, labellen, pretlabellen);
+    const int rv = copyOut(text, length, label, labellen, pretlabellen);
     if (rv == TEMBRA_SUCCESS && label)
         TRACE_INFO("label : %s", label);
     return rv;

@@ -6,6 +6,8 @@
 #include "log/trace.h"
 #include "tembra_key_prov.h"
 
+#include <cstdint>
+
 namespace tembra {
 
 struct Outcome {
@@ -27,6 +29,14 @@ inline int finish(const Outcome &outcome, const char *function) {
 
 inline int fail(const char *message, const char *function) {
     return finish({TEMBRA_FAILURE, message}, function);
+}
+
+// The token reports success, but a length beyond the buffer that it was given.
+inline int failOverlong(const char *call, std::uint32_t length, std::uint32_t offered,
+                        const char *function) {
+    TEMBRA_TRACE(TraceLevel::error, function,
+                 "%s returned %u bytes, more than the %u it was offered", call, length, offered);
+    return TEMBRA_FAILURE;
 }
 
 } // namespace tembra

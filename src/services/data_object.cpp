@@ -40,7 +40,7 @@ bool fileExists(const Device *hDevice, const char *name) {
 }
 
 // The result of an entry point whose last token call returned rv.
-int answerOf(ULONG rv, const char *call, const char *function) {
+int resultOf(ULONG rv, const char *call, const char *function) {
     if (rv == SAR_OK)
         return TEMBRA_SUCCESS;
     if (rv == SAR_USER_NOT_LOGGED_IN)
@@ -97,7 +97,7 @@ int DeviceCreateData(SPI_DEVICE_HANDLE hDevice, int dataId, const char *mode, in
     const ULONG rv = SKF_CreateFile(hDevice->m_hApp, skfInput(name.text),
                                     static_cast<ULONG>(length), ulReadRights, ulWriteRights);
     lock.leave();
-    return answerOf(rv, "SKF_CreateFile", __func__);
+    return resultOf(rv, "SKF_CreateFile", __func__);
 }
 
 int DeviceReadDataEx(SPI_DEVICE_HANDLE hDevice, int dataId, int offset, unsigned char *data,
@@ -145,9 +145,11 @@ int DeviceReadDataEx(SPI_DEVICE_HANDLE hDevice, int dataId, int offset, unsigned
     const ULONG rv = SKF_ReadFile(hDevice->m_hApp, skfInput(name.text), static_cast<ULONG>(offset),
                                   length, data, &read);
     lock.leave();
+    if (rv == SAR_OK && read > length)
+        return failOverlong("SKF_ReadFile", read, length, __func__);
     if (rv == SAR_OK)
         *pretdatalen = static_cast<int>(read);
-    return answerOf(rv, "SKF_ReadFile", __func__);
+    return resultOf(rv, "SKF_ReadFile", __func__);
 }
 
 int DeviceWriteDataEx(SPI_DEVICE_HANDLE hDevice, int dataId, int offset, const unsigned char *data,
@@ -179,7 +181,7 @@ int DeviceWriteDataEx(SPI_DEVICE_HANDLE hDevice, int dataId, int offset, const u
     const ULONG rv = SKF_WriteFile(hDevice->m_hApp, skfInput(name.text), static_cast<ULONG>(offset),
                                    skfInput(data), static_cast<ULONG>(datalen));
     lock.leave();
-    return answerOf(rv, "SKF_WriteFile", __func__);
+    return resultOf(rv, "SKF_WriteFile", __func__);
 }
 
 int DeviceDeleteData(SPI_DEVICE_HANDLE hDevice, int dataId) {
@@ -198,5 +200,5 @@ int DeviceDeleteData(SPI_DEVICE_HANDLE hDevice, int dataId) {
         return TEMBRA_NOT_FOUND;
     const ULONG rv = SKF_DeleteFile(hDevice->m_hApp, skfInput(name.text));
     lock.leave();
-    return answerOf(rv, "SKF_DeleteFile", __func__);
+    return resultOf(rv, "SKF_DeleteFile", __func__);
 }

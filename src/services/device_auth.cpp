@@ -14,8 +14,8 @@ namespace {
 constexpr ULONG CHALLENGE_LEN = 8;
 constexpr ULONG BLOCK_LEN = 16;
 
-// Letters count from their own 0, so that A to F are 0 to 5 and letters up to Z pass: the keys of
-// the tokens in the field were made so. -1 for any other character.
+// Letters count from 0, so A to F are 0 to 5 and letters up to Z are accepted: the keys of tokens
+// in the field were made that way. -1 for any other character.
 int characterValue(char c) {
     if (c >= '0' && c <= '9')
         return c - '0';
@@ -30,7 +30,7 @@ bool keyFromText(const char *text, unsigned char *key) {
         const int low = characterValue(text[2 * i + 1]);
         if (high < 0 || low < 0)
             return false;
-        key[i] = static_cast<unsigned char>((high << 4) | low); // low is not cut to four bits
+        key[i] = static_cast<unsigned char>((high << 4) | low); // low is not masked to four bits
     }
     return true;
 }
@@ -54,7 +54,7 @@ int VerifySuperPwd(Device *hDevice, const char *pwd, int *pretrynum) {
 }
 
 int ExternalAuth(Device *hDevice, const unsigned char key[AUTH_KEY_LEN]) {
-    BYTE challenge[BLOCK_LEN] = {}; // its second half stays zero
+    BYTE challenge[BLOCK_LEN] = {}; // the second half stays zero
     BYTE response[BLOCK_LEN] = {};
     ULONG rv = SKF_GenRandom(hDevice->m_hDev, challenge, CHALLENGE_LEN);
     if (rv != SAR_OK)
@@ -65,13 +65,15 @@ int ExternalAuth(Device *hDevice, const unsigned char key[AUTH_KEY_LEN]) {
         return failedCall("SKF_SetSymmKey", rv, TEMBRA_FAILURE, __func__);
     const BLOCKCIPHERPARAM param = {};
     rv = SKF_EncryptInit(hKey, param);
-    if (rv != SAR_OK) // the key handle stays open, as this vendor's tokens want it
+    if (rv != SAR_OK) // the key handle stays open, as this vendor's tokens require
         return failedCall("SKF_EncryptInit", rv, TEMBRA_FAILURE, __func__);
     ULONG length = sizeof(response);
     rv = SKF_Encrypt(hKey, challenge, sizeof(challenge), response, &length);
     SKF_CloseHandle(hKey);
-    if (rv != SAR_OK || length > sizeof(response))
+    if (rv != SAR_OK)
         return failedCall("SKF_Encrypt", rv, TEMBRA_FAILURE, __func__);
+    if (length > sizeof(response))
+        return failOverlong("SKF_Encrypt", length, sizeof(response), __func__);
     rv = SKF_DevAuth(hDevice->m_hDev, response, length);
     if (rv != SAR_OK)
         return failedCall("SKF_DevAuth", rv, TEMBRA_WRONG_PIN, __func__);

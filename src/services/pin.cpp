@@ -1,5 +1,4 @@
-// PINs. Their texts are written to the trace in clear at level information: that is part of the
-// trace's contract.
+// PINs. The trace shows them in clear at level information; that is part of its contract.
 #include "log/trace.h"
 #include "platform/skf_arguments.h"
 #include "provider/lock.h"
@@ -21,14 +20,15 @@ ULONG skfPinType(int type) {
     return type == TEMBRA_PWD_USER ? USER_TYPE : ADMIN_TYPE;
 }
 
-// The token counts in unsigned numbers, the host in signed ones of the same width.
-ULONG *skfCount(int *number) {
-    return reinterpret_cast<ULONG *>(number);
+// The number of tries left as the token writes it: unsigned, of the same width. Tokens need not
+// accept a null pointer, so they write to unused where the host passes none.
+ULONG *skfCount(int *pretrynum, int &unused) {
+    return reinterpret_cast<ULONG *>(pretrynum ? pretrynum : &unused);
 }
 
-// wrongPin is the one code that means a wrong PIN in this call; failed begins the line of any
-// other.
-int answerOf(ULONG rv, ULONG wrongPin, const char *failed, const char *function) {
+// wrongPin is the only code that means a wrong PIN in this call. failed is the beginning of the
+// line for codes without a result of their own.
+int resultOf(ULONG rv, ULONG wrongPin, const char *failed, const char *function) {
     if (rv == wrongPin)
         return TEMBRA_WRONG_PIN;
     if (rv == SAR_PIN_LEN_RANGE)
@@ -39,7 +39,7 @@ int answerOf(ULONG rv, ULONG wrongPin, const char *failed, const char *function)
     return TEMBRA_FAILURE;
 }
 
-// Calls the token under the lock; false for a token without application.
+// Calls the token under the lock. False if the token has no application.
 template <typename Call>
 bool callToken(const Device *hDevice, ULONG &rv, Call call) {
     const ProviderLock lock;
@@ -66,11 +66,12 @@ int DeviceVerifyPwd(SPI_DEVICE_HANDLE hDevice, int type, const char *pwd, int *p
     if (!hDevice->m_hApp)
         return fail("hDevice->m_hApp == 0", __func__);
 
+    int unused = 0;
     ProviderLock lock;
-    const ULONG rv =
-        SKF_VerifyPIN(hDevice->m_hApp, skfPinType(type), skfInput(pwd), skfCount(pretrynum));
+    const ULONG rv = SKF_VerifyPIN(hDevice->m_hApp, skfPinType(type), skfInput(pwd),
+                                   skfCount(pretrynum, unused));
     lock.leave();
-    return answerOf(rv, SAR_PIN_INCORRECT, "SKF_VerifyPIN fail, error", __func__);
+    return resultOf(rv, SAR_PIN_INCORRECT, "SKF_VerifyPIN fail, error", __func__);
 }
 
 int DeviceChangePwd(SPI_DEVICE_HANDLE hDevice, int type, const char *oldpwd, const char *newpwd,
@@ -83,13 +84,14 @@ int DeviceChangePwd(SPI_DEVICE_HANDLE hDevice, int type, const char *oldpwd, con
         return TEMBRA_NULL_HANDLE;
     if (!isPinType(type) || !oldpwd || !newpwd)
         return TEMBRA_BAD_ARGUMENT;
+    int unused = 0;
     ULONG rv = SAR_OK;
     if (!callToken(hDevice, rv, [&](HAPPLICATION hApp) {
             return SKF_ChangePIN(hApp, skfPinType(type), skfInput(oldpwd), skfInput(newpwd),
-                                 skfCount(pretrynum));
+                                 skfCount(pretrynum, unused));
         }))
         return fail(NOT_FORMATTED, __func__);
-    return answerOf(rv, SAR_PIN_INCORRECT, "SKF_ChangePIN fail, error", __func__);
+    return resultOf(rv, SAR_PIN_INCORRECT, "SKF_ChangePIN fail, error", __func__);
 }
 
 int DeviceUnlockPwd(SPI_DEVICE_HANDLE hDevice, int type, const char *sopwd, const char *newpwd,
@@ -103,18 +105,20 @@ int DeviceUnlockPwd(SPI_DEVICE_HANDLE hDevice, int type, const char *sopwd, cons
         return TEMBRA_NULL_HANDLE;
     if (type != TEMBRA_PWD_USER || !sopwd || !newpwd)
         return TEMBRA_BAD_ARGUMENT;
+    int unused = 0;
     ULONG rv = SAR_OK;
     if (!callToken(hDevice, rv, [&](HAPPLICATION hApp) {
-            return SKF_UnblockPIN(hApp, skfInput(sopwd), skfInput(newpwd), skfCount(pretrynum));
+            return SKF_UnblockPIN(hApp, skfInput(sopwd), skfInput(newpwd),
+                                  skfCount(pretrynum, unused));
         }))
         return fail(NOT_FORMATTED, __func__);
-    // Here the locked PIN counts as the wrong one, unlike above.
-    return answerOf(rv, SAR_PIN_LOCKED, "rv != SAR_OK, rv", __func__);
+    // Unlike above, it is the locked PIN that counts as wrong here.
+    return resultOf(rv, SAR_PIN_LOCKED, "rv != SAR_OK, rv", __func__);
 }
 
 int DeviceGetPwdRetryNum(SPI_DEVICE_HANDLE hDevice, int type, int *pretrynum) {
     const call_stack_tracer tracer("DeviceGetPwdRetryNum");
-    // The full-width comma is part of the line that readers of the trace look for.
+    // People search traces for this line, full-width comma included.
     TRACE_INFO("hDevice = %p, int type = %d\xEF\xBC\x8C int *pretrynum = %d",
                static_cast<void *>(hDevice), type, shown(pretrynum));
     if (!hDevice)

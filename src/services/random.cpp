@@ -9,7 +9,7 @@ int DeviceGenerateRandom(SPI_DEVICE_HANDLE hDevice, int len, unsigned char *rand
     const call_stack_tracer tracer("DeviceGenerateRandom");
     TRACE_INFO("hDevice = %p, int len = %d, unsigned char *rand = %p", static_cast<void *>(hDevice),
                len, static_cast<void *>(rand));
-    if (!hDevice)
+    if (!hDevice || len < 0 || (len > 0 && !rand))
         return TEMBRA_FAILURE;
     ProviderLock lock;
     const ULONG rv = SKF_GenRandom(hDevice->m_hDev, rand, static_cast<ULONG>(len));

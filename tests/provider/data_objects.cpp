@@ -99,6 +99,24 @@ TEST_F(DataObjects, ReadWhatThereIs) {
     EXPECT_EQ(m_buffer[0], 42);
 }
 
+TEST_F(DataObjects, MoreThanTheTokenWasOffered) {
+    store("7", 100);
+    for (const ULONG reported : {11u, 0x80000000u}) {
+        script().SKF_ReadFile.run([reported](auto, auto, auto, auto, auto, ULONG *length) {
+            *length = reported;
+            return SAR_OK;
+        });
+        mark();
+        EXPECT_EQ(DeviceReadDataEx(m_device, 7, 90, m_buffer, 100, &m_length), 0);
+        EXPECT_EQ(m_length, 77);
+        EXPECT_EQ(trace().failures(),
+                  errors("DeviceReadDataEx",
+                         withNumber("SKF_ReadFile returned %u bytes, more than the 10 it was "
+                                    "offered",
+                                    reported)));
+    }
+}
+
 TEST_F(DataObjects, WriteWithinTheirSize) {
     store("7", 100);
     const char *beyond = "offset + datalen > (int)attr.FileSize";

@@ -117,5 +117,48 @@ TEST_F(Decrypt, RsaNeedsNoHashAndASufficientBuffer) {
     EXPECT_EQ(cleared(), masked(0, 20));
 }
 
+// Tokens that report success and a length that is not the plaintext's.
+TEST_F(Decrypt, ReportedLengths) {
+    const char *beyond5 = "SKF_ECCDecrypt returned %u bytes, more than the 5 it was offered";
+    const char *beyond512 = "SKF_RSADecrypt returned %u bytes, more than the 512 it was offered";
+    const struct {
+        bool isSm2;
+        ULONG reported;
+        int capacity, result, length;
+        const char *message;
+    } cases[] = {
+        {true, 3, 5, 1, 3, nullptr},
+        {true, 6, 5, -4, 6, nullptr},
+        {true, 0x7FFFFFFF, 600, -4, 0x7FFFFFFF, nullptr},
+        {true, 6, 6, 0, 77, beyond5},
+        {true, 0x80000000, 5, 0, 77, beyond5},
+        {true, 0xFFFFFFFF, 600, 0, 77, beyond5},
+        {false, 512, 600, 1, 512, nullptr},
+        {false, 513, 512, -4, 513, nullptr},
+        {false, 512, 511, -4, 512, nullptr},
+        {false, 513, 513, 0, 77, beyond512},
+        {false, 0x80000000, 600, 0, 77, beyond512},
+    };
+    for (const auto &at : cases) {
+        const auto report = [&at](auto *length) {
+            *length = at.reported;
+            return SAR_OK;
+        };
+        script().SKF_ECCDecrypt.run(
+            [&](auto, auto, auto, auto, ULONG *length) { return report(length); });
+        script().SKF_RSADecrypt.run(
+            [&](auto, auto, auto, auto, auto, ULONG *length) { return report(length); });
+        EXPECT_EQ(decrypt(at.isSm2 ? m_sm2 : m_rsaPair, at.isSm2 ? SM2_ALGO : RSA_ALGO, &SM3, 102,
+                          at.capacity),
+                  at.result)
+            << at.reported;
+        EXPECT_EQ(m_length, at.length);
+        if (at.result != 1)
+            EXPECT_EQ(m_clear, Bytes(600, 0xEE));
+        EXPECT_EQ(trace().failures(),
+                  errors("DevicePrivateKeyDecrypt", withNumber(at.message, at.reported)));
+    }
+}
+
 } // namespace
 } // namespace tembra::test

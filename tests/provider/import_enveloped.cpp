@@ -90,10 +90,11 @@ TEST_F(ImportEnveloped, AlgorithmsOfBothPayloads) {
 }
 
 TEST_F(ImportEnveloped, SignatureKeyThatCannotBeCompared) {
-    insert({ecc("c", true, false), ecc("unsigned", false, true)});
+    insert({ecc("c", true, false), ecc("unsigned", false, true), {"empty"}});
     EXPECT_EQ(import(Sm2Envelope().blob(), "unsigned"), 0);
-    EXPECT_EQ(trace().failures(),
-              errors("importSM2KeyPair", "OrvelPKICryptoDecodeECCPubKey fail, error = 0"));
+    EXPECT_EQ(trace().failures(), errors("importSM2KeyPair", "hContainer->m_signPubKey == 0"));
+    EXPECT_EQ(import(RsaEnvelope().blob(), "empty"), 0);
+    EXPECT_EQ(trace().failures(), errors("importRSAKeyPair", "hContainer->m_signPubKey == 0"));
     // Coordinates of less than 32 bytes differ; of longer ones the first 32 bytes count.
     const struct {
         int xLen, yLen;

@@ -29,6 +29,17 @@ TEST_F(Pins, RefuseOtherTypes) {
     EXPECT_THAT(trace().failures(), IsEmpty());
 }
 
+TEST_F(Pins, TokensAlwaysGetACount) {
+    EXPECT_EQ(DeviceVerifyPwd(m_device, 1, "user-pin", nullptr), 1);
+    EXPECT_EQ(DeviceChangePwd(m_device, 1, "user-pin", "new", nullptr), 1);
+    EXPECT_EQ(DeviceUnlockPwd(m_device, 1, "admin-pin", "new", nullptr), 1);
+    EXPECT_NE(script().SKF_VerifyPIN.argument<3>(), nullptr);
+    EXPECT_NE(script().SKF_ChangePIN.argument<4>(), nullptr);
+    EXPECT_NE(script().SKF_UnblockPIN.argument<3>(), nullptr);
+    EXPECT_EQ(DeviceVerifyPwd(m_device, 1, "wrong", &m_tries), -5);
+    EXPECT_EQ(m_tries, 9);
+}
+
 TEST_F(Pins, NeedAnApplication) {
     resetDevices();
     script().memory.addDevice("blank");
@@ -91,6 +102,19 @@ TEST_F(Pins, DeviceAuthenticationTurnsTextIntoAKey) {
     const BLOCKCIPHERPARAM none{};
     const BLOCKCIPHERPARAM used = script().SKF_EncryptInit.argument<1>();
     EXPECT_EQ(std::memcmp(&used, &none, sizeof none), 0);
+}
+
+TEST_F(Pins, DeviceAuthenticationWithMoreThanABlock) {
+    script().SKF_Encrypt.run([](auto, auto, auto, auto, ULONG *length) {
+        *length = 17;
+        return SAR_OK;
+    });
+    EXPECT_EQ(DeviceVerifyPwd(m_device, 3, std::string(32, '0').c_str(), nullptr), 0);
+    EXPECT_THAT(
+        trace().failures(),
+        ElementsAre(error("ExternalAuth", "SKF_Encrypt returned 17 bytes, more than the 16 it was "
+                                          "offered")));
+    EXPECT_EQ(script().SKF_DevAuth.calls(), 0);
 }
 
 TEST_F(Pins, DeviceAuthenticationRefusesOtherTexts) {

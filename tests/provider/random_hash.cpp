@@ -49,6 +49,18 @@ TEST_F(RandomAndHash, HashesInPiecesOfTheOperationLength) {
     EXPECT_EQ(script().SKF_DigestInit.argument<4>(), 0u);
 }
 
+TEST_F(RandomAndHash, RandomNumbersNeedABuffer) {
+    insert({});
+    unsigned char bytes[4] = {};
+    EXPECT_EQ(DeviceGenerateRandom(m_device, 4, nullptr), 0);
+    EXPECT_EQ(DeviceGenerateRandom(m_device, -1, bytes), 0);
+    EXPECT_EQ(DeviceGenerateRandom(m_device, -1, nullptr), 0);
+    EXPECT_THAT(callsSinceMark(), IsEmpty());
+    EXPECT_THAT(trace().failures(), IsEmpty());
+    EXPECT_EQ(DeviceGenerateRandom(m_device, 0, bytes), 1);
+    EXPECT_THAT(callsSinceMark(), ElementsAre("SKF_GenRandom"));
+}
+
 TEST_F(RandomAndHash, HashChecksAndFailures) {
     insert({});
     EXPECT_EQ(DeviceNewHash(m_device, 0x7001), nullptr);

@@ -91,6 +91,22 @@ TEST_F(Sign, ChecksItsArgumentsInOrder) {
     EXPECT_EQ(script().SKF_ECCSignData.calls() + script().SKF_RSASignData.calls(), 0);
 }
 
+TEST_F(Sign, MoreThanTheTokenWasOffered) {
+    for (const ULONG reported : {257u, 0x80000000u, 0xFFFFFFFFu}) {
+        script().SKF_RSASignData.run([reported](auto, auto, auto, auto, ULONG *length) {
+            *length = reported;
+            return SAR_OK;
+        });
+        EXPECT_EQ(sign(m_rsaPair, RSA_SIGN, m_digest, 32, 256), 0);
+        EXPECT_EQ(trace().failures(),
+                  errors("DeviceSign",
+                         withNumber("SKF_RSASignData returned %u bytes, more than the 256 it was "
+                                    "offered",
+                                    reported)));
+        EXPECT_EQ(m_length, 77);
+    }
+}
+
 TEST_F(Sign, ShortBuffers) {
     EXPECT_EQ(sign(m_sm2, SM2_SIGN, m_digest, 32, 66), -4);
     EXPECT_EQ(trace().failures(),

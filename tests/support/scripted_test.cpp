@@ -23,6 +23,13 @@ Lines errors(const std::string &function, const char *message) {
     return message == nullptr ? Lines() : Lines{error(function, message)};
 }
 
+std::string withNumber(const char *message, ULONG number) {
+    char text[200] = "";
+    if (message != nullptr)
+        std::snprintf(text, sizeof text, message, number);
+    return text;
+}
+
 Bytes bytesOf(const std::string &text) {
     return Bytes(text.begin(), text.end());
 }

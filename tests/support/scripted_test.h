@@ -26,6 +26,11 @@ inline constexpr LineAt error{"ERROR"}, warning{"WARN"}, info{"INFO"}, debug{"DE
     verbose{"VERBOSE"};
 // What trace().failures() holds after one error, or without a message: nothing.
 Lines errors(const std::string &function, const char *message);
+inline Lines errors(const std::string &function, const std::string &message) {
+    return errors(function, message.empty() ? nullptr : message.c_str());
+}
+// The message with the number for its %u; "" for null.
+std::string withNumber(const char *message, ULONG number);
 
 class ScriptedTest : public ::testing::Test, protected HeldHandles {
 protected:
