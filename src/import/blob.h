@@ -1,4 +1,4 @@
-// Reading and writing of key pair blobs, whose integers are 4 bytes, big-endian, unsigned.
+// Reads and writes key pair blobs, whose integers are unsigned, 4 bytes long and big-endian.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace tembra {
 
-// A view of bytes that only shrinks: look at what remains, then take it from the front.
+// A view of bytes that only shrinks: check what remains, then take bytes from its front.
 class BlobReader {
 public:
     BlobReader(const unsigned char *data, std::size_t size) : m_data(data), m_size(size) {}
@@ -15,7 +15,7 @@ public:
     std::size_t remaining() const { return m_size; }
     bool has(std::uint64_t size) const { return m_size >= size; }
 
-    // The next size bytes; the caller has asked has(size).
+    // The next size bytes; the caller has checked has(size).
     const unsigned char *take(std::size_t size) {
         const unsigned char *taken = m_data;
         m_data += size;
@@ -34,7 +34,7 @@ private:
     std::size_t m_size;
 };
 
-// Writes into a buffer of fixed capacity; what does not fit is not written and makes ok() false.
+// Writes into a buffer of fixed capacity. Bytes that do not fit are dropped and make ok() false.
 class BlobWriter {
 public:
     BlobWriter(unsigned char *data, std::size_t capacity) : m_data(data), m_capacity(capacity) {}

@@ -13,8 +13,8 @@ int importSM2KeyPair(const Device *hDevice, Container *hContainer, const unsigne
 int importRSAKeyPair(const Device *hDevice, Container *hContainer, const unsigned char *keyblob,
                      int keyblobLen);
 
-// The SKF identifier for a payload's symmetric algorithm: only the host's ECB identifiers occur in
-// envelopes. -1 for any other.
+// The SKF identifier for a payload's symmetric algorithm, which must be one of the host's ECB
+// identifiers; -1 for any other.
 int envelopeAlgorithm(std::uint32_t algo);
 
 } // namespace tembra

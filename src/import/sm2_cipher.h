@@ -1,4 +1,4 @@
-// SM2 ciphertext as it travels: flat, 0x04 || x || y || C2 || C3 (the order C1, C2, C3).
+// SM2 ciphertext in the host's flat form: 0x04 || x || y || C2 || C3 (the order C1, C2, C3).
 #pragma once
 
 #include "platform/skf.h"

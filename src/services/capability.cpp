@@ -1,5 +1,4 @@
-// The capability query: one table of what is tested for each algorithm, in order, with the message
-// of each test beside it.
+// The capability query: a table of the tests for each algorithm, in order, with their messages.
 #include "log/trace.h"
 #include "provider/records.h"
 #include "provider/settings.h"
@@ -59,8 +58,8 @@ constexpr const char *NOT_GENKEYPAIR = "usage != ORVEL_PKI_USAGE_GENKEYPAIR";
 constexpr const char *NOT_CURVE = "eccParam->m_curve != ORVEL_PKI_ECC_CURVE_SM2";
 constexpr int HOST_ALGORITHM_30 = 0x30;
 
-// Some messages say the requirement, one its negation, and SM2 generation reports a missing
-// capability as a wrong curve: people search traces for these texts, so they stay.
+// Some messages state the requirement, one its negation, and SM2 generation reports a missing
+// capability as a wrong curve. People search traces for these texts, so they must not change.
 // clang-format off
 const Row rows[] = {
     {ORVEL_PKI_ALGORITHM_SM3,

@@ -9,11 +9,11 @@ namespace tembra {
 
 inline constexpr std::size_t AUTH_KEY_LEN = 16;
 
-// Turns 32 characters into the key and authenticates with it. pwd is not null; *pretrynum, where
-// there is one, becomes -1. 1, 0, -5. Takes no lock.
+// Converts 32 characters to the key and authenticates with it. Sets *pretrynum to -1 unless
+// pretrynum is null. Returns 1, 0 or -5; takes no lock.
 int VerifySuperPwd(Device *hDevice, const char *pwd, int *pretrynum);
 
-// The challenge and response with the token. 1; -5 when the token refuses; 0.
+// Answers a challenge of the token. Returns 1; -5 if the token refuses the answer; 0.
 int ExternalAuth(Device *hDevice, const unsigned char key[AUTH_KEY_LEN]);
 
 } // namespace tembra

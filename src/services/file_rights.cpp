@@ -4,8 +4,7 @@ namespace tembra {
 
 namespace {
 
-// The widest account that the bit is set for. The administrator's bit gives 1 or 0, which are
-// SECURE_ADM_ACCOUNT and SECURE_NEVER_ACCOUNT.
+// The widest account that has the bit.
 ULONG rightOf(unsigned bit, unsigned anyone, unsigned user, unsigned administrator) {
     if (anyone >> bit & 1u)
         return SECURE_ANYONE_ACCOUNT;
@@ -18,13 +17,12 @@ ULONG rightOf(unsigned bit, unsigned anyone, unsigned user, unsigned administrat
 
 int GetFileRight(const char *mode, ULONG *ulReadRights, ULONG *ulWriteRights) {
     const auto *bytes = reinterpret_cast<const unsigned char *>(mode);
-    const int count = bytes[0] < 0x80 ? bytes[0] : 0; // a signed char: the others are negative
+    const int count = bytes[0] < 0x80 ? bytes[0] : 0; // a signed char, so 0x80 is negative
     if (count <= 1 || count > 4)
         return 0;
     const unsigned anyone = bytes[1];
     const unsigned user = count >= 3 ? bytes[2] : 0u;
-    // From byte 2, not 3: the blocks that hosts hand in rely on it, and so the administrator's
-    // right never arises.
+    // From byte 2, not 3: hosts rely on it. So the administrator's right never takes effect.
     const unsigned administrator = count == 4 ? bytes[2] : 0u;
     *ulReadRights = rightOf(0, anyone, user, administrator);
     *ulWriteRights = rightOf(1, anyone, user, administrator);

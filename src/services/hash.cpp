@@ -15,7 +15,7 @@ namespace {
 constexpr int SM3_LEN = 32;
 constexpr int PIECE_LEN_DEFAULT = 1024;
 
-// The record with its digest begun on the token and counted in the device's list, or null.
+// A record with its digest started on the token, counted in the device's list, or null.
 HashContext *createHash(Device *hDevice, int algo) {
     auto *hHash = allocateRecord<HashContext>();
     if (!hHash)
