@@ -2,6 +2,7 @@
 
 #include "provider/lock.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace tembra {
@@ -25,15 +26,12 @@ void handOutKeypair(Device *hDevice, Keypair *hKeypair) {
 }
 
 void removeKeypair(Device *hDevice, Keypair *hKeypair) {
-    const int count = hDevice->m_keypairCount;
-    int index = 0;
-    while (index < count && hDevice->m_keypairs[index] != hKeypair)
-        ++index;
-    if (index < count) {
-        for (int i = index; i + 1 < count; ++i)
-            hDevice->m_keypairs[i] = hDevice->m_keypairs[i + 1];
-        hDevice->m_keypairs[count - 1] = nullptr;
-        storeCount(hDevice->m_keypairCount, count - 1);
+    Keypair **end = hDevice->m_keypairs + hDevice->m_keypairCount;
+    Keypair **found = std::find(hDevice->m_keypairs, end, hKeypair);
+    if (found != end) {
+        std::copy(found + 1, end, found);
+        *(end - 1) = nullptr;
+        storeCount(hDevice->m_keypairCount, hDevice->m_keypairCount - 1);
     }
 
     bool isOrphan = false;

@@ -28,6 +28,8 @@ TEST_F(Certificates, BelongToTheKindOfTheirPair) {
     SPI_KEYPAIR_HANDLE sign = pair("both", 2);
     mark();
     EXPECT_EQ(DeviceGetCertificateCount(sign), 1);
+    EXPECT_THAT(trace().texts(), ElementsAre(info("DeviceGetCertificateCount",
+                                                  "hKeypair=%p, hKeypair->m_keytype = 2")));
     EXPECT_EQ(certificateOf(sign), (Bytes{1, 2, 3}));
     EXPECT_EQ(certificateOf(pair("both", 1)), (Bytes{4, 5}));
     for (const int index : {2, 1, 0, -1, -0x7FFFFFFF}) // bounded by the containers, selects nothing
