@@ -1,6 +1,6 @@
 """What the tests of tembrakey share: the tool as users run it, on software tokens, judged by OpenSSL.
 
-TEMBRA_TOOL names the tool; its words are parted by line feeds, so that it can be run through Wine.
+TEMBRA_TOOL names the tool; its words are separated by line feeds, so that it can be run through Wine.
 """
 import json
 import os
@@ -35,7 +35,7 @@ def write(path, content):
 
 
 class CommandTest(unittest.TestCase):
-    """Works in a directory of its own, with tokens of its own, in English."""
+    """Works in its own directory, with its own tokens, in English."""
 
     token = True  # make one before each test
 
@@ -68,8 +68,9 @@ class CommandTest(unittest.TestCase):
         """Runs the tool and returns what it printed; its exit code must be `code`."""
         if arguments[:2] == ("key", "delete"):  # the provider keeps a device that lost a key pair
             variables["ASAN_OPTIONS"] = os.environ.get("ASAN_OPTIONS", "") + ":detect_leaks=0"
+        # A session of its own has no terminal that the tool could ask at.
         done = subprocess.run([*TOOL, *arguments], input=stdin, capture_output=True, check=False,
-                              timeout=300, env={**self.environment, **variables})
+                              timeout=300, env={**self.environment, **variables}, start_new_session=True)
         self.stderr = done.stderr.decode(errors="replace").replace("\r\n", "\n")
         self.assertEqual(done.returncode, code, f"{arguments}: {self.stderr}")
         for name, pin in PINS.items():

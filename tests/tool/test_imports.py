@@ -50,7 +50,7 @@ class Imports(CommandTest):
                 self.make_given(form, self.container(kind))
                 self.run_tool("key", "import", "given", "--label", "alice", "--pin-env", "PIN")
                 self.expect_decryption()
-                self.run_tool("key", "delete", "--label", "alice", "--pin-env", "PIN")
+                self.run_tool("key", "delete", "--label", "alice", "--yes", "--pin-env", "PIN")
 
     def test_what_does_not_belong_together_is_refused(self):
         mine, other = self.container("sm2"), self.container("sm2", "bob")

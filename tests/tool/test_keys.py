@@ -58,7 +58,7 @@ class Keys(CommandTest):
         self.make_key(label)
         generate = ("key", "generate", "--label", label, "--pin-env", "PIN")
         self.run_tool(*generate, code=6)
-        self.run_tool("key", "delete", "--label", label, "--pin-env", "PIN")
+        self.run_tool("key", "delete", "--label", label, "--yes", "--pin-env", "PIN")
         self.run_tool("key", "export", "--label", label, code=3)
         self.run_tool(*generate)
 

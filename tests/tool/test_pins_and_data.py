@@ -56,7 +56,7 @@ class Data(CommandTest):
         for offset, beyond in ((2999, b"ab"), (0, b""), (3000, b"a"), (2147483647, b"a")):
             self.run_tool("data", "write", "7", write("beyond", beyond), "--offset", str(offset), *pin,
                           code=1)
-        self.run_tool("data", "delete", "7", *pin)
+        self.run_tool("data", "delete", "7", "--yes", *pin)
         self.run_tool("data", "read", "7", *pin, code=7)
 
     def test_rights_decide(self):

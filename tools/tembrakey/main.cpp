@@ -2,6 +2,7 @@
 
 #include "tembrakey/cli/command_line.h"
 #include "tembrakey/platform/process.h"
+#include "tembrakey/platform/streams.h"
 #include "tembrakey/text/text.h"
 
 int main(int argc, char **argv) {

@@ -6,10 +6,10 @@
 #include <CLI/CLI.hpp>
 
 #include "tembrakey/cli/command.h"
-#include "tembrakey/cli/failure.h"
 #include "tembrakey/cli/help.h"
 #include "tembrakey/cli/usage_error.h"
 #include "tembrakey/commands/commands.h"
+#include "tembrakey/io/failure.h"
 #include "tembrakey/text/text.h"
 
 namespace tembra::tool {

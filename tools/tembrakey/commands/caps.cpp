@@ -1,6 +1,4 @@
-#include "tembrakey/commands/commands.h"
-#include "tembrakey/provider/devices.h"
-#include "tembrakey/text/text.h"
+#include "tembrakey/commands/device_command.h"
 
 namespace tembra::tool {
 
@@ -43,28 +41,27 @@ const Question QUESTIONS[] = {
     {"SSF33-CBC", "encrypt", ORVEL_PKI_ALGORITHM_SSF33_CBC, 0, ORVEL_PKI_USAGE_ENCRYPT, nullptr},
 };
 
-class Caps final : public Command {
+class Caps final : public DeviceCommand {
 public:
     void describe(Arguments &) override {}
-    void run(Context &context) override;
+
+private:
+    void work(const Console &console, const Device &device) override;
 };
 
-void Caps::run(Context &context) {
-    const Session session(context.provider);
-    const Device device = chooseDevice(session, context.device);
-    Record::List rows;
+void Caps::work(const Console &console, const Device &device) {
+    Json rows = Json::array();
     std::string text;
     for (const Question &one : QUESTIONS) {
-        const bool yes =
-            session->DeviceIsSupportedAlgorithm2(device.get(), one.algorithmId, one.bits,
-                                                 one.usageId, one.param) == TEMBRA_SUCCESS;
-        rows.push_back(
-            Record().add("algorithm", one.algorithm).add("usage", one.usage).add("supported", yes));
+        const bool yes = device.session()->DeviceIsSupportedAlgorithm2(
+                             device.get(), one.algorithmId, one.bits, one.usageId, one.param) ==
+                         TEMBRA_SUCCESS;
+        rows.push_back({{"algorithm", one.algorithm}, {"usage", one.usage}, {"supported", yes}});
         char line[64];
         std::snprintf(line, sizeof line, "%-16s ", one.algorithm);
         text += (text.empty() ? "" : "\n") + std::string(yes ? "+ " : "- ") + line + tr(one.usage);
     }
-    context.console.result(Record().add("capabilities", std::move(rows)), text);
+    console.result({{"capabilities", rows}}, text);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// The table of commands. Each row is defined in the file of its name.
+// The table of commands. Each row is defined beside the code of its command.
 #pragma once
 
 #include <span>
@@ -15,7 +15,7 @@ extern const CommandEntry pinVerifyCommand, pinChangeCommand, pinUnblockCommand,
 extern const CommandEntry loginCommand;
 extern const CommandEntry keyGenerateCommand, keyDeleteCommand, keyExportCommand, keyImportCommand,
     keyEnvelopeCommand;
-extern const CommandEntry certImportCommand, certExportCommand;
+extern const CommandEntry certShowCommand, certImportCommand, certExportCommand;
 extern const CommandEntry signCommand, verifyCommand;
 extern const CommandEntry encryptCommand, decryptCommand, hashCommand, randomCommand;
 extern const CommandEntry dataCreateCommand, dataReadCommand, dataWriteCommand, dataDeleteCommand;

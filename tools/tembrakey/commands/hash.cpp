@@ -1,28 +1,26 @@
 #include "crypto/hex.h"
-#include "tembrakey/commands/commands.h"
+#include "tembrakey/commands/device_command.h"
 #include "tembrakey/io/stream.h"
 #include "tembrakey/provider/buffers.h"
-#include "tembrakey/provider/devices.h"
-#include "tembrakey/text/text.h"
 
 namespace tembra::tool {
 
 namespace {
 
-class HashFile final : public Command {
+class HashFile final : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
         arguments.text("FILE", m_file, "The file to hash (- is standard input)").required();
     }
-    void run(Context &context) override;
 
 private:
+    void work(const Console &console, const Device &device) override;
+
     std::string m_file;
 };
 
-void HashFile::run(Context &context) {
-    const Session session(context.provider);
-    const Device device = chooseDevice(session, context.device);
+void HashFile::work(const Console &console, const Device &device) {
+    const Session &session = device.session();
     const Hash hash(session, session->DeviceNewHash(device.get(), ORVEL_PKI_ALGORITHM_SM3));
     if (!hash)
         refuseNull("DeviceNewHash", tr("the token has no SM3, or no room for another digest"));
@@ -34,12 +32,8 @@ void HashFile::run(Context &context) {
         return session->DeviceHashFinal(hash.get(), buffer, capacity, length);
     });
     const std::string hex = crypto::toHex(value);
-    context.console.result(Record()
-                               .add("algorithm", "sm3")
-                               .add("file", m_file)
-                               .add("bytes", static_cast<std::int64_t>(bytes))
-                               .add("digest", hex),
-                           hex + "  " + m_file);
+    console.result({{"algorithm", "sm3"}, {"file", m_file}, {"bytes", bytes}, {"digest", hex}},
+                   hex + "  " + m_file);
 }
 
 } // namespace

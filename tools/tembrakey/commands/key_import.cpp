@@ -1,21 +1,16 @@
-#include <algorithm>
 #include <string_view>
 
 #include "crypto/key_pair_blob.h"
-#include "tembrakey/commands/commands.h"
+#include "tembrakey/commands/device_command.h"
+#include "tembrakey/commands/options.h"
+#include "tembrakey/formats/enveloped_key.h"
 #include "tembrakey/formats/pem_files.h"
-#include "tembrakey/io/files.h"
-#include "tembrakey/provider/devices.h"
-#include "tembrakey/provider/key_pairs.h"
-#include "tembrakey/provider/login.h"
-#include "tembrakey/provider/results.h"
-#include "tembrakey/text/text.h"
 
 namespace tembra::tool {
 
 namespace {
 
-class KeyImport final : public Command {
+class KeyImport final : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
         arguments
@@ -23,53 +18,75 @@ public:
             .required()
             .text("-l,--label LABEL", m_label, "The container with the signature key pair")
             .required();
-        m_pin.describe(arguments);
+        m_login.declare(arguments);
     }
-    void run(Context &context) override;
 
 private:
-    crypto::SecretBytes blob() const;
+    void prepare(const Console &) override;
+    void work(const Console &console, const Device &device) override;
 
     std::string m_file;
     std::string m_label;
-    PinSource m_pin{"pin", "User PIN"};
+    LoginOption m_login;
+    crypto::SecretBytes m_blob;
 };
 
-bool beginsWith(crypto::ByteView bytes, std::string_view text) {
-    return bytes.size() >= text.size() && std::equal(text.begin(), text.end(), bytes.begin());
-}
-
-// What the provider takes: both blob forms as they are, a PEM key as a plain key pair blob.
-crypto::SecretBytes KeyImport::blob() const {
-    crypto::SecretBytes content = readWhole(m_file);
-    if (beginsWith(content, "SCAENCKP") || beginsWith(content, "_KEYPAIR"))
-        return content;
-    auto plain = crypto::encodeKeyPairBlob(readPrivateKey(m_file, content));
-    if (plain.empty())
+// The provider takes both blob forms; a PEM key becomes a plain key pair blob.
+void KeyImport::prepare(const Console &) {
+    m_blob = readWhole(m_file);
+    const std::string_view text = crypto::asText(m_blob);
+    if (text.starts_with("SCAENCKP") || text.starts_with("_KEYPAIR"))
+        return;
+    m_blob = crypto::encodeKeyPairBlob(readPrivateKey(m_file, m_blob));
+    if (m_blob.empty())
         throw Failure(ExitCode::usage, tr("{1}: RSA keys must have 1024 or 2048 bits", {m_file}));
-    return plain;
 }
 
-void KeyImport::run(Context &context) {
-    const crypto::SecretBytes keyPair = blob();
-    const Session session(context.provider);
-    const Device device = chooseDevice(session, context.device);
-    chooseKeyPair(device, {m_label, "sign"}); // says it better than the import would
-    logIn(device, m_pin);
+void KeyImport::work(const Console &console, const Device &device) {
+    const Session &session = device.session();
+    chooseKeyPair(device, {m_label, "sign"}); // fails with a clearer message than the import
+    m_login.logIn(device);
     SPI_KEYPAIR_HANDLE handle = nullptr;
-    check("DeviceImportKeypair", session->DeviceImportKeypair(
-                                     device.get(), keyPair.data(), static_cast<int>(keyPair.size()),
-                                     ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, m_label.c_str(), &handle));
+    check("DeviceImportKeypair",
+          session->DeviceImportKeypair(device.get(), m_blob.data(), static_cast<int>(m_blob.size()),
+                                       ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, m_label.c_str(), &handle));
     const KeyPair pair(session, handle);
     const int bits = session->DeviceGetKeypairBits(pair.get());
-    context.console.result(Record()
-                               .add("label", m_label)
-                               .add("type", "encrypt")
-                               .add("algorithm", algorithmName(pair))
-                               .add("bits", bits),
-                           tr("Encryption key pair imported into {1} ({2}, {3} bits)",
-                              {m_label, algorithmName(pair), std::to_string(bits)}));
+    console.result({{"label", m_label},
+                    {"type", "encrypt"},
+                    {"algorithm", algorithmName(pair)},
+                    {"bits", bits}},
+                   tr("Encryption key pair imported into {1} ({2}, {3} bits)",
+                      {m_label, algorithmName(pair), std::to_string(bits)}));
 }
+
+class KeyEnvelope final : public Command {
+public:
+    void describe(Arguments &arguments) override {
+        arguments.text("FILE", m_file, "The private key to envelope, unencrypted PEM")
+            .required()
+            .text("--to FILE", m_container, "The container's public signature key, PEM or DER")
+            .required();
+        m_out.declare(arguments, "Where the blob goes");
+        arguments.required().flag("--gdk", m_gdk,
+                                  "SM2: the 48-byte form of the private key instead of 32 bytes");
+    }
+    void run(Context &context) override {
+        m_out.requireNoInput({m_file, m_container});
+        const auto form = m_gdk ? Sm2PrivateForm::gdk : Sm2PrivateForm::plain;
+        const crypto::PrivateKey key = readPrivateKey(m_file, readWhole(m_file));
+        const crypto::Bytes blob = envelopeKeyPair(key, readPublicKey(m_container), form);
+        writeWhole(m_out.path(), blob);
+        m_out.report(context.console, {{"bytes", blob.size()}},
+                     "Enveloped key pair written to {1}");
+    }
+
+private:
+    std::string m_file;
+    std::string m_container;
+    OutputOption m_out;
+    bool m_gdk = false;
+};
 
 } // namespace
 
@@ -82,5 +99,14 @@ const CommandEntry keyImportCommand = {
     "  openssl genpkey -algorithm EC -pkeyopt ec_paramgen_curve:SM2 -out enc.pem\n"
     "  tembrakey key import enc.pem --label alice",
     make<KeyImport>};
+
+const CommandEntry keyEnvelopeCommand = {
+    "key envelope", "Envelope a key pair for a container, as a key management centre does",
+    "Needs no token: only the container's public key, as key export writes it. The private key is\n"
+    "encrypted with SMS4, the symmetric key to the container's key.",
+    "  tembrakey key export --label alice --out alice.pem\n"
+    "  tembrakey key envelope enc.pem --to alice.pem --out alice.env\n"
+    "  tembrakey key import alice.env --label alice",
+    make<KeyEnvelope>};
 
 } // namespace tembra::tool

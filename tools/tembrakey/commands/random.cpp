@@ -2,31 +2,27 @@
 #include <functional>
 
 #include "crypto/hex.h"
-#include "tembrakey/commands/commands.h"
-#include "tembrakey/io/files.h"
+#include "tembrakey/commands/device_command.h"
+#include "tembrakey/commands/options.h"
 #include "tembrakey/io/progress.h"
-#include "tembrakey/provider/devices.h"
-#include "tembrakey/provider/results.h"
-#include "tembrakey/text/text.h"
 
 namespace tembra::tool {
 
 namespace {
 
-class Random final : public Command {
+class Random final : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
-        arguments.number("N", m_count, "How many bytes", 1, 1 << 30)
-            .required()
-            .text("-o,--out FILE", m_out, "Where they go as bytes (else printed in hex)");
+        arguments.number("N", m_count, "How many bytes", 1, 1 << 30).required();
+        m_out.declare(arguments, "Where they go as bytes (else printed in hex)");
     }
-    void run(Context &context) override;
 
 private:
+    void work(const Console &console, const Device &device) override;
     void draw(const Device &device, const std::function<void(crypto::ByteView)> &take) const;
 
     int m_count = 0;
-    std::string m_out;
+    OutputOption m_out;
 };
 
 // In pieces: tokens refuse to make many bytes in one call.
@@ -43,23 +39,19 @@ void Random::draw(const Device &device, const std::function<void(crypto::ByteVie
     }
 }
 
-void Random::run(Context &context) {
-    const Session session(context.provider);
-    const Device device = chooseDevice(session, context.device);
-    Record record;
-    record.add("bytes", m_count);
-    if (m_out.empty()) {
+void Random::work(const Console &console, const Device &device) {
+    Json object = {{"bytes", m_count}};
+    if (!m_out.isGiven()) {
         std::string hex;
         draw(device, [&](crypto::ByteView piece) { hex += crypto::toHex(piece); });
-        context.console.result(record.add("random", hex), hex);
+        object["random"] = hex;
+        console.result(object, hex);
         return;
     }
-    OutputFile file(m_out);
+    OutputFile file(m_out.path(), Access::owner);
     draw(device, [&](crypto::ByteView piece) { file.write(piece); });
     file.commit();
-    if (m_out != "-")
-        context.console.result(record.add("out", m_out),
-                               tr("{1} bytes written to {2}", {std::to_string(m_count), m_out}));
+    m_out.report(console, object, "Random bytes written to {1}");
 }
 
 } // namespace

@@ -3,11 +3,9 @@
 #include "crypto/hex.h"
 #include "crypto/sm2_encoding.h"
 #include "tembrakey/commands/commands.h"
+#include "tembrakey/commands/options.h"
 #include "tembrakey/formats/pem_files.h"
 #include "tembrakey/formats/to_be_signed.h"
-#include "tembrakey/io/files.h"
-#include "tembrakey/provider/devices.h"
-#include "tembrakey/provider/key_pairs.h"
 #include "tembrakey/text/text.h"
 
 namespace tembra::tool {
@@ -27,7 +25,7 @@ public:
             .text("--cert FILE", m_certificate, "The signer's X.509 certificate, PEM or DER")
             .excludes("--label")
             .excludes("--key");
-        m_signerId.describe(arguments);
+        declareSignerId(arguments, m_signerId);
     }
     void run(Context &context) override;
 
@@ -43,7 +41,7 @@ private:
     std::string m_label;
     std::string m_key;
     std::string m_certificate;
-    SignerId m_signerId;
+    std::string m_signerId{crypto::SM2_DEFAULT_SIGNER_ID};
 };
 
 void Verify::refuseUnclear() const {
@@ -65,7 +63,8 @@ crypto::PublicKey Verify::signersKey(const Context &context) const {
     return publicKey(chooseKeyPair(device, {m_label, "sign"}));
 }
 
-// Bytes cannot be taken for hex: a tag of DER is no digit, and the many of RSA never all are.
+// Binary signatures cannot be mistaken for hex: the DER tag is not a digit, and an RSA signature
+// does not consist of digits alone.
 crypto::Bytes Verify::signature() const {
     const crypto::SecretBytes content = readWhole(m_signature);
     std::string text(content.begin(), content.end());
@@ -89,18 +88,17 @@ void Verify::run(Context &context) {
     const crypto::PublicKey key = signersKey(context);
     if (!crypto::isUsable(key))
         throw Failure(ExitCode::usage, tr("The public key cannot be used: RSA keys have 512 to "
-                                          "4096 bits, SM2 keys lie on the curve"));
+                                          "4096 bits, SM2 keys are points on the curve"));
     if (!std::visit([&](const auto &one) { return isRight(one); }, key))
         throw Failure(
             ExitCode::badSignature,
             tr("Signature of {1} is wrong: another file, key or signer's identity?", {m_file}));
     const auto *rsa = std::get_if<crypto::RsaPublicKey>(&key);
     const int bits = rsa == nullptr ? 256 : static_cast<int>(rsa->bits());
-    context.console.result(Record()
-                               .add("file", m_file)
-                               .add("algorithm", rsa == nullptr ? "sm2-sm3" : "rsa-sha256")
-                               .add("bits", bits)
-                               .add("ok", true),
+    context.console.result({{"file", m_file},
+                            {"algorithm", rsa == nullptr ? "sm2-sm3" : "rsa-sha256"},
+                            {"bits", bits},
+                            {"ok", true}},
                            tr("Signature of {1} is right ({2}, {3} bits)",
                               {m_file, rsa == nullptr ? "sm2" : "rsa", std::to_string(bits)}));
 }
@@ -110,8 +108,8 @@ void Verify::run(Context &context) {
 const CommandEntry verifyCommand = {
     "verify", "Check the signature of a file",
     "The exit code is 0 when the signature is right and 11 when it is wrong. No PIN is needed,\n"
-    "and with --key or --cert neither token nor provider. Of a certificate only the key is used:\n"
-    "who issued it, and until when it holds, is for you to check.",
+    "and with --key or --cert neither token nor provider. Only the key of a certificate is\n"
+    "used: its issuer and validity are not checked.",
     "  tembrakey verify letter.txt --signature letter.sig --label alice\n"
     "  tembrakey verify letter.txt --signature letter.sig --key alice.pem\n"
     "  tembrakey verify - --signature letter.sig --cert alice.crt <letter.txt",

@@ -2,23 +2,44 @@
 
 #include <algorithm>
 
+#include "tembrakey/text/printable.h"
 #include "tembrakey/text/text.h"
-#include "tembrakey/trace/texts.h"
 
 namespace tembra::tool::doctor {
 
 namespace {
 
-const char *statusName(Status status) {
-    switch (status) {
-    case Status::ok: return "ok";
-    case Status::warning: return "warning";
-    case Status::failure: return "failure";
-    }
-    return "";
+struct SectionName {
+    const char *name;
+    const char *title; // English
+};
+
+constexpr SectionName SECTIONS[] = {{"libraries", "Libraries"},
+                                    {"settings", "Settings"},
+                                    {"trace", "Trace log"},
+                                    {"tokens", "Tokens"},
+                                    {"provider", "Provider at work"}};
+
+const char *nameOf(Section section) {
+    return SECTIONS[static_cast<std::size_t>(section)].name;
 }
 
-// Columns that the text takes up: Chinese characters are two wide.
+Json makeFinding(const char *status, Section section, const std::string &subject,
+                 const std::string &text, const std::string &advice, const Json &details) {
+    Json finding = {
+        {"section", nameOf(section)}, {"subject", subject}, {"status", status}, {"text", text}};
+    if (!advice.empty())
+        finding["advice"] = advice;
+    if (details.is_object())
+        finding.update(details);
+    return finding;
+}
+
+std::string textOf(const Json &finding, const char *member) {
+    return printable(finding.value(member, ""));
+}
+
+// Columns of a terminal that the text takes: Chinese characters are two wide.
 std::size_t columns(std::string_view text) {
     std::size_t count = 0;
     for (const char c : text) {
@@ -32,95 +53,77 @@ std::string padded(const std::string &text, std::size_t width) {
     return text + std::string(width - std::min(width, columns(text)), ' ');
 }
 
-// subject: empty when the line before has the same. What libraries and tokens say of themselves
-// could steer a terminal.
-std::string line(const Finding &finding, const std::string &subject, std::size_t subjectWidth) {
-    const std::string status = padded(tr(statusName(finding.status)), 9);
-    std::string text = "  " + status + padded(trace::printable(subject), subjectWidth) + "  " +
-                       trace::printable(finding.text) + "\n";
-    if (!finding.advice.empty())
-        text +=
-            std::string(13 + subjectWidth, ' ') + "-> " + trace::printable(finding.advice) + "\n";
-    return text;
-}
-
 } // namespace
 
-void Report::begin(const char *section, const char *title) {
-    m_sections.push_back({section, title});
+void Report::ok(Section section, const std::string &subject, const std::string &text,
+                const Json &details) {
+    add(makeFinding("ok", section, subject, text, "", details));
 }
 
-void Report::add(Finding finding) {
-    finding.section = m_sections.back().name;
+void Report::warn(Section section, const std::string &subject, const std::string &text,
+                  const std::string &advice, const Json &details) {
+    add(makeFinding("warning", section, subject, text, advice, details));
+}
+
+void Report::fail(Section section, const std::string &subject, const std::string &text,
+                  const std::string &advice, const Json &details) {
+    add(makeFinding("failure", section, subject, text, advice, details));
+}
+
+void Report::add(Json finding) {
+    if (m_found)
+        m_found(finding);
     m_findings.push_back(std::move(finding));
 }
 
-void Report::ok(std::string subject, std::string text, Record details) {
-    add({"", Status::ok, std::move(subject), std::move(text), "", std::move(details)});
+int Report::count(const std::string &status) const {
+    return static_cast<int>(std::ranges::count_if(
+        m_findings, [&](const Json &one) { return one["status"] == status; }));
 }
 
-void Report::warn(std::string subject, std::string text, std::string advice, Record details) {
-    add({"", Status::warning, std::move(subject), std::move(text), std::move(advice),
-         std::move(details)});
+bool Report::hasFailure(Section section) const {
+    return std::ranges::any_of(m_findings, [&](const Json &one) {
+        return one["section"] == nameOf(section) && one["status"] == "failure";
+    });
 }
 
-void Report::fail(std::string subject, std::string text, std::string advice, Record details) {
-    add({"", Status::failure, std::move(subject), std::move(text), std::move(advice),
-         std::move(details)});
-}
-
-int Report::count(Status status) const {
-    return static_cast<int>(
-        std::count_if(m_findings.begin(), m_findings.end(),
-                      [status](const Finding &one) { return one.status == status; }));
-}
-
-std::string Report::sectionText(const Section &section) const {
+std::string Report::sectionText(Section section) const {
     std::size_t width = 0;
-    for (const Finding &one : m_findings)
-        if (one.section == section.name)
-            width = std::max(width, columns(one.subject));
-    std::string text = std::string(tr(section.title)) + "\n";
-    std::string subject;
-    for (const Finding &one : m_findings) {
-        if (one.section != section.name)
+    for (const Json &one : m_findings)
+        if (one["section"] == nameOf(section))
+            width = std::max(width, columns(textOf(one, "subject")));
+    std::string text;
+    std::string previous;
+    for (const Json &one : m_findings) {
+        if (one["section"] != nameOf(section))
             continue;
-        text += line(one, one.subject == subject ? "" : one.subject, width);
-        subject = one.subject;
+        const std::string subject = textOf(one, "subject");
+        text += "  " + padded(tr(textOf(one, "status").c_str()), 9) +
+                padded(subject == previous ? "" : subject, width) + "  " + textOf(one, "text") +
+                "\n";
+        if (one.contains("advice"))
+            text += std::string(13 + width, ' ') + "-> " + textOf(one, "advice") + "\n";
+        previous = subject;
     }
-    return text + "\n";
+    const char *title = SECTIONS[static_cast<std::size_t>(section)].title;
+    return text.empty() ? "" : tr(title) + ("\n" + text) + "\n";
 }
 
 std::string Report::text() const {
     std::string text;
-    for (const Section &section : m_sections)
-        text += sectionText(section);
-    const int failures = count(Status::failure);
-    const int warnings = count(Status::warning);
-    if (failures + warnings == 0)
+    for (std::size_t i = 0; i < std::size(SECTIONS); ++i)
+        text += sectionText(static_cast<Section>(i));
+    const int failures = count("failure");
+    const int warnings = count("warning");
+    if (failures == 0 && warnings == 0)
         return text + tr("Everything is in order");
     return text +
            tr("failures: {1}, warnings: {2}", {std::to_string(failures), std::to_string(warnings)});
 }
 
-Record Report::record() const {
-    Record::List findings;
-    for (const Finding &one : m_findings) {
-        Record record;
-        record.add("section", one.section)
-            .add("subject", one.subject)
-            .add("status", statusName(one.status))
-            .add("text", one.text);
-        if (!one.advice.empty())
-            record.add("advice", one.advice);
-        for (const Record::Field &field : one.details.fields())
-            std::visit([&](const auto &value) { record.add(field.name, value); }, field.value);
-        findings.push_back(std::move(record));
-    }
-    return Record()
-        .add("failures", count(Status::failure))
-        .add("warnings", count(Status::warning))
-        .add("findings", std::move(findings));
+Json Report::json() const {
+    return {
+        {"failures", count("failure")}, {"warnings", count("warning")}, {"findings", m_findings}};
 }
 
 } // namespace tembra::tool::doctor

@@ -1,49 +1,44 @@
-// What the doctor found, for people and for programs.
+// The doctor's findings, for people and for programs.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
-#include "tembrakey/io/record.h"
+#include "tembrakey/io/json.h"
 
 namespace tembra::tool::doctor {
 
-enum class Status { ok, warning, failure };
-
-struct Finding {
-    const char *section; // "libraries", "settings" ...
-    Status status;
-    std::string subject; // "provider", "HasSM3", a token's name
-    std::string text;
-    std::string advice; // what to do; never empty for warnings and failures
-    Record details;     // for JSON only
-};
+// The parts of the report, in their order.
+enum class Section { libraries, settings, trace, tokens, provider };
 
 class Report {
 public:
-    // What follows belongs to this section; the title is English and is translated where shown.
-    void begin(const char *section, const char *title);
+    // found, if given, is called with each finding as it is made.
+    explicit Report(std::function<void(const Json &)> found = {}) : m_found(std::move(found)) {}
 
-    void ok(std::string subject, std::string text, Record details = {});
-    void warn(std::string subject, std::string text, std::string advice, Record details = {});
-    void fail(std::string subject, std::string text, std::string advice, Record details = {});
+    // The subject is, for example, "provider" or a token's name; details are for JSON only.
+    void ok(Section section, const std::string &subject, const std::string &text,
+            const Json &details = {});
+    void warn(Section section, const std::string &subject, const std::string &text,
+              const std::string &advice, const Json &details = {});
+    void fail(Section section, const std::string &subject, const std::string &text,
+              const std::string &advice, const Json &details = {});
 
-    int count(Status status) const;
+    // A finding of another report.
+    void add(Json finding);
+
+    int count(const std::string &status) const; // "ok", "warning", "failure"
+    bool hasFailure(Section section) const;
 
     std::string text() const;
-    Record record() const;
+    Json json() const;
 
 private:
-    struct Section {
-        const char *name;
-        const char *title;
-    };
+    std::string sectionText(Section section) const;
 
-    void add(Finding finding);
-    std::string sectionText(const Section &section) const;
-
-    std::vector<Section> m_sections;
-    std::vector<Finding> m_findings;
+    std::function<void(const Json &)> m_found;
+    std::vector<Json> m_findings;
 };
 
 } // namespace tembra::tool::doctor

@@ -18,10 +18,10 @@ struct Flag {
 };
 
 const Flag FLAGS[] = {
-    {"HasSM3", "hosts that ask are told that tokens have no SM3",
-     "hosts that ask are told that tokens have SM3"},
-    {"HasSM4", "hosts that ask are told that tokens have no SM4",
-     "hosts that ask are told that tokens have SM4"},
+    {"HasSM3", "the provider reports that tokens have no SM3",
+     "the provider reports that tokens have SM3"},
+    {"HasSM4", "the provider reports that tokens have no SM4",
+     "the provider reports that tokens have SM4"},
     {"SupportGDKMSM2Import", "plain SM2 key pairs are enveloped in the 32-byte form",
      "plain SM2 key pairs are enveloped in the 48-byte form"},
 };
@@ -46,57 +46,56 @@ Value query(const char *name) {
     return value;
 }
 
-// number is what holds, meaning what it means.
-void report(Report &out, const char *name, const Value &value, std::uint32_t number,
-            const std::string &meaning) {
+// number is the value in effect, meaning its effect.
+void reportValue(Report &report, const char *name, const Value &value, std::uint32_t number,
+                 const std::string &meaning) {
     const std::string shown = std::to_string(number);
-    Record details;
-    details.add("value", static_cast<std::int64_t>(number))
-        .add("origin", value.isNumber ? platform::settingsPlace() : std::string("default"));
+    const Json details = {{"value", number},
+                          {"origin", value.isNumber ? platform::settingsPlace() : "default"}};
     if (value.isSet && !value.isNumber)
-        out.warn(name, tr("is no REG_DWORD, so the default {1} holds: {2}", {shown, meaning}),
-                 tr("write it as a REG_DWORD, in a file as \"{1}\"=dword:00000001", {name}),
-                 std::move(details));
-    else if (!value.isSet)
-        out.ok(name, tr("not set, so {1}: {2}", {shown, meaning}), std::move(details));
+        report.warn(Section::settings, name,
+                    tr("is not a REG_DWORD, so the default {1} is used: {2}", {shown, meaning}),
+                    tr("write it as a REG_DWORD, in a file as \"{1}\"=dword:00000001", {name}),
+                    details);
     else
-        out.ok(name, tr("{1}: {2}", {shown, meaning}), std::move(details));
+        report.ok(Section::settings, name,
+                  value.isSet ? tr("{1}: {2}", {shown, meaning})
+                              : tr("not set, so {1}: {2}", {shown, meaning}),
+                  details);
 }
 
-void examineLength(Report &out) {
+void examineLength(Report &report) {
     const char *const name = "MaxOperationLen";
     const Value value = query(name);
     const bool isUsable = value.isNumber && value.number > 0 && value.number <= LONGEST_LENGTH;
     const std::uint32_t length = isUsable ? (value.number + 15) / 16 * 16 : DEFAULT_LENGTH;
-    const std::string meaning = tr("most bytes that one token call of a hash or cipher is fed");
     if (value.isNumber && !isUsable)
-        out.warn(name, tr("{1} is out of range", {std::to_string(value.number)}),
-                 tr("give a number from 16 to 2147483632; the usual one is 1024"),
-                 Record().add("value", static_cast<std::int64_t>(value.number)));
+        report.warn(Section::settings, name,
+                    tr("{1} is out of range", {std::to_string(value.number)}),
+                    tr("give a number from 16 to 2147483632; the usual one is 1024"),
+                    {{"value", value.number}});
     else
-        report(out, name, value, length, meaning);
+        reportValue(report, name, value, length,
+                    tr("most bytes in one token call of a hash or cipher"));
 }
 
 } // namespace
 
-bool isSwitchedOn(const char *setting) {
-    return query(setting).number != 0;
-}
-
-void examineSettings(Report &out) {
-    out.begin("settings", "Settings");
+void examineSettings(Report &report) {
     const std::string place = platform::settingsPlace();
     if (platform::settingsPlaceExists())
-        out.ok(tr("origin"), place, Record().add("path", place));
+        report.ok(Section::settings, tr("origin"), place, {{"path", place}});
     else
-        out.warn(tr("origin"), tr("{1} does not exist, so all defaults hold", {place}),
-                 tr("import the settings that come with the provider, and change what you need"),
-                 Record().add("path", place));
+        report.warn(Section::settings, tr("origin"),
+                    tr("{1} does not exist, so all defaults are used", {place}),
+                    tr("import the settings that come with the provider, and change what you need"),
+                    {{"path", place}});
     for (const Flag &flag : FLAGS) {
         const Value value = query(flag.name);
-        report(out, flag.name, value, value.number, tr(value.number != 0 ? flag.on : flag.off));
+        reportValue(report, flag.name, value, value.number,
+                    tr(value.number != 0 ? flag.on : flag.off));
     }
-    examineLength(out);
+    examineLength(report);
 }
 
 } // namespace tembra::tool::doctor

@@ -5,9 +5,6 @@
 
 namespace tembra::tool::doctor {
 
-void examineSettings(Report &out);
-
-// Whether the provider finds a number other than 0 under that name.
-bool isSwitchedOn(const char *setting);
+void examineSettings(Report &report);
 
 } // namespace tembra::tool::doctor

@@ -1,5 +1,6 @@
 #include "tembrakey/doctor/trace_log.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 
@@ -10,11 +11,13 @@
 
 namespace tembra::tool::doctor {
 
+namespace fs = std::filesystem;
+
 namespace {
 
 constexpr int LEVEL_OF_PINS = 3;
 constexpr int LEVEL_OF_DATA = 5;
-constexpr long long LARGE = 1LL << 30;
+constexpr std::uintmax_t LARGE = 1 << 30;
 
 const char *levelMeaning(int level) {
     switch (level) {
@@ -26,7 +29,7 @@ const char *levelMeaning(int level) {
     }
 }
 
-// The level that holds.
+// Returns the level in effect.
 int examineLevel(Report &report) {
     const auto value = platform::environment("TEMBRA_KEY_PROV_LOG_LEVEL");
     const int level = value ? std::atoi(value->c_str()) : LEVEL_OF_PINS;
@@ -34,20 +37,19 @@ int examineLevel(Report &report) {
     const std::string text =
         value ? tr("{1} (TEMBRA_KEY_PROV_LOG_LEVEL): {2}", {number, tr(levelMeaning(level))})
               : tr("{1} (not set): {2}", {number, tr(levelMeaning(level))});
-    Record details;
-    details.add("level", level).add("writesPins", level >= LEVEL_OF_PINS);
-    const bool isNumber = !value || value->find_first_not_of("0123456789") == value->npos;
-    if (!isNumber)
-        report.warn(tr("level"), text + tr(" (\"{1}\" is no number)", {*value}),
-                    tr("set TEMBRA_KEY_PROV_LOG_LEVEL to a number from 0 to 5"), details);
-    else if (level >= LEVEL_OF_DATA)
-        report.warn(tr("level"), text + tr("; PINs and data to be enciphered are written in clear"),
-                    tr("set TEMBRA_KEY_PROV_LOG_LEVEL to 2 or less where PINs are real"), details);
+    const Json details = {{"level", level}, {"writesPins", level >= LEVEL_OF_PINS}};
+    const auto warn = [&](const std::string &fault, const char *advice) {
+        report.warn(Section::trace, tr("level"), text + fault, tr(advice), details);
+    };
+    if (value && value->find_first_not_of("0123456789") != value->npos)
+        warn(tr(" (\"{1}\" is not a number)", {*value}),
+             "set TEMBRA_KEY_PROV_LOG_LEVEL to a number from 0 to 5");
     else if (level >= LEVEL_OF_PINS)
-        report.warn(tr("level"), text + tr("; PINs are written in clear"),
-                    tr("set TEMBRA_KEY_PROV_LOG_LEVEL to 2 or less where PINs are real"), details);
+        warn(tr(level >= LEVEL_OF_DATA ? "; PINs and plaintext are written in clear"
+                                       : "; PINs are written in clear"),
+             "set TEMBRA_KEY_PROV_LOG_LEVEL to 2 or less where PINs are real");
     else
-        report.ok(tr("level"), text, details);
+        report.ok(Section::trace, tr("level"), text, details);
     return level;
 }
 
@@ -63,59 +65,63 @@ bool examineDefaultFile(Report &report, const std::string &path) {
     switch (::tembra::platform::fileHazard(path.c_str())) {
     case FileHazard::none: return true;
     case FileHazard::symbolicLink: text = tr("{1} is a symbolic link", {path}); break;
-    case FileHazard::notRegular: text = tr("{1} is no regular file", {path}); break;
+    case FileHazard::notRegular: text = tr("{1} is not a regular file", {path}); break;
     case FileHazard::otherOwner: text = tr("{1} belongs to another user", {path}); break;
     case FileHazard::severalLinks: text = tr("{1} has several hard links", {path}); break;
     }
-    Record details;
-    details.add("path", path);
-    report.warn(tr("file"), text + tr("; nothing is written to it"),
-                tr("name a file with TEMBRA_KEY_PROV_LOG_PATH"), details);
+    report.warn(Section::trace, tr("file"), text + tr("; nothing is written to it"),
+                tr("name a file with TEMBRA_KEY_PROV_LOG_PATH"), {{"path", path}});
     return false;
 }
 
 void examineFile(Report &report, const std::string &path) {
-    const platform::FileState state = platform::fileState(path);
-    Record details;
-    details.add("path", path).add("exists", state.exists);
-    if (state.exists)
-        details.add("bytes", static_cast<std::int64_t>(state.size))
-            .add("othersMayRead", state.othersMayRead);
-    if (state.exists && !state.isRegular)
-        report.warn(tr("file"), tr("{1} is no regular file", {path}),
-                    tr("name a file with TEMBRA_KEY_PROV_LOG_PATH"), details);
-    else if (!state.isWritable)
-        report.warn(tr("file"), tr("{1} cannot be written, so there will be no log", {path}),
-                    tr("name a file in an existing folder of yours with TEMBRA_KEY_PROV_LOG_PATH"),
-                    details);
-    else if (!state.exists)
-        report.ok(tr("file"), tr("{1}, not there yet", {path}), details);
-    else if (state.othersMayRead)
-        report.warn(tr("file"), tr("{1} can be read by other users", {path}),
-                    tr("take their right away: chmod 600 {1}", {path}), details);
-    else if (state.size >= LARGE)
-        report.warn(
-            tr("file"),
-            tr("{1} has {2} MB, and is never shortened", {path, std::to_string(state.size >> 20)}),
-            tr("move it away while no host runs"), details);
+    const fs::path file = platform::toPath(path);
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    const bool exists = fs::exists(status);
+    const std::string folder = file.has_parent_path() ? file.parent_path().string() : ".";
+    const auto size = exists ? fs::file_size(file, error) : 0;
+    const auto others = fs::perms::group_read | fs::perms::others_read;
+    const bool othersMayRead =
+        exists && platform::HAS_FILE_MODES && (status.permissions() & others) != fs::perms::none;
+    const Json details = {
+        {"path", path}, {"exists", exists}, {"bytes", size}, {"othersMayRead", othersMayRead}};
+    const auto warn = [&](const std::string &fault, const std::string &advice) {
+        report.warn(Section::trace, tr("file"), fault, advice, details);
+    };
+    if (exists && !fs::is_regular_file(status))
+        warn(tr("{1} is not a regular file", {path}),
+             tr("name a file with TEMBRA_KEY_PROV_LOG_PATH"));
+    else if (!platform::isWritable(exists ? path : folder))
+        warn(tr("{1} cannot be written, so there will be no log", {path}),
+             tr("name a file in an existing folder of yours with TEMBRA_KEY_PROV_LOG_PATH"));
+    else if (othersMayRead)
+        warn(tr("{1} can be read by other users", {path}),
+             tr("restrict access: chmod 600 {1}", {path}));
+    else if (size >= LARGE)
+        warn(tr("{1} has {2} MB, and is never shortened", {path, std::to_string(size >> 20)}),
+             tr("move it away while no host runs"));
     else
-        report.ok(tr("file"), tr("{1}, {2} bytes", {path, std::to_string(state.size)}), details);
+        report.ok(Section::trace, tr("file"),
+                  exists ? tr("{1}, {2} bytes", {path, std::to_string(size)})
+                         : tr("{1}, does not exist yet", {path}),
+                  details);
 }
 
 } // namespace
 
 void examineTraceLog(Report &report) {
-    report.begin("trace", "Trace log");
     const int level = examineLevel(report);
-    if (level <= 0)
-        return;
     const auto given = platform::environment("TEMBRA_KEY_PROV_LOG_PATH");
     const std::string path = given.value_or(defaultPath());
-    if (!path.empty() && (given || examineDefaultFile(report, path)))
-        examineFile(report, path);
-    else if (path.empty())
-        report.warn(tr("file"), tr("TEMBRA_KEY_PROV_LOG_PATH is set but empty: nothing is written"),
+    if (level <= 0)
+        return;
+    if (path.empty())
+        report.warn(Section::trace, tr("file"),
+                    tr("TEMBRA_KEY_PROV_LOG_PATH is set but empty: nothing is written"),
                     tr("name a file with TEMBRA_KEY_PROV_LOG_PATH"));
+    else if (given || examineDefaultFile(report, path))
+        examineFile(report, path);
 }
 
 } // namespace tembra::tool::doctor

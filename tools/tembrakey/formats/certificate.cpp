@@ -1,9 +1,16 @@
 #include "tembrakey/formats/certificate.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <ctime>
+#include <memory>
+#include <new>
+#include <vector>
 
-#include "crypto/der.h"
+#include <ksba.h>
+
 #include "crypto/hex.h"
+#include "crypto/sm2_key.h"
 
 namespace tembra::tool {
 
@@ -11,132 +18,101 @@ namespace {
 
 using crypto::Bytes;
 using crypto::ByteView;
-using crypto::DerReader;
 
-struct AttributeName {
-    Bytes oid;
-    const char *name;
+struct ReleaseCertificate {
+    void operator()(ksba_cert_t certificate) const { ksba_cert_release(certificate); }
 };
+using CertificateHandle = std::unique_ptr<std::remove_pointer_t<ksba_cert_t>, ReleaseCertificate>;
 
-const AttributeName ATTRIBUTE_NAMES[] = {
-    {{0x55, 0x04, 0x03}, "CN"}, {{0x55, 0x04, 0x05}, "serialNumber"},
-    {{0x55, 0x04, 0x06}, "C"},  {{0x55, 0x04, 0x07}, "L"},
-    {{0x55, 0x04, 0x08}, "ST"}, {{0x55, 0x04, 0x0A}, "O"},
-    {{0x55, 0x04, 0x0B}, "OU"}, {{0x2A, 0x86, 0x48, 0x86, 0xF7, 0x0D, 0x01, 0x09, 0x01}, "E"},
-};
-
-std::string dotted(ByteView oid) {
-    std::string text;
-    std::uint64_t number = 0;
-    for (const std::uint8_t byte : oid) {
-        number = number << 7 | (byte & 0x7F);
-        if (byte & 0x80)
+// The atoms of a canonical S-expression, "(1:n3:abc)", without its structure.
+std::vector<Bytes> atomsOf(ksba_sexp_t expression) {
+    std::vector<Bytes> atoms;
+    const auto *text = reinterpret_cast<const char *>(expression);
+    for (int depth = 0; text != nullptr && (depth > 0 || atoms.empty());) {
+        if (*text == '(' || *text == ')') {
+            depth += *text++ == '(' ? 1 : -1;
             continue;
-        if (text.empty())
-            text = std::to_string(std::min<std::uint64_t>(number / 40, 2)) + "." +
-                   std::to_string(number < 80 ? number % 40 : number - 80);
-        else
-            text += "." + std::to_string(number);
-        number = 0;
-    }
-    return text;
-}
-
-std::string nameOf(ByteView oid) {
-    for (const AttributeName &one : ATTRIBUTE_NAMES)
-        if (std::equal(oid.begin(), oid.end(), one.oid.begin(), one.oid.end()))
-            return one.name;
-    return dotted(oid);
-}
-
-void appendUtf8(std::string &text, unsigned code) {
-    if (code < 0x80) {
-        text += static_cast<char>(code);
-    } else if (code < 0x800) {
-        text += static_cast<char>(0xC0 | code >> 6);
-        text += static_cast<char>(0x80 | (code & 0x3F));
-    } else {
-        text += static_cast<char>(0xE0 | code >> 12);
-        text += static_cast<char>(0x80 | (code >> 6 & 0x3F));
-        text += static_cast<char>(0x80 | (code & 0x3F));
-    }
-}
-
-std::string fromBmp(ByteView bytes) {
-    std::string text;
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
-        appendUtf8(text, static_cast<unsigned>(bytes[i] << 8 | bytes[i + 1]));
-    return text;
-}
-
-constexpr std::uint8_t SET = 0x31;
-constexpr std::uint8_t BMP_STRING = 0x1E;
-constexpr std::uint8_t TEXT_TAGS[] = {0x0C /* UTF8 */, 0x13 /* Printable */, 0x14 /* Teletex */,
-                                      0x16 /* IA5 */, 0x1A /* Visible */};
-
-std::string valueOf(DerReader &attribute) {
-    if (const auto bmp = attribute.element(BMP_STRING))
-        return fromBmp(*bmp);
-    for (const std::uint8_t tag : TEXT_TAGS) {
-        if (const auto bytes = attribute.element(tag)) {
-            std::string text(bytes->begin(), bytes->end()); // control characters stay off terminals
-            std::replace_if(
-                text.begin(), text.end(), [](char c) { return (c >= 0 && c < ' ') || c == 0x7F; },
-                '?');
-            return text;
         }
+        char *colon = nullptr;
+        const std::size_t length = std::strtoul(text, &colon, 10);
+        atoms.emplace_back(colon + 1, colon + 1 + length);
+        text = colon + 1 + length;
     }
-    return "?";
+    ksba_free(expression);
+    return atoms;
 }
 
-std::optional<std::string> nameText(DerReader name) {
+// The atom after the one of this name; empty if there is none.
+Bytes valueOf(const std::vector<Bytes> &atoms, std::string_view name) {
+    for (std::size_t i = 0; i + 1 < atoms.size(); ++i)
+        if (crypto::asText(atoms[i]) == name)
+            return atoms[i + 1];
+    return {};
+}
+
+std::optional<crypto::PublicKey> keyOf(const std::vector<Bytes> &atoms) {
+    const auto number = [&](std::string_view name) {
+        const Bytes value = valueOf(atoms, name);
+        const ByteView digits = crypto::withoutLeadingZeros(value);
+        return Bytes(digits.begin(), digits.end());
+    };
+    crypto::RsaPublicKey rsa = {number("n"), number("e")};
+    if (!rsa.n.empty() && !rsa.e.empty())
+        return rsa;
+    const Bytes point = valueOf(atoms, "q");
+    if (crypto::asText(valueOf(atoms, "curve")) != "1.2.156.10197.1.301" || point.size() != 65 ||
+        point[0] != 4)
+        return std::nullopt;
+    crypto::Sm2PublicKey sm2;
+    std::copy_n(point.begin() + 1, crypto::SM2_SIZE, sm2.x.begin());
+    std::copy_n(point.begin() + 1 + crypto::SM2_SIZE, crypto::SM2_SIZE, sm2.y.begin());
+    return sm2;
+}
+
+std::string ownedText(char *text) {
+    std::string owned = text == nullptr ? "" : text;
+    ksba_free(text);
+    return owned;
+}
+
+// "20261121T093000" as "2026-11-21 09:30:00".
+std::string timeOf(ksba_cert_t certificate, int which) {
+    ksba_isotime_t time = {};
     std::string text;
-    while (!name.atEnd()) {
-        auto relative = name.nested(SET);
-        auto attribute = relative ? relative->sequence() : std::nullopt;
-        const auto oid = attribute ? attribute->oid() : std::nullopt;
-        if (!oid)
-            return std::nullopt;
-        text += (text.empty() ? "" : ", ") + nameOf(*oid) + "=" + valueOf(*attribute);
-    }
-    return text;
-}
-
-// What a certificate says, from its subject on.
-std::optional<DerReader> fromSubject(ByteView der) {
-    auto certificate = DerReader(der).sequence();
-    auto body = certificate ? certificate->sequence() : std::nullopt;
-    if (!body)
-        return std::nullopt;
-    body->element(crypto::der::explicitTag(0)); // version, may be absent
-    if (!body->unsignedInteger())               // serial number; some are negative
-        body->element(crypto::der::INTEGER);
-    if (!body->sequence() || !body->sequence() || !body->sequence()) // algorithm, issuer, validity
-        return std::nullopt;
-    return body;
+    if (ksba_cert_get_validity(certificate, which, time) == 0)
+        text = time;
+    if (text.size() != 15)
+        return {};
+    return text.substr(0, 4) + "-" + text.substr(4, 2) + "-" + text.substr(6, 2) + " " +
+           text.substr(9, 2) + ":" + text.substr(11, 2) + ":" + text.substr(13, 2);
 }
 
 } // namespace
 
-std::optional<std::string> certificateSubject(ByteView der) {
-    auto body = fromSubject(der);
-    const auto subject = body ? body->sequence() : std::nullopt;
-    return subject ? nameText(*subject) : std::nullopt;
-}
-
-std::optional<crypto::PublicKey> certificatePublicKey(ByteView der) {
-    auto body = fromSubject(der);
-    if (!body || !body->sequence())
+std::optional<Certificate> parseCertificate(ByteView der) {
+    ksba_cert_t handle = nullptr;
+    if (ksba_cert_new(&handle) != 0)
+        throw std::bad_alloc();
+    const CertificateHandle owner(handle);
+    if (ksba_cert_init_from_mem(handle, der.data(), der.size()) != 0)
         return std::nullopt;
-    const auto info = body->element(crypto::der::SEQUENCE);
-    return info ? crypto::decodePublicKey(
-                      crypto::DerWriter().element(crypto::der::SEQUENCE, *info).bytes())
-                : std::nullopt;
+    const std::vector<Bytes> serial = atomsOf(ksba_cert_get_serial(handle));
+    return Certificate{
+        {der.begin(), der.end()},
+        ownedText(ksba_cert_get_subject(handle, 0)),
+        ownedText(ksba_cert_get_issuer(handle, 0)),
+        serial.empty() ? "" : crypto::toHex(serial.front()),
+        timeOf(handle, 0),
+        timeOf(handle, 1),
+        keyOf(atomsOf(ksba_cert_get_public_key(handle))),
+    };
 }
 
-bool isDerSequence(ByteView bytes) {
-    DerReader reader(bytes);
-    return reader.sequence() && reader.atEnd();
+std::string currentTime() {
+    const std::time_t now = std::time(nullptr);
+    char text[32];
+    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", std::gmtime(&now));
+    return text;
 }
 
 } // namespace tembra::tool

@@ -1,4 +1,4 @@
-// As much of X.509 as listing certificates and checking signatures needs.
+// X.509 certificates.
 #pragma once
 
 #include <optional>
@@ -8,15 +8,19 @@
 
 namespace tembra::tool {
 
-// The subject as one line, "CN=Alice, O=Example"; empty text for an empty name. Nothing when the
-// bytes are no certificate. Unknown attribute types appear as dotted numbers.
-std::optional<std::string> certificateSubject(crypto::ByteView der);
+struct Certificate {
+    crypto::Bytes der;
+    std::string subject; // "CN=Alice,O=Example", the last attribute first; may be empty
+    std::string issuer;
+    std::string serial;                   // hexadecimal
+    std::string notBefore, notAfter;      // in UTC, "2026-11-21 09:30:00"; empty if unknown
+    std::optional<crypto::PublicKey> key; // if RSA or SM2
+};
 
-// The key that is certified. Nothing when it is neither RSA nor SM2, or the bytes are no
-// certificate.
-std::optional<crypto::PublicKey> certificatePublicKey(crypto::ByteView der);
+// Nothing when the bytes are not a certificate.
+std::optional<Certificate> parseCertificate(crypto::ByteView der);
 
-// Whether the bytes look like one DER SEQUENCE from beginning to end.
-bool isDerSequence(crypto::ByteView bytes);
+// In UTC, to compare with a certificate's times.
+std::string currentTime();
 
 } // namespace tembra::tool

@@ -7,7 +7,7 @@
 #include "crypto/sm2_encoding.h"
 #include "crypto/sm4.h"
 #include "tembra_key_prov.h"
-#include "tembrakey/cli/failure.h"
+#include "tembrakey/io/failure.h"
 #include "tembrakey/text/text.h"
 
 namespace tembra::tool {

@@ -1,14 +1,19 @@
 #include "tembrakey/formats/pem_files.h"
 
+#include "crypto/der.h"
 #include "crypto/pem.h"
-#include "tembrakey/cli/failure.h"
-#include "tembrakey/formats/certificate.h"
+#include "tembrakey/io/failure.h"
 #include "tembrakey/io/files.h"
 #include "tembrakey/text/text.h"
 
 namespace tembra::tool {
 
 namespace {
+
+bool isDerSequence(crypto::ByteView bytes) {
+    crypto::DerReader reader(bytes);
+    return reader.sequence() && reader.atEnd();
+}
 
 // The file's first block of this label, or the whole file when it is DER.
 crypto::SecretBytes readDer(const std::string &path, std::string_view pemLabel) {
@@ -20,22 +25,23 @@ crypto::SecretBytes readDer(const std::string &path, std::string_view pemLabel) 
             if (block.label == pemLabel)
                 return block.data;
     }
-    throw Failure(ExitCode::usage, tr("{1} holds neither PEM \"{2}\" nor DER", {path, pemLabel}));
+    throw Failure(ExitCode::usage,
+                  tr("{1} contains neither PEM \"{2}\" nor DER", {path, pemLabel}));
 }
 
 crypto::PublicKey required(const std::optional<crypto::PublicKey> &key, const std::string &path) {
     if (!key)
-        throw Failure(ExitCode::usage, tr("{1} holds no RSA or SM2 public key", {path}));
+        throw Failure(ExitCode::usage, tr("{1} does not contain an RSA or SM2 public key", {path}));
     return *key;
 }
 
 } // namespace
 
-crypto::Bytes readCertificate(const std::string &path) {
-    const crypto::SecretBytes der = readDer(path, "CERTIFICATE");
-    if (!certificateSubject(der))
-        throw Failure(ExitCode::usage, tr("{1} holds no X.509 certificate", {path}));
-    return {der.begin(), der.end()};
+Certificate readCertificate(const std::string &path) {
+    auto certificate = parseCertificate(readDer(path, "CERTIFICATE"));
+    if (!certificate)
+        throw Failure(ExitCode::usage, tr("{1} does not contain an X.509 certificate", {path}));
+    return std::move(*certificate);
 }
 
 crypto::PublicKey readPublicKey(const std::string &path) {
@@ -43,14 +49,15 @@ crypto::PublicKey readPublicKey(const std::string &path) {
 }
 
 crypto::PublicKey readCertifiedKey(const std::string &path) {
-    return required(certificatePublicKey(readCertificate(path)), path);
+    return required(readCertificate(path).key, path);
 }
 
 crypto::PrivateKey readPrivateKey(const std::string &path, crypto::ByteView content) {
     auto key = crypto::decodePrivateKeyPem(crypto::asText(content));
     if (!key)
-        throw Failure(ExitCode::usage,
-                      tr("{1} holds no unencrypted RSA or SM2 private key in PEM", {path}));
+        throw Failure(
+            ExitCode::usage,
+            tr("{1} does not contain an unencrypted RSA or SM2 private key in PEM", {path}));
     return std::move(*key);
 }
 

@@ -1,20 +1,19 @@
-// Files that hold keys and certificates, in PEM or DER. All failures are Failure.
+// Files with keys and certificates, in PEM or DER. All failures are Failure.
 #pragma once
 
 #include <string>
 
 #include "crypto/private_key.h"
 #include "crypto/public_key.h"
+#include "tembrakey/formats/certificate.h"
 
 namespace tembra::tool {
 
-// An X.509 certificate in DER from a PEM or DER file.
-crypto::Bytes readCertificate(const std::string &path);
+Certificate readCertificate(const std::string &path);
 
 // A public key from "PUBLIC KEY" PEM or SubjectPublicKeyInfo DER.
 crypto::PublicKey readPublicKey(const std::string &path);
 
-// The public key of the X.509 certificate in a PEM or DER file.
 crypto::PublicKey readCertifiedKey(const std::string &path);
 
 // An unencrypted private key from PEM: PKCS #8, PKCS #1 or SEC 1.

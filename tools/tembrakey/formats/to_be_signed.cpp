@@ -1,7 +1,7 @@
 #include "tembrakey/formats/to_be_signed.h"
 
 #include "crypto/rsa.h"
-#include "tembrakey/cli/failure.h"
+#include "tembrakey/io/failure.h"
 #include "tembrakey/io/stream.h"
 #include "tembrakey/text/text.h"
 
@@ -16,19 +16,14 @@ crypto::Bytes withFile(crypto::Digest digest, const std::string &file) {
 
 } // namespace
 
-void SignerId::describe(Arguments &arguments) {
-    arguments.text("--signer-id ID", value,
-                   "SM2: the signer's identity (1234567812345678 unless agreed otherwise)");
-}
-
 crypto::Bytes rsaToBeSigned(const std::string &file) {
     const crypto::Digest digest(crypto::DigestAlgorithm::sha256);
     return crypto::sha256DigestInfo(withFile(digest, file));
 }
 
 crypto::Bytes sm2ToBeSigned(const std::string &file, const crypto::Sm2PublicKey &key,
-                            const SignerId &signer) {
-    const auto z = crypto::sm2SignerDigest(key, signer.value);
+                            const std::string &signerId) {
+    const auto z = crypto::sm2SignerDigest(key, signerId);
     if (!z)
         throw Failure(ExitCode::usage, tr("The signer's identity is longer than 8191 bytes"));
     crypto::Digest digest(crypto::DigestAlgorithm::sm3);

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "tembrakey/platform/streams.h"
 #include "tembrakey/platform/terminal.h"
 #include "tembrakey/text/text.h"
 
@@ -16,14 +17,19 @@ void print(std::FILE *stream, const std::string &line) {
     std::fputc('\n', stream);
 }
 
+// Bytes that are not UTF-8 become replacement characters.
+std::string textOf(const Json &object) {
+    return object.dump(2, ' ', false, Json::error_handler_t::replace);
+}
+
 } // namespace
 
-void Console::result(const Record &record, const std::string &text) const {
-    print(stdout, m_json ? toJson(record) : text);
+void Console::result(const Json &object, const std::string &text) const {
+    print(platform::standardOutput(), m_json ? textOf(object) : text);
 }
 
 void Console::write(std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fwrite(text.data(), 1, text.size(), platform::standardOutput());
 }
 
 void Console::note(const std::string &text) const {
@@ -32,30 +38,33 @@ void Console::note(const std::string &text) const {
 }
 
 void Console::error(const Failure &failure) const {
-    std::fflush(stdout);
+    std::fflush(platform::standardOutput());
     if (!m_json) {
         print(stderr, std::string("tembrakey: ") + failure.what());
         return;
     }
-    Record error;
-    error.add("error", failure.what()).add("exitCode", static_cast<int>(failure.code()));
-    if (!failure.entryPoint().empty())
-        error.add("entryPoint", failure.entryPoint()).add("result", failure.result());
-    print(stderr, toJson(error));
+    Json error = {{"error", failure.what()}, {"exitCode", static_cast<int>(failure.code())}};
+    if (!failure.entryPoint().empty()) {
+        error["entryPoint"] = failure.entryPoint();
+        error["result"] = failure.result();
+    }
+    print(stderr, textOf(error));
 }
 
-bool Console::confirms(const std::string &question) const {
-    if (!platform::isTerminal(stdin))
-        return true;
-    std::fprintf(stderr, "%s %s ", question.c_str(), tr("[y/N]"));
-    std::fflush(stderr);
-    char answer[16];
-    return platform::readTerminalLine(answer, sizeof answer, false) &&
-           (answer[0] == 'y' || answer[0] == 'Y');
+void Console::requireConsent(bool yes, const std::string &question) const {
+    if (yes)
+        return;
+    if (!platform::isTerminal(stdin) || !platform::isTerminal(stderr))
+        throw Failure(ExitCode::usage,
+                      tr("{1} There is no terminal to ask at: use --yes", {question}));
+    const auto answer = platform::askAtTerminal(question + " " + tr("[y/N]") + " ", false);
+    if (!answer || (answer->c_str()[0] != 'y' && answer->c_str()[0] != 'Y'))
+        throw Failure(ExitCode::failure, tr("Nothing was deleted"));
 }
 
 void Console::finish() const {
-    if (std::fflush(stdout) != 0 || std::ferror(stdout))
+    std::FILE *stream = platform::standardOutput();
+    if (std::fflush(stream) != 0 || std::ferror(stream))
         throw Failure(ExitCode::inputOutput,
                       tr("Cannot write to standard output: {1}", {std::strerror(errno)}));
 }

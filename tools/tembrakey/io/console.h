@@ -1,12 +1,11 @@
-// What the tool says: results on standard output, everything else on standard error.
+// The tool's output: results on standard output, everything else on standard error.
 #pragma once
 
 #include <string>
 #include <string_view>
 
-#include "crypto/bytes.h"
-#include "tembrakey/cli/failure.h"
-#include "tembrakey/io/record.h"
+#include "tembrakey/io/failure.h"
+#include "tembrakey/io/json.h"
 
 namespace tembra::tool {
 
@@ -16,21 +15,21 @@ public:
 
     bool json() const { return m_json; }
 
-    // The result: the record with --json, else the text, which needs no line end.
-    void result(const Record &record, const std::string &text) const;
+    // The result: the object with --json, else the text, which needs no line end.
+    void result(const Json &object, const std::string &text) const;
 
-    // A stretch of a long result, as it is.
+    // Part of a long result, unchanged.
     static void write(std::string_view text);
 
-    // Only for people, on standard error; silent with --json.
+    // For people only, on standard error; nothing with --json.
     void note(const std::string &text) const;
 
-    // "tembrakey: ..." or, with --json, an object that begins with the member "error"; on
-    // standard error.
+    // "tembrakey: ..." or, with --json, an object whose first member is "error"; on standard error.
     void error(const Failure &failure) const;
 
-    // Asks yes or no when standard input is a terminal; elsewhere the answer is yes.
-    bool confirms(const std::string &question) const;
+    // Asks before something is destroyed, unless the user gave --yes. Throws Failure when the
+    // answer is not yes, or when standard input or standard error is not a terminal.
+    void requireConsent(bool yes, const std::string &question) const;
 
     // Makes sure that everything printed has arrived. Throws Failure.
     void finish() const;

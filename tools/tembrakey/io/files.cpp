@@ -2,12 +2,17 @@
 
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
-#include "tembrakey/cli/failure.h"
+#include "tembrakey/io/failure.h"
 #include "tembrakey/platform/files.h"
+#include "tembrakey/platform/streams.h"
 #include "tembrakey/text/text.h"
 
 namespace tembra::tool {
+
+namespace fs = std::filesystem;
+using platform::toPath;
 
 namespace {
 
@@ -45,23 +50,39 @@ std::size_t InputFile::read(std::uint8_t *buffer, std::size_t capacity) {
     return count;
 }
 
-OutputFile::OutputFile(const std::string &path) : m_path(path) {
+OutputFile::OutputFile(const std::string &path, Access access) : m_path(path) {
     if (path == "-") {
-        m_stream = stdout;
+        m_stream = platform::standardOutput();
         return;
     }
-    if (!platform::isSpecialFile(path))
-        m_temporary = path + "." + platform::processNumber() + ".part";
-    m_stream = platform::openFile(m_temporary.empty() ? path : m_temporary, "wb");
+    std::error_code error;
+    fs::path target = toPath(path);
+    for (int links = 0; links < 40 && fs::is_symlink(target, error); ++links)
+        target = target.parent_path() / fs::read_symlink(target, error);
+    const fs::file_status before = fs::status(target, error);
+    if (fs::exists(before) && !fs::is_regular_file(before)) {
+        m_stream = platform::openFile(path, "wb");
+    } else {
+        const std::u8string followed = target.u8string();
+        m_path.assign(followed.begin(), followed.end());
+        m_temporary = m_path + "." + platform::processNumber() + ".part";
+        m_stream = platform::createFile(m_temporary, access == Access::owner || exists(before));
+        platform::removeOnInterrupt(m_temporary);
+    }
     if (m_stream == nullptr)
-        fail("Cannot write {1}: {2}", m_path);
+        fail("Cannot write {1}: {2}", path);
+    if (!m_temporary.empty() && exists(before))
+        fs::permissions(toPath(m_temporary), before.permissions(), error);
 }
 
 OutputFile::~OutputFile() {
-    if (m_stream != nullptr && m_stream != stdout)
+    if (m_stream != nullptr && m_stream != platform::standardOutput())
         std::fclose(m_stream);
-    if (!m_temporary.empty())
-        platform::removeFile(m_temporary);
+    if (m_temporary.empty())
+        return;
+    std::error_code error;
+    fs::remove(toPath(m_temporary), error);
+    platform::removeOnInterrupt("");
 }
 
 void OutputFile::write(crypto::ByteView bytes) {
@@ -72,15 +93,19 @@ void OutputFile::write(crypto::ByteView bytes) {
 void OutputFile::commit() {
     if (std::fflush(m_stream) != 0)
         fail("Cannot write {1}: {2}", m_path);
-    if (m_stream == stdout)
+    if (m_stream == platform::standardOutput())
         return;
-    std::FILE *closing = m_stream;
-    m_stream = nullptr;
-    if (std::fclose(closing) != 0)
+    if (std::fclose(std::exchange(m_stream, nullptr)) != 0)
         fail("Cannot write {1}: {2}", m_path);
-    if (!m_temporary.empty() && !platform::replaceFile(m_temporary, m_path))
-        fail("Cannot write {1}: {2}", m_path);
+    if (m_temporary.empty())
+        return;
+    std::error_code error;
+    fs::rename(toPath(m_temporary), toPath(m_path), error);
+    if (error)
+        throw Failure(ExitCode::inputOutput,
+                      tr("Cannot write {1}: {2}", {m_path, error.message()}));
     m_temporary.clear();
+    platform::removeOnInterrupt("");
 }
 
 crypto::SecretBytes readWhole(const std::string &path, std::size_t limit) {
@@ -100,10 +125,17 @@ crypto::SecretBytes readWhole(const std::string &path, std::size_t limit) {
     }
 }
 
-void writeWhole(const std::string &path, crypto::ByteView bytes) {
-    OutputFile file(path);
+void writeWhole(const std::string &path, crypto::ByteView bytes, Access access) {
+    OutputFile file(path, access);
     file.write(bytes);
     file.commit();
+}
+
+void requireDifferentFiles(const std::string &input, const std::string &output) {
+    std::error_code error;
+    if (input != "-" && output != "-" && fs::is_regular_file(toPath(output), error) &&
+        fs::equivalent(toPath(input), toPath(output), error))
+        throw Failure(ExitCode::usage, tr("{1} is the input: write to another file", {output}));
 }
 
 } // namespace tembra::tool

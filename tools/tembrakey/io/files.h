@@ -17,11 +17,10 @@ public:
     InputFile(const InputFile &) = delete;
     InputFile &operator=(const InputFile &) = delete;
 
-    // Fills the buffer as far as the file goes: the number of bytes, 0 at the end.
+    // Fills the buffer as far as possible: the number of bytes, 0 at the end of the file.
     std::size_t read(std::uint8_t *buffer, std::size_t capacity);
-    // The whole length in bytes when it is known.
+    // The whole length in bytes, if known.
     std::optional<std::uint64_t> size() const { return m_size; }
-    const std::string &name() const { return m_path; }
 
 private:
     std::string m_path;
@@ -29,11 +28,15 @@ private:
     std::optional<std::uint64_t> m_size;
 };
 
-// A file appears under its name, complete, at commit(); without it nothing is left behind. Standard
-// output and devices are written as the bytes come.
+// Who may read a new file: everybody whom the user's settings allow, or only the user. A file that
+// is replaced keeps its mode.
+enum class Access { usual, owner };
+
+// The file appears under its name, complete, at commit(); without that, and after an interrupt, the
+// old one stays. Links are followed. Standard output and devices are written directly.
 class OutputFile {
 public:
-    explicit OutputFile(const std::string &path);
+    explicit OutputFile(const std::string &path, Access access = Access::usual);
     ~OutputFile();
     OutputFile(const OutputFile &) = delete;
     OutputFile &operator=(const OutputFile &) = delete;
@@ -42,13 +45,16 @@ public:
     void commit();
 
 private:
-    std::string m_path;
+    std::string m_path;      // behind all links
     std::string m_temporary; // empty when written directly
     std::FILE *m_stream;
 };
 
 // A whole file of at most limit bytes.
 crypto::SecretBytes readWhole(const std::string &path, std::size_t limit = 1 << 20);
-void writeWhole(const std::string &path, crypto::ByteView bytes);
+void writeWhole(const std::string &path, crypto::ByteView bytes, Access access = Access::usual);
+
+// Refuses an output that would overwrite an input.
+void requireDifferentFiles(const std::string &input, const std::string &output);
 
 } // namespace tembra::tool

@@ -20,6 +20,8 @@ public:
     // apart from the folder of this program.
     std::string openNamed(const std::string &fileName);
 
+    bool isOpen() const { return m_handle != nullptr; }
+
     // The file that an open library came from; empty when the system cannot tell.
     std::string path() const;
 

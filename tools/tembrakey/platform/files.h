@@ -1,49 +1,38 @@
-// Files by their UTF-8 names, and inherited descriptors.
+// Files by their UTF-8 names.
 #pragma once
 
-#include <cstddef>
 #include <cstdio>
+#include <filesystem>
 #include <string>
 
 namespace tembra::tool::platform {
 
+inline std::filesystem::path toPath(const std::string &utf8) {
+    return std::u8string(utf8.begin(), utf8.end());
+}
+
 // fopen: mode is "rb" or "wb". Null with errno set on failure.
 std::FILE *openFile(const std::string &path, const char *mode);
+
+// A new file, for this user alone if secret. Null with errno set on failure, also if it exists.
+std::FILE *createFile(const std::string &path, bool secret);
+
+// Removes this file when the process is interrupted; an empty path ends that.
+void removeOnInterrupt(const std::string &path);
 
 // Position in the stream in bytes, also beyond 2 GiB; negative on failure.
 long long position(std::FILE *stream);
 
-// Whether path is a file that can be read.
+// Whether the system has modes that keep other users from files.
+extern const bool HAS_FILE_MODES;
+
 bool isReadable(const std::string &path);
+bool isWritable(const std::string &path); // a file, or a folder that files can be made in
 
-// Whether path exists and is no regular file: a device, a pipe.
-bool isSpecialFile(const std::string &path);
-
-// The version that a library's file tells of itself, "1.0.0"; empty when it tells none.
+// The version in a library's file, "1.0.0"; empty if there is none.
 std::string fileVersion(const std::string &path);
-
-// The date of its last change, "2026-11-21"; empty when unknown.
-std::string fileDate(const std::string &path);
-
-struct FileState {
-    bool exists = false;
-    bool isRegular = false;
-    bool isWritable = false;    // or can be made there
-    bool othersMayRead = false; // never where the system has no file modes
-    long long size = 0;
-};
-FileState fileState(const std::string &path);
-
-// Replaces to by from in one step. False with errno set on failure.
-bool replaceFile(const std::string &from, const std::string &to);
-
-void removeFile(const std::string &path);
 
 // A text unlike that of any other process now running.
 std::string processNumber();
-
-// Reads at most count bytes from an inherited descriptor: their number, 0 at the end, -1 on
-// failure.
-int readDescriptor(int descriptor, char *bytes, unsigned count);
 
 } // namespace tembra::tool::platform

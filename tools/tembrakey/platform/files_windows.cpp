@@ -3,16 +3,49 @@
 #include "tembrakey/platform/wide_text.h"
 
 #include <cerrno>
-#include <ctime>
+#include <fcntl.h>
 #include <io.h>
-#include <sys/stat.h>
 #include <vector>
 #include <windows.h>
 
 namespace tembra::tool::platform {
 
+const bool HAS_FILE_MODES = false;
+
+namespace {
+
+std::wstring interruptedFile;
+
+// Runs in a thread of its own; the system ends the process afterwards.
+BOOL WINAPI removeInterrupted(DWORD) {
+    if (!interruptedFile.empty())
+        DeleteFileW(interruptedFile.c_str());
+    return FALSE;
+}
+
+} // namespace
+
 std::FILE *openFile(const std::string &path, const char *mode) {
     return _wfopen(widen(path).c_str(), widen(mode).c_str());
+}
+
+std::FILE *createFile(const std::string &path, bool) {
+    // Shared for deletion, so that an interrupt can remove the file while it is open.
+    const HANDLE file =
+        CreateFileW(widen(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                    nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        errno = GetLastError() == ERROR_PATH_NOT_FOUND ? ENOENT : EACCES;
+        return nullptr;
+    }
+    return _fdopen(_open_osfhandle(reinterpret_cast<intptr_t>(file), _O_BINARY), "wb");
+}
+
+void removeOnInterrupt(const std::string &path) {
+    SetConsoleCtrlHandler(removeInterrupted, FALSE);
+    interruptedFile = widen(path);
+    if (!path.empty())
+        SetConsoleCtrlHandler(removeInterrupted, TRUE);
 }
 
 long long position(std::FILE *stream) {
@@ -23,9 +56,8 @@ bool isReadable(const std::string &path) {
     return _waccess(widen(path).c_str(), 4) == 0;
 }
 
-bool isSpecialFile(const std::string &path) {
-    struct _stat64 status = {};
-    return _wstat64(widen(path).c_str(), &status) == 0 && (status.st_mode & _S_IFMT) != _S_IFREG;
+bool isWritable(const std::string &path) {
+    return _waccess(widen(path).c_str(), 2) == 0;
 }
 
 std::string fileVersion(const std::string &path) {
@@ -45,46 +77,8 @@ std::string fileVersion(const std::string &path) {
            std::to_string(HIWORD(info->dwFileVersionLS));
 }
 
-std::string fileDate(const std::string &path) {
-    struct _stat64 status = {};
-    struct tm day = {};
-    char text[16];
-    if (_wstat64(widen(path).c_str(), &status) != 0 || _localtime64_s(&day, &status.st_mtime) != 0)
-        return {};
-    return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%d", &day));
-}
-
-FileState fileState(const std::string &path) {
-    struct _stat64 status = {};
-    FileState state;
-    state.exists = _wstat64(widen(path).c_str(), &status) == 0;
-    const auto slash = path.find_last_of("/\\");
-    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
-    state.isWritable = _waccess(widen(state.exists ? path : folder).c_str(), 2) == 0;
-    if (state.exists) {
-        state.isRegular = (status.st_mode & _S_IFMT) == _S_IFREG;
-        state.size = status.st_size;
-    }
-    return state;
-}
-
-bool replaceFile(const std::string &from, const std::string &to) {
-    if (MoveFileExW(widen(from).c_str(), widen(to).c_str(), MOVEFILE_REPLACE_EXISTING))
-        return true;
-    errno = EACCES;
-    return false;
-}
-
-void removeFile(const std::string &path) {
-    _wremove(widen(path).c_str());
-}
-
 std::string processNumber() {
     return std::to_string(GetCurrentProcessId());
-}
-
-int readDescriptor(int descriptor, char *bytes, unsigned count) {
-    return _read(descriptor, bytes, count);
 }
 
 } // namespace tembra::tool::platform

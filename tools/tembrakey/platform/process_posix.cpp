@@ -15,17 +15,18 @@ std::optional<std::string> environment(const std::string &name) {
     return value == nullptr ? std::nullopt : std::optional<std::string>(value);
 }
 
-std::string executableFolder() {
+std::string executablePath() {
     std::error_code error;
-    const auto path = std::filesystem::read_symlink("/proc/self/exe", error);
-    return error ? std::string() : path.parent_path().string();
+    return std::filesystem::read_symlink("/proc/self/exe", error).string();
+}
+
+std::string executableFolder() {
+    return std::filesystem::path(executablePath()).parent_path().string();
 }
 
 bool systemSpeaksChinese() {
     return false;
 }
-
-void prepareStreams() {}
 
 std::string settingsPlace() {
     return environment("TEMBRA_KEY_PROV_REGISTRY").value_or("/etc/tembra_key_prov.reg");

@@ -2,25 +2,12 @@
 
 #include "tembrakey/platform/wide_text.h"
 
-#include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
-#include <io.h>
 #include <windows.h>
 
 #include <shellapi.h>
 
 namespace tembra::tool::platform {
-
-namespace {
-
-UINT outputPageBefore = 0;
-
-void restoreConsole() {
-    SetConsoleOutputCP(outputPageBefore);
-}
-
-} // namespace
 
 std::vector<std::string> arguments(int, char **) {
     int count = 0;
@@ -37,24 +24,20 @@ std::optional<std::string> environment(const std::string &name) {
     return value == nullptr ? std::nullopt : std::optional<std::string>(narrow(value));
 }
 
-std::string executableFolder() {
+std::string executablePath() {
     std::wstring path(32768, L'\0');
     path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
-    const auto end = path.find_last_of(L"\\/");
-    return end == std::wstring::npos ? std::string() : narrow(path.substr(0, end));
+    return narrow(path);
+}
+
+std::string executableFolder() {
+    const std::string path = executablePath();
+    const auto end = path.find_last_of("\\/");
+    return end == std::string::npos ? std::string() : path.substr(0, end);
 }
 
 bool systemSpeaksChinese() {
     return PRIMARYLANGID(GetUserDefaultUILanguage()) == LANG_CHINESE;
-}
-
-void prepareStreams() {
-    _setmode(_fileno(stdin), _O_BINARY);
-    _setmode(_fileno(stdout), _O_BINARY);
-    _setmode(_fileno(stderr), _O_BINARY);
-    outputPageBefore = GetConsoleOutputCP();
-    if (outputPageBefore != 0 && SetConsoleOutputCP(CP_UTF8))
-        std::atexit(restoreConsole);
 }
 
 std::string settingsPlace() {

@@ -1,19 +1,22 @@
-// The terminal, when there is one.
+// The terminal, if there is one.
 #pragma once
 
 #include <cstdio>
+#include <optional>
 #include <string>
 
 namespace tembra::tool::platform {
 
 bool isTerminal(std::FILE *stream);
 
-// Reads one line from standard input, a terminal, into buffer (capacity bytes, NUL-terminated, no
-// line end), without echo if hidden. False at the end of input or when the line does not fit. The
-// terminal's echo comes back also when a signal ends the process.
-bool readTerminalLine(char *buffer, std::size_t capacity, bool hidden);
+// Whether the process has a terminal to ask at, whatever its standard streams are.
+bool canAskAtTerminal();
 
-// Columns of the terminal behind standard error, 80 when unknown.
+// Shows the prompt on that terminal and reads a line, without echo if hidden. Nothing at the end of
+// input or when the line is too long. Signals that end the process restore the terminal's echo.
+std::optional<std::string> askAtTerminal(const std::string &prompt, bool hidden);
+
+// Columns of the terminal behind standard error, 80 if unknown.
 int terminalColumns();
 
 } // namespace tembra::tool::platform

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <fcntl.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
@@ -9,6 +10,8 @@
 namespace tembra::tool::platform {
 
 namespace {
+
+constexpr std::size_t LONGEST_LINE = 1024;
 
 volatile std::sig_atomic_t caughtSignal = 0;
 
@@ -18,11 +21,33 @@ void remember(int number) {
 
 constexpr int ENDING_SIGNALS[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 
+// The controlling terminal.
+class Terminal {
+public:
+    Terminal() : m_descriptor(open("/dev/tty", O_RDWR | O_CLOEXEC)) {}
+    ~Terminal() {
+        if (m_descriptor >= 0)
+            close(m_descriptor);
+    }
+    Terminal(const Terminal &) = delete;
+    Terminal &operator=(const Terminal &) = delete;
+
+    bool isOpen() const { return m_descriptor >= 0; }
+    int descriptor() const { return m_descriptor; }
+    void show(const std::string &text) const {
+        (void)!write(m_descriptor, text.data(), text.size());
+    }
+
+private:
+    int m_descriptor;
+};
+
 // Switches echo off and, while it is off, turns ending signals into an interrupted read.
 class HiddenInput {
 public:
-    explicit HiddenInput(bool hidden)
-        : m_hidden(hidden && tcgetattr(STDIN_FILENO, &m_before) == 0) {
+    HiddenInput(const Terminal &terminal, bool hidden)
+        : m_terminal(terminal),
+          m_hidden(hidden && tcgetattr(terminal.descriptor(), &m_before) == 0) {
         if (!m_hidden)
             return;
         caughtSignal = 0;
@@ -32,15 +57,15 @@ public:
             sigaction(ENDING_SIGNALS[i], &action, &m_actionsBefore[i]);
         termios silent = m_before;
         silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-        tcsetattr(STDIN_FILENO, TCSAFLUSH, &silent);
+        tcsetattr(terminal.descriptor(), TCSAFLUSH, &silent);
     }
     ~HiddenInput() {
         if (!m_hidden)
             return;
-        tcsetattr(STDIN_FILENO, TCSAFLUSH, &m_before);
+        tcsetattr(m_terminal.descriptor(), TCSAFLUSH, &m_before);
         for (int i = 0; i < 4; ++i)
             sigaction(ENDING_SIGNALS[i], &m_actionsBefore[i], nullptr);
-        (void)!write(STDERR_FILENO, "\n", 1);
+        m_terminal.show("\n");
         if (caughtSignal != 0)
             std::raise(caughtSignal);
     }
@@ -48,7 +73,8 @@ public:
     HiddenInput &operator=(const HiddenInput &) = delete;
 
 private:
-    termios m_before = {}; // read by the initialiser of hidden_
+    const Terminal &m_terminal;
+    termios m_before = {}; // set by the initialiser of m_hidden
     bool m_hidden;
     struct sigaction m_actionsBefore[4] = {};
 };
@@ -59,17 +85,25 @@ bool isTerminal(std::FILE *stream) {
     return isatty(fileno(stream)) != 0;
 }
 
-bool readTerminalLine(char *buffer, std::size_t capacity, bool hidden) {
-    const HiddenInput quiet(hidden);
-    for (std::size_t used = 0; used < capacity; ++used) {
-        if (read(STDIN_FILENO, buffer + used, 1) != 1)
-            return false;
-        if (buffer[used] == '\n') {
-            buffer[used] = '\0';
-            return true;
-        }
+bool canAskAtTerminal() {
+    return Terminal().isOpen();
+}
+
+std::optional<std::string> askAtTerminal(const std::string &prompt, bool hidden) {
+    const Terminal terminal;
+    if (!terminal.isOpen())
+        return std::nullopt;
+    const HiddenInput quiet(terminal, hidden);
+    terminal.show(prompt);
+    std::string line;
+    line.reserve(LONGEST_LINE); // a PIN must not be copied to a larger block
+    char c = 0;
+    while (line.size() < LONGEST_LINE && read(terminal.descriptor(), &c, 1) == 1) {
+        if (c == '\n')
+            return line;
+        line += c;
     }
-    return false;
+    return std::nullopt;
 }
 
 int terminalColumns() {

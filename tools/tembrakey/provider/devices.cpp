@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "tembrakey/cli/failure.h"
+#include "tembrakey/io/failure.h"
 #include "tembrakey/provider/buffers.h"
 #include "tembrakey/provider/results.h"
 #include "tembrakey/text/text.h"
@@ -13,7 +13,7 @@ namespace tembra::tool {
 DeviceSet allDevices(const Session &session) {
     DeviceSet set(session, session->DeviceGetAllDevices());
     if (!set)
-        refuseNull("DeviceGetAllDevices", tr("memory is short"));
+        refuseNull("DeviceGetAllDevices", tr("out of memory"));
     return set;
 }
 
@@ -23,6 +23,12 @@ std::string serialNumber(const Device &device) {
 
 std::string label(const Device &device) {
     return readText("DeviceGetLabel", device.session()->DeviceGetLabel, device.get());
+}
+
+std::string displayName(const Device &device) {
+    const std::string name = label(device);
+    const std::string serial = serialNumber(device);
+    return name.empty() ? serial : name + " (" + serial + ")";
 }
 
 namespace {

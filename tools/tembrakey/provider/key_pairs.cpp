@@ -1,23 +1,17 @@
 #include "tembrakey/provider/key_pairs.h"
 
-#include "tembrakey/cli/failure.h"
+#include "tembrakey/io/failure.h"
 #include "tembrakey/provider/buffers.h"
 #include "tembrakey/text/text.h"
 
 namespace tembra::tool {
 
-void KeyPairChoice::describe(Arguments &arguments, bool withType) {
-    arguments.text("-l,--label LABEL", label,
-                   "The key's label, the name of its container (else the only key there is)");
-    if (withType)
-        arguments.choice("--type", type, {"sign", "encrypt"}, "Which pair of the container");
-}
-
-int KeyPairChoice::typeNumber() const {
-    return type == "encrypt" ? ORVEL_PKI_KEYPAIRTYPE_ENCRYPT : ORVEL_PKI_KEYPAIRTYPE_SIGNATURE;
-}
-
 namespace {
+
+int typeNumber(const KeyPairChoice &choice) {
+    return choice.type == "encrypt" ? ORVEL_PKI_KEYPAIRTYPE_ENCRYPT
+                                    : ORVEL_PKI_KEYPAIRTYPE_SIGNATURE;
+}
 
 KeyPair onlyKeyPair(const Device &device, const KeyPairChoice &choice) {
     const Session &session = device.session();
@@ -25,7 +19,7 @@ KeyPair onlyKeyPair(const Device &device, const KeyPairChoice &choice) {
     const int count = session->DeviceGetKeypairCount(device.get());
     for (int i = 0; i < count; ++i) {
         KeyPair pair(session, session->DeviceGetKeypair(device.get(), i));
-        if (session->DeviceGetKeypairType(pair.get()) != choice.typeNumber())
+        if (session->DeviceGetKeypairType(pair.get()) != typeNumber(choice))
             continue;
         if (found)
             throw Failure(ExitCode::notFound,
@@ -45,7 +39,7 @@ KeyPair chooseKeyPair(const Device &device, const KeyPairChoice &choice) {
         return onlyKeyPair(device, choice);
     const Session &session = device.session();
     SPI_KEYPAIR_HANDLE handle = nullptr;
-    if (session->DeviceFindKeypair(device.get(), choice.typeNumber(), choice.label.c_str(),
+    if (session->DeviceFindKeypair(device.get(), typeNumber(choice), choice.label.c_str(),
                                    &handle) != TEMBRA_SUCCESS)
         throw Failure(ExitCode::notFound,
                       tr("There is no key pair of type {1} with the label {2}: list shows them",
@@ -70,6 +64,15 @@ const char *algorithmName(const KeyPair &pair) {
     return isRsa(pair) ? "rsa" : "sm2";
 }
 
+crypto::Bytes certificateDer(const KeyPair &pair) {
+    const Session &session = pair.session();
+    if (session->DeviceGetCertificateCount(pair.get()) <= 0)
+        return {};
+    return readBytes("DeviceGetCertificate", [&](auto *buffer, int capacity, int *length) {
+        return session->DeviceGetCertificate(pair.get(), 0, buffer, capacity, length);
+    });
+}
+
 crypto::Bytes publicKeyDer(const KeyPair &pair) {
     const Session &session = pair.session();
     const PublicKeyHandle key(session, session->DeviceGetPublicKeyFromKeypair(pair.get()));
@@ -85,7 +88,7 @@ crypto::PublicKey publicKey(const KeyPair &pair) {
     const auto key = crypto::decodePublicKey(publicKeyDer(pair));
     if (!key)
         throw Failure(ExitCode::failure,
-                      tr("The host library's encoding of the public key is no X.509 "
+                      tr("The host library did not encode the public key as X.509 "
                          "SubjectPublicKeyInfo"));
     return *key;
 }

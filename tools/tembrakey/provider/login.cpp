@@ -1,6 +1,6 @@
 #include "tembrakey/provider/login.h"
 
-#include "tembrakey/cli/failure.h"
+#include "tembrakey/io/failure.h"
 #include "tembrakey/provider/results.h"
 #include "tembrakey/text/text.h"
 
@@ -21,40 +21,52 @@ int triesLeft(const Device &device, int type) {
     return result == TEMBRA_SUCCESS ? tries : -1;
 }
 
-} // namespace
-
+// Throws the Failure for the result of an entry point that took a PIN of this type.
 void checkPin(const char *entryPoint, const Device &device, int type, int result) {
-    if (type == TEMBRA_PWD_DEVICE_AUTH) {
-        check(entryPoint, result,
-              {result, result == TEMBRA_WRONG_PIN
-                           ? tr("the device-authentication key is wrong")
-                           : tr("the device-authentication key has 32 digits or letters")});
-        return;
-    }
-    const bool refused = result == TEMBRA_WRONG_PIN || result == TEMBRA_FAILURE;
-    const int tries = refused ? triesLeft(device, type) : -1;
+    const bool isRefused = result == TEMBRA_WRONG_PIN || result == TEMBRA_FAILURE;
+    const int tries = isRefused ? triesLeft(device, type) : -1;
     if (result == TEMBRA_FAILURE && tries == 0) // a locked PIN is a plain failure to the token
         throw Failure(ExitCode::wrongPin,
-                      tr("{1} answered {2}: {3}", {entryPoint, "0", triesAdvice(type, 0)}),
+                      tr("{1} returned {2}: {3}", {entryPoint, "0", triesAdvice(type, 0)}),
                       entryPoint, result);
     check(entryPoint, result,
           tries < 0 ? Advice() : Advice{TEMBRA_WRONG_PIN, triesAdvice(type, tries)});
 }
 
+} // namespace
+
 void verifyPin(const Device &device, int type, const SecretText &pin) {
     int tries = -1;
     const int result = device.session()->DeviceVerifyPwd(device.get(), type, pin.c_str(), &tries);
-    checkPin("DeviceVerifyPwd", device, type, result);
+    if (type != TEMBRA_PWD_DEVICE_AUTH)
+        return checkPin("DeviceVerifyPwd", device, type, result);
+    check("DeviceVerifyPwd", result,
+          {result, result == TEMBRA_WRONG_PIN
+                       ? tr("the device-authentication key is wrong")
+                       : tr("the device-authentication key has 32 digits or letters")});
 }
 
-void logIn(const Device &device, const PinSource &pin) {
-    if (pin.available())
-        verifyPin(device, TEMBRA_PWD_USER, pin.read());
+void changePin(const Device &device, int type, const SecretText &pin, const SecretText &newPin) {
+    int tries = -1;
+    const int result =
+        device.session()->DeviceChangePwd(device.get(), type, pin.c_str(), newPin.c_str(), &tries);
+    checkPin("DeviceChangePwd", device, type, result);
 }
 
-void logInIfGiven(const Device &device, const PinSource &pin) {
-    if (pin.given())
-        verifyPin(device, TEMBRA_PWD_USER, pin.read());
+void unblockUserPin(const Device &device, const SecretText &adminPin, const SecretText &newPin) {
+    int tries = -1;
+    const int result = device.session()->DeviceUnlockPwd(device.get(), TEMBRA_PWD_USER,
+                                                         adminPin.c_str(), newPin.c_str(), &tries);
+    // A wrong administrator PIN is a plain failure to this entry point; only the tries that are
+    // left distinguish it from other failures.
+    if (result == TEMBRA_FAILURE && tries > 0)
+        throw Failure(ExitCode::wrongPin,
+                      tr("{1} returned {2}: {3}", {"DeviceUnlockPwd", "0",
+                                                   tr("the administrator PIN is wrong, tries "
+                                                      "left: {1}",
+                                                      {std::to_string(tries)})}),
+                      "DeviceUnlockPwd", result);
+    checkPin("DeviceUnlockPwd", device, TEMBRA_PWD_ADMIN, result);
 }
 
 } // namespace tembra::tool

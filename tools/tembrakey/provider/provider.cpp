@@ -1,9 +1,10 @@
 #include "tembrakey/provider/provider.h"
 
-#include "tembrakey/cli/failure.h"
-#include "tembrakey/io/beside.h"
+#include "tembrakey/io/failure.h"
+#include "tembrakey/io/library_files.h"
 #include "tembrakey/platform/files.h"
 #include "tembrakey/platform/process.h"
+#include "tembrakey/platform/streams.h"
 #include "tembrakey/text/text.h"
 
 namespace tembra::tool {
@@ -14,7 +15,7 @@ std::vector<std::string> providerCandidates(const std::string &given) {
     const auto fromEnvironment = platform::environment("TEMBRA_KEY_PROV");
     if (fromEnvironment && !fromEnvironment->empty())
         return {*fromEnvironment};
-    return librariesBeside("TembraKeyProv");
+    return librariesNearTool("TembraKeyProv");
 }
 
 namespace {
@@ -35,6 +36,7 @@ std::string fill(Provider &provider, const platform::DynamicLibrary &library) {
 ProviderLibrary::ProviderLibrary(const std::string &given)
     : m_path(firstReadable(providerCandidates(given), tr("the provider's library"),
                            tr("name it with --provider or TEMBRA_KEY_PROV"))) {
+    platform::divertLibraryOutput();
     const std::string reason = m_library.open(m_path);
     if (!reason.empty())
         throw Failure(ExitCode::noProvider, tr("{1} cannot be loaded: {2}", {m_path, reason}));

@@ -15,7 +15,7 @@ struct Provider {
 };
 
 // Where the provider's library may be, best first: the given path, or the one in TEMBRA_KEY_PROV,
-// or the two places beside the tool.
+// or the two places near the tool.
 std::vector<std::string> providerCandidates(const std::string &given);
 
 // The library and its entry points; unloaded on destruction.

@@ -1,7 +1,7 @@
 #include "tembrakey/provider/results.h"
 
 #include "tembra_key_prov.h"
-#include "tembrakey/cli/failure.h"
+#include "tembrakey/io/failure.h"
 #include "tembrakey/text/text.h"
 
 namespace tembra::tool {
@@ -17,12 +17,12 @@ struct Meaning {
 
 const Meaning MEANINGS[] = {
     {TEMBRA_FAILURE, ExitCode::failure, "failure",
-     "the provider's trace log has the token's own answer (TEMBRA_KEY_PROV_LOG_PATH)"},
+     "the provider's trace log has the token's own result (TEMBRA_KEY_PROV_LOG_PATH)"},
     {TEMBRA_BAD_ARGUMENT, ExitCode::failure, "bad argument",
      "see the command's --help for what it takes"},
     {TEMBRA_NULL_HANDLE, ExitCode::failure, "no handle", "the key pair may have been deleted"},
     {ORVEL_PKI_MOREDATA, ExitCode::failure, "buffer too short",
-     "the token changed its answer; try again"},
+     "the token changed its result; try again"},
     {TEMBRA_WRONG_PIN, ExitCode::wrongPin, "wrong or locked PIN",
      "pin retries shows how many tries are left"},
     {TEMBRA_ALREADY_EXISTS, ExitCode::alreadyExists, "already exists", "choose another name"},
@@ -50,14 +50,14 @@ void check(const char *entryPoint, int result, const Advice &advice) {
         return;
     const Meaning &found = meaningOf(result);
     throw Failure(found.code,
-                  tr("{1} answered {2} ({3}): {4}",
+                  tr("{1} returned {2} ({3}): {4}",
                      {entryPoint, std::to_string(result), tr(found.meaning),
                       advice.result == result ? advice.text : tr(found.advice)}),
                   entryPoint, result);
 }
 
 void refuseNull(const char *entryPoint, const std::string &advice) {
-    throw Failure(ExitCode::failure, tr("{1} answered null: {2}", {entryPoint, advice}), entryPoint,
+    throw Failure(ExitCode::failure, tr("{1} returned null: {2}", {entryPoint, advice}), entryPoint,
                   0);
 }
 

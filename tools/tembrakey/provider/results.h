@@ -14,7 +14,7 @@ struct Advice {
 // Throws the Failure for a result other than 1: entry point, result, its meaning and what to do.
 void check(const char *entryPoint, int result, const Advice &advice = {});
 
-// The same for a constructor that answered null.
+// The same for a constructor that returned null.
 [[noreturn]] void refuseNull(const char *entryPoint, const std::string &advice);
 
 } // namespace tembra::tool

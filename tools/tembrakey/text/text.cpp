@@ -4,6 +4,7 @@
 #include "CHINESE_PAGE.h"
 #include "tembrakey/platform/process.h"
 #include "tembrakey/text/catalogue.h"
+#include "tembrakey/text/printable.h"
 
 namespace tembra::tool {
 
@@ -36,7 +37,7 @@ std::string tr(const char *english, std::initializer_list<std::string_view> valu
     for (const char *c = tr(english); *c != '\0'; ++c) {
         const auto index = static_cast<std::size_t>(c[0] == '{' ? c[1] - '1' : -1);
         if (index < values.size() && c[2] == '}') {
-            result += values.begin()[index];
+            result += printable(values.begin()[index]);
             c += 2;
         } else {
             result += *c;

@@ -18,7 +18,8 @@ void chooseLanguage();
 // The text in the chosen language, or the text itself if it has no translation.
 const char *tr(const char *english);
 
-// A translated text with {1}, {2} ... replaced by the values.
+// A translated text with {1}, {2} ... replaced by the values, whose control characters are escaped:
+// they can come from tokens and certificates.
 std::string tr(const char *english, std::initializer_list<std::string_view> values);
 
 // Passes each text of the trace page with its translation to take; none if the language is English.
