@@ -43,6 +43,7 @@ private:
 SPI_CIPHER_HANDLE newCipher(const Device &device, const CipherOptions &options, bool encrypt) {
     const crypto::SecretBytes key = options.key();
     const crypto::Bytes iv = options.iv();
+    const WithoutSecrets guard;
     const SPI_CIPHER_HANDLE handle = device.session()->DeviceNewCipher(
         device.get(), encrypt ? 1 : 0, options.algorithm(), key.data(),
         static_cast<int>(key.size()), iv.empty() ? nullptr : iv.data());

@@ -69,10 +69,12 @@ crypto::SecretBytes Decrypt::withPrivateKey(const Device &device) const {
     const int hashAlgorithm = ORVEL_PKI_ALGORITHM_SM3;
     crypto::SecretBytes clear(cipher.size() + 1); // the ciphertext's length is the upper bound
     int length = 0;
-    check("DevicePrivateKeyDecrypt", device.session()->DevicePrivateKeyDecrypt(
-                                         pair.get(), algorithm, rsa ? nullptr : &hashAlgorithm,
-                                         cipher.data(), static_cast<int>(cipher.size()),
-                                         clear.data(), static_cast<int>(clear.size()), &length));
+    check("DevicePrivateKeyDecrypt",
+          device.session()->DevicePrivateKeyDecrypt(pair.get(), algorithm,
+                                                    rsa ? nullptr : &hashAlgorithm, cipher.data(),
+                                                    static_cast<int>(cipher.size()), clear.data(),
+                                                    static_cast<int>(clear.size()), &length),
+          {ORVEL_PKI_FAILURE, tr("the file is not a ciphertext for this key")});
     clear.resize(static_cast<std::size_t>(length));
     return clear;
 }

@@ -6,6 +6,8 @@ namespace tembra::tool {
 
 namespace {
 
+constexpr std::size_t LONGEST_LABEL = 63; // of the containers of most tokens
+
 class KeyGenerate final : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
@@ -44,7 +46,10 @@ void KeyGenerate::work(const Console &console, const Device &device) {
     check("DeviceGenerateKeypair",
           device.session()->DeviceGenerateKeypair(
               device.get(), rsa ? ORVEL_PKI_ALGORITHM_RSA : ORVEL_PKI_ALGORITHM_ECC, m_bits,
-              rsa ? nullptr : &curve, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, m_label.c_str(), &handle));
+              rsa ? nullptr : &curve, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, m_label.c_str(), &handle),
+          {ORVEL_PKI_FAILURE, tr(m_label.size() > LONGEST_LABEL
+                                     ? "the label is longer than 63 bytes"
+                                     : "the token may be full, or does not make such keys")});
     const KeyPair pair(device.session(), handle);
     console.result(
         {{"label", m_label}, {"type", "sign"}, {"algorithm", m_algorithm}, {"bits", m_bits}},

@@ -47,9 +47,12 @@ void KeyImport::work(const Console &console, const Device &device) {
     chooseKeyPair(device, {m_label, "sign"}); // fails with a clearer message than the import
     m_login.logIn(device);
     SPI_KEYPAIR_HANDLE handle = nullptr;
+    const WithoutSecrets guard;
     check("DeviceImportKeypair",
           session->DeviceImportKeypair(device.get(), m_blob.data(), static_cast<int>(m_blob.size()),
-                                       ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, m_label.c_str(), &handle));
+                                       ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, m_label.c_str(), &handle),
+          {ORVEL_PKI_FAILURE,
+           tr("the key pair may be for another container or of another algorithm than this one")});
     const KeyPair pair(session, handle);
     const int bits = session->DeviceGetKeypairBits(pair.get());
     console.result({{"label", m_label},

@@ -119,8 +119,7 @@ private:
         int left = 0;
         check("DeviceGetPwdRetryNum",
               device.session()->DeviceGetPwdRetryNum(device.get(), type, &left),
-              {ORVEL_PKI_FAILURE,
-               tr("the token may have no application (list marks it unformatted)")});
+              {ORVEL_PKI_FAILURE, tr("the token has no application: create one")});
         return left;
     }
 };

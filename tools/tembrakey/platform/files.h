@@ -20,6 +20,9 @@ std::FILE *createFile(const std::string &path, bool secret);
 // Removes this file when the process is interrupted; an empty path ends that.
 void removeOnInterrupt(const std::string &path);
 
+// Removes a file that a library of this process may still have open.
+void removeOpenFile(const std::string &path);
+
 // Position in the stream in bytes, also beyond 2 GiB; negative on failure.
 long long position(std::FILE *stream);
 

@@ -48,6 +48,10 @@ void removeOnInterrupt(const std::string &path) {
     std::memcpy(interruptedFile, path.c_str(), path.size() + 1);
 }
 
+void removeOpenFile(const std::string &path) {
+    unlink(path.c_str());
+}
+
 long long position(std::FILE *stream) {
     return ftello(stream);
 }

@@ -48,6 +48,19 @@ void removeOnInterrupt(const std::string &path) {
         SetConsoleCtrlHandler(removeInterrupted, TRUE);
 }
 
+void removeOpenFile(const std::string &path) {
+    // The system removes only closed files: find its descriptor, which libraries share with us.
+    const std::wstring name = toPath(path).filename().wstring();
+    for (int number = 3; number < 512; ++number) {
+        wchar_t open[1024];
+        const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(number));
+        const DWORD length = GetFinalPathNameByHandleW(handle, open, 1024, 0);
+        if (length > 0 && length < 1024 && std::wstring_view(open, length).ends_with(name))
+            _close(number);
+    }
+    _wremove(widen(path).c_str());
+}
+
 long long position(std::FILE *stream) {
     return _ftelli64(stream);
 }

@@ -53,8 +53,9 @@ Device chooseDevice(const Session &session, const std::string &wanted) {
         matching.push_back(std::stoi(wanted));
     if (matching.empty())
         throw Failure(ExitCode::notFound,
-                      wanted.empty() ? tr("No token is connected")
-                                     : tr("There is no device {1}: list shows them", {wanted}));
+                      wanted.empty()
+                          ? tr("No token is connected") + traceOf("DeviceGetAllDevices", false)
+                          : tr("There is no device {1}: list shows them", {wanted}));
     if (matching.size() > 1)
         throw Failure(ExitCode::notFound,
                       tr("There are several devices: choose one with --device INDEX (list shows "

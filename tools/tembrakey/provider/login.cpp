@@ -30,12 +30,14 @@ void checkPin(const char *entryPoint, const Device &device, int type, int result
                       tr("{1} returned {2}: {3}", {entryPoint, "0", triesAdvice(type, 0)}),
                       entryPoint, result);
     check(entryPoint, result,
-          tries < 0 ? Advice() : Advice{TEMBRA_WRONG_PIN, triesAdvice(type, tries)});
+          tries < 0 ? Advice{TEMBRA_FAILURE, tr("the token has no application: create one")}
+                    : Advice{TEMBRA_WRONG_PIN, triesAdvice(type, tries)});
 }
 
 } // namespace
 
 void verifyPin(const Device &device, int type, const SecretText &pin) {
+    const WithoutSecrets guard;
     int tries = -1;
     const int result = device.session()->DeviceVerifyPwd(device.get(), type, pin.c_str(), &tries);
     if (type != TEMBRA_PWD_DEVICE_AUTH)
@@ -47,6 +49,7 @@ void verifyPin(const Device &device, int type, const SecretText &pin) {
 }
 
 void changePin(const Device &device, int type, const SecretText &pin, const SecretText &newPin) {
+    const WithoutSecrets guard;
     int tries = -1;
     const int result =
         device.session()->DeviceChangePwd(device.get(), type, pin.c_str(), newPin.c_str(), &tries);
@@ -54,6 +57,7 @@ void changePin(const Device &device, int type, const SecretText &pin, const Secr
 }
 
 void unblockUserPin(const Device &device, const SecretText &adminPin, const SecretText &newPin) {
+    const WithoutSecrets guard;
     int tries = -1;
     const int result = device.session()->DeviceUnlockPwd(device.get(), TEMBRA_PWD_USER,
                                                          adminPin.c_str(), newPin.c_str(), &tries);

@@ -2,6 +2,7 @@
 
 #include "tembra_key_prov.h"
 #include "tembrakey/io/failure.h"
+#include "tembrakey/provider/private_trace.h"
 #include "tembrakey/text/text.h"
 
 namespace tembra::tool {
@@ -16,8 +17,7 @@ struct Meaning {
 };
 
 const Meaning MEANINGS[] = {
-    {TEMBRA_FAILURE, ExitCode::failure, "failure",
-     "the provider's trace log has the token's own result (TEMBRA_KEY_PROV_LOG_PATH)"},
+    {TEMBRA_FAILURE, ExitCode::failure, "failure", "the trace log has the token's own result"},
     {TEMBRA_BAD_ARGUMENT, ExitCode::failure, "bad argument",
      "see the command's --help for what it takes"},
     {TEMBRA_NULL_HANDLE, ExitCode::failure, "no handle", "the key pair may have been deleted"},
@@ -33,8 +33,7 @@ const Meaning MEANINGS[] = {
      "the token does not take a PIN of this length"},
 };
 
-const Meaning UNKNOWN = {0, ExitCode::failure, "unknown result",
-                         "the provider's trace log may say more (TEMBRA_KEY_PROV_LOG_PATH)"};
+const Meaning UNKNOWN = {0, ExitCode::failure, "unknown result", "the trace log may contain more"};
 
 const Meaning &meaningOf(int result) {
     for (const Meaning &one : MEANINGS)
@@ -52,13 +51,15 @@ void check(const char *entryPoint, int result, const Advice &advice) {
     throw Failure(found.code,
                   tr("{1} returned {2} ({3}): {4}",
                      {entryPoint, std::to_string(result), tr(found.meaning),
-                      advice.result == result ? advice.text : tr(found.advice)}),
+                      advice.result == result ? advice.text : tr(found.advice)}) +
+                      traceOf(entryPoint),
                   entryPoint, result);
 }
 
 void refuseNull(const char *entryPoint, const std::string &advice) {
-    throw Failure(ExitCode::failure, tr("{1} returned null: {2}", {entryPoint, advice}), entryPoint,
-                  0);
+    throw Failure(ExitCode::failure,
+                  tr("{1} returned null: {2}", {entryPoint, advice}) + traceOf(entryPoint),
+                  entryPoint, 0);
 }
 
 } // namespace tembra::tool

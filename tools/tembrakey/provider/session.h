@@ -1,14 +1,15 @@
-// The provider in use: started and ended, and handles that give themselves back.
+// The provider in use, and handles that free themselves.
 #pragma once
 
 #include <string>
 #include <utility>
 
+#include "tembrakey/provider/private_trace.h"
 #include "tembrakey/provider/provider.h"
 
 namespace tembra::tool {
 
-// From DeviceInit to DeviceEnd. Everything below must be gone before it goes.
+// From DeviceInit to DeviceEnd; all handles must be freed before its end.
 class Session {
 public:
     // path as ProviderLibrary takes it. Throws Failure.
@@ -20,10 +21,11 @@ public:
     const Provider *operator->() const { return &m_library.entryPoints(); }
 
 private:
+    PrivateTrace m_trace;
     ProviderLibrary m_library;
 };
 
-// A handle that goes back through its DeviceFree... entry point.
+// A handle that is freed by its DeviceFree... entry point.
 template <typename H, int (*Provider::*Free)(H)>
 class Owned {
 public:
