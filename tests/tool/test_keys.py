@@ -80,6 +80,12 @@ class Keys(CommandTest):
                 self.assertEqual(openssl("x509", "-outform", "DER", stdin=pem), der)
                 name = subject.split("=")[1].split("/")[0]
                 self.assertIn(name, self.run_tool("list").decode())
+                shown = self.run_json("cert", "show", "--label", "alice")
+                self.assertEqual((shown["issuer"], shown["serial"], shown["matchesKey"]), ("CN=Example CA", "07", True))
+                dates = openssl("x509", "-in", "alice.crt", "-noout", "-enddate", "-dateopt", "iso_8601").decode()
+                self.assertIn(shown["notAfter"], dates)
+                self.assertIn(shown["notAfter"], self.run_tool("list", "--long").decode())
+        self.run_tool("cert", "import", "ca.crt", "--label", "alice", "--pin-env", "PIN", code=2)
         write("noise", b"\x30\x82\x01\x00 no certificate")
         self.run_tool("cert", "import", "noise", "--label", "alice", "--pin-env", "PIN", code=2)
 
