@@ -7,12 +7,13 @@ import shutil
 import subprocess
 import unittest
 
-from command_line import IS_WINDOWS, CommandTest, read, write
+from command_line import IS_WINDOWS, TOOL, CommandTest, read, write
 
 # How each shell prints what it offers for $LINE, once it has read the script `completion`.
 SHELLS = {
     "bash": ("bash", "-c", """
         source ./completion
+        compopt() { compgen -f -- "${COMP_WORDS[COMP_CWORD]}" >offered; exit; }  # works at a prompt only
         read -ra COMP_WORDS <<<"$LINE"
         [[ $LINE != *' ' ]] || COMP_WORDS+=('')
         COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
@@ -45,10 +46,10 @@ class CommandLine(CommandTest):
     def commands(self, *path):
         """Every command, as a list of words, from the help of the tool."""
         text = self.run_tool(*path, "--help").decode()
-        section = re.search(r"Subcommands:\r?\n(.*?)\r?\n\r?\n", text + "\n\n", re.S)
+        section = re.search(r"Commands:\r?\n(.*?)\r?\n\r?\n", text + "\n\n", re.S)
         if not section:
             return [path]
-        names = re.findall(r"^  (\w+) ", section.group(1), re.M)
+        names = [name for name in re.findall(r"^  (\w+) ", section.group(1), re.M) if name != "help"]
         return [command for name in names for command in self.commands(*path, name)]
 
     def test_every_command_explains_itself_with_examples_in_two_languages(self):
@@ -76,9 +77,11 @@ class CommandLine(CommandTest):
     def complete(self, shell, line):
         """What the shell offers for the line, at whose end the cursor stands; of files the last name."""
         done = subprocess.run(SHELLS[shell], capture_output=True, check=True, timeout=60,
-                              env={**self.environment, "LINE": line, "ZDOTDIR": self.folder, "HOME": self.folder})
+                              env={**self.environment, "LINE": line, "ZDOTDIR": self.folder, "HOME": self.folder,
+                                   "PATH": f"{os.path.dirname(TOOL[0])}:{os.environ['PATH']}"})
         self.assertEqual(done.stderr, b"")
-        return {os.path.basename(row.split("\t")[0]) for row in read("offered").decode().splitlines()} - {""}
+        offered = read("offered").decode().replace("\\", "").splitlines()  # quoted where bash needs it or not
+        return {os.path.basename(row.split("\t")[0]) for row in offered} - {""}
 
     @unittest.skipIf(IS_WINDOWS, "of shells of Linux")
     def test_shells_complete_commands_options_and_values(self):
@@ -90,7 +93,10 @@ class CommandLine(CommandTest):
             for line, expected in (("ke", "key"), ("key g", "generate"), ("key generate --al", "--algo"),
                                    ("key generate --algo ", "sm2 rsa"), ("--json key generate --algo r", "rsa"),
                                    ("--device 0 key g", "generate"), ("key generate --pr", "--provider"),
+                                   ("key generate --algo=r", "--algo=rsa"),
                                    ("sign d/l", "letter.txt"), ("sign -o d/", "letter.txt"),
+                                   ("help key d", "delete"), ("trace x --entry DeviceEnd,DeviceIn",
+                                                              "DeviceEnd,DeviceInit"),
                                    ("sign d/letter.txt --pin-env TEMBRA_SOFT_TOKEN_D", "TEMBRA_SOFT_TOKEN_DIR"),
                                    ("completion ", "bash zsh fish"), ("list x", "")):
                 with self.subTest(shell=shell, line=line):
@@ -99,19 +105,22 @@ class CommandLine(CommandTest):
     def test_refusals_say_why_and_in_json_too(self):
         write("empty", b"")
         for code, text, *arguments in (
-                (2, "no subcommand frobnicate", "frobnicate"), (2, "subcommand is required", "key"),
+                (2, "unknown command frobnicate (see", "frobnicate"), (2, "a command is required", "key"),
+                (2, "did you mean sign? (see tembrakey --help)", "sgin", "--help"),
+                (2, "did you mean generate? (see tembrakey key --help)", "help", "key", "genrate"),
+                (2, "did you mean key generate?", "generate"), (2, "did you mean --label?", "sign", "--lable=x"),
                 (2, "--label is required", "key", "generate"), (2, "N is required", "random"),
-                (2, "no option --colour here", "list", "--colour=red"), (2, "one argument too many", "list", "x"),
-                (2, "N cannot be \"0x\": it takes a number from 1", "random", "0x"),
-                (2, "N cannot be \"-5\": it takes a number from 1", "random", "--", "-5"),
-                (2, "--algo cannot be \"dsa\": choose from sm2|rsa", "key", "generate", "--algo", "dsa"),
+                (2, "unknown option --colour (see", "list", "--colour=red"), (2, "unexpected argument x", "list", "x"),
+                (2, "N: \"0x\" is not a number from 1", "random", "0x"),
+                (2, "N: \"-5\" is not a number from 1", "random", "--", "-5"),
+                (2, "--algo: \"dsa\" is not one of sm2|rsa", "key", "generate", "--algo", "dsa"),
                 (2, "--label needs a value", "key", "generate", "--label"),
                 (2, "--device may be given only once", "--device", "0", "--device", "1", "list"),
                 (2, "--so takes no value", "login", "--so=x"),
-                (2, "--pin-env cannot stand with --pin-fd", "login", "--pin-fd", "3", "--pin-env", "PIN"),
-                (2, "此处没有子命令 frobnicate", "frobnicate"), (2, "缺少子命令", "key"),
+                (2, "--pin-env and --pin-fd cannot be combined", "login", "--pin-fd", "3", "--pin-env", "PIN"),
+                (2, "未知命令 frobnicate（见", "frobnicate"), (2, "缺少命令", "key"),
                 (2, "缺少 --label", "key", "generate"), (2, "多余的参数 x（见 tembrakey list --help）", "list", "x"),
-                (2, "N 不能为“0x”：应为 1 到", "random", "0x"), (2, "--out 缺少值", "random", "4", "--out"),
+                (2, "“0x”不是 1 到", "random", "0x"), (2, "--out 缺少值", "random", "4", "--out"),
                 (2, "Give the key with --label, --key or --cert", "verify", "empty", "--signature", "empty"),
                 (3, "no device 5", "--device", "5", "list"),
                 (3, "nobody", "sign", "empty", "--label", "nobody"),

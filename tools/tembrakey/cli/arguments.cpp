@@ -5,7 +5,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include "tembrakey/cli/usage_error.h"
 #include "tembrakey/text/text.h"
 
 namespace tembra::tool {
@@ -14,7 +13,7 @@ namespace {
 
 struct Form {
     std::string names;
-    std::string value; // empty: the names say it
+    std::string value; // empty for flags and positional arguments
 };
 
 Form split(const char *form) {
@@ -40,12 +39,11 @@ Arguments &Arguments::text(const char *form, std::string &target, const char *he
 Arguments &Arguments::number(const char *form, int &target, const char *help, int least, int most) {
     const Form parts = split(form);
     CLI::Option *option = m_app.add_option(parts.names, target, tr(help));
-    const std::string name = option->get_name();
     option->check([=](const std::string &text) {
         int value = 0;
         if (!CLI::detail::lexical_cast(text, value) || value < least || value > most)
-            refuseValue(tr("{1} cannot be \"{2}\": it takes a number from {3} to {4}",
-                           {name, text, std::to_string(least), std::to_string(most)}));
+            return tr("\"{1}\" is not a number from {2} to {3}",
+                      {text, std::to_string(least), std::to_string(most)});
         return std::string();
     });
     return declare(option, parts.value);
@@ -64,10 +62,9 @@ Arguments &Arguments::choice(const char *form, std::string &target,
     for (const char *one : choices)
         shown += (shown.empty() ? "" : "|") + std::string(one);
     const std::vector<std::string> known(choices.begin(), choices.end());
-    const std::string name = option->get_name();
     option->check([=](const std::string &text) {
         if (std::find(known.begin(), known.end(), text) == known.end())
-            refuseValue(tr("{1} cannot be \"{2}\": choose from {3}", {name, text, shown}));
+            return tr("\"{1}\" is not one of {2}", {text, shown});
         return std::string();
     });
     return declare(option, shown);

@@ -1,4 +1,4 @@
-// What a command takes on its command line. Keeps the parsing library out of the commands.
+// The arguments of a command. Keeps the parsing library out of the commands.
 #pragma once
 
 #include <initializer_list>
@@ -11,9 +11,9 @@ class Option;
 
 namespace tembra::tool {
 
-// Each function declares one argument: the form is "-o,--out FILE" for an option with its value's
-// name, "--so" for a flag, "FILE" for a positional argument. The help text is English and is
-// translated here. Targets keep their value when the argument is absent, and must outlive parsing.
+// Each function declares one argument. The form is "-o,--out FILE" for an option and the name of
+// its value, "--so" for a flag, "FILE" for a positional argument. The help text is English and
+// translated here. Targets must outlive parsing, and keep their value if the argument is absent.
 class Arguments {
 public:
     explicit Arguments(CLI::App &app) : m_app(app) {}
@@ -24,7 +24,7 @@ public:
     Arguments &choice(const char *form, std::string &target,
                       std::initializer_list<const char *> choices, const char *help);
 
-    // The argument declared last must be given; it cannot stand with another one.
+    // The argument declared last is required, or cannot be combined with another one.
     Arguments &required();
     Arguments &excludes(const char *option);
 

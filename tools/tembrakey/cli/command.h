@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 
 #include "tembrakey/cli/arguments.h"
@@ -13,15 +14,19 @@ class App;
 
 namespace tembra::tool {
 
-// What holds for every command.
+struct CommandEntry;
+
+// What every command is given.
 struct Context {
     Console console;
     std::string provider; // path given by --provider, or empty
     std::string device;   // --device: serial number or index, or empty
-    const CLI::App *app;  // the whole command line, for commands that describe it
+    // The whole command line, for commands that describe it.
+    const CLI::App &app;
+    std::span<const CommandEntry *const> table;
 };
 
-// An object lives for one run of the tool: its members are the arguments' targets.
+// An object lives for one run of the tool; its members are the targets of the arguments.
 class Command {
 public:
     virtual ~Command() = default;
@@ -30,11 +35,11 @@ public:
     virtual void run(Context &context) = 0;
 };
 
-// A row of the table of commands. Texts are English and are translated where they are shown.
+// A row of the table of commands, in English; texts are translated where they are shown.
 struct CommandEntry {
     const char *name;     // "sign", "key generate"
     const char *summary;  // one line
-    const char *about;    // what else one should know; may be empty
+    const char *about;    // more about the command; may be empty
     const char *examples; // command lines
     std::unique_ptr<Command> (*make)();
 };

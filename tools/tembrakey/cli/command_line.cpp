@@ -6,9 +6,10 @@
 #include <CLI/CLI.hpp>
 
 #include "tembrakey/cli/command.h"
+#include "tembrakey/cli/command_tree.h"
+#include "tembrakey/cli/completion.h"
 #include "tembrakey/cli/help.h"
 #include "tembrakey/cli/usage_error.h"
-#include "tembrakey/commands/commands.h"
 #include "tembrakey/io/failure.h"
 #include "tembrakey/text/text.h"
 
@@ -16,126 +17,134 @@ namespace tembra::tool {
 
 namespace {
 
+using Table = std::span<const CommandEntry *const>;
+
 class CommandLine {
 public:
-    CommandLine();
+    explicit CommandLine(Table table);
 
-    // Throws CLI::ParseError.
-    void parse(std::vector<std::string> arguments);
-    void run(Context &context);
-    Context context() const;
     const CLI::App &app() const { return m_app; }
-    int exit(const CLI::ParseError &error) { return m_app.exit(error); }
+    void run(std::vector<std::string> words); // throws Failure
 
 private:
-    struct Planted {
-        CLI::App *app;
+    struct Added {
+        const CommandEntry *entry;
         std::unique_ptr<Command> command;
     };
 
+    void configure(CLI::App &app);
     CLI::App &group(const std::string &name);
-    void plant(const CommandEntry &entry);
+    void add(const CommandEntry &entry);
+    void parse(std::vector<std::string> words);
+    void printHelp() const;
 
     CLI::App m_app;
-    std::map<std::string, CLI::App *> m_groups;
-    std::vector<Planted> m_planted;
+    std::map<const CLI::App *, Added> m_commands;
+    Table m_table;
     bool m_json = false;
     std::string m_provider;
     std::string m_device;
 };
 
-void shape(CLI::App &app) {
-    app.option_defaults()->group(tr("Options")); // the heading that it stands under
-    app.set_help_flag("-h,--help", tr("Show this help and end"));
+CommandLine::CommandLine(Table table) : m_app(tr(TOOL_SUMMARY), "tembrakey"), m_table(table) {
+    configure(m_app);
+    m_app.require_subcommand(1);
+    m_app.set_version_flag("--version", std::string("tembrakey ") + TEMBRA_VERSION,
+                           tr("show the version"));
+    Arguments(m_app)
+        .flag("--json", m_json, "print results and errors as JSON")
+        .text("--provider PATH", m_provider, "use this library as the provider")
+        .text("--device INDEX|SERIAL", m_device, "use this device (see list)");
+    for (const CommandEntry *entry : table)
+        add(*entry);
+    m_app.add_subcommand("help", tr("Show the help of a command"));
+}
+
+void CommandLine::configure(CLI::App &app) {
+    app.set_help_flag("-h,--help", tr("show this help"));
     app.fallthrough();
 }
 
-CommandLine::CommandLine() : m_app(tr(TOOL_SUMMARY), "tembrakey") {
-    m_app.formatter(makeHelpFormatter());
-    shape(m_app);
-    m_app.set_version_flag("--version", std::string("tembrakey ") + TEMBRA_VERSION,
-                           tr("Show the version and end"));
-    m_app.require_subcommand(1);
-    m_app.footer(tr(TOOL_FOOTER));
-    Arguments(m_app)
-        .flag("--json", m_json, "Print results and errors as JSON")
-        .text("--provider PATH", m_provider,
-              "The provider's library (else TEMBRA_KEY_PROV, else beside this program)")
-        .text("--device INDEX|SERIAL", m_device, "The device, as list shows it");
-    for (const CommandEntry *entry : commandTable())
-        plant(*entry);
-}
-
 CLI::App &CommandLine::group(const std::string &name) {
-    CLI::App *&app = m_groups[name];
-    if (app == nullptr) {
-        app = m_app.add_subcommand(name, tr(groupSummary(name)))->group(tr("Subcommands"));
-        shape(*app);
+    if (findChild(m_app, name) == nullptr) {
+        CLI::App *app = m_app.add_subcommand(name, tr(groupSummary(name)));
+        configure(*app);
         app->require_subcommand(1);
-        app->footer("");
     }
-    return *app;
+    return *m_app.get_subcommand(name);
 }
 
-void CommandLine::plant(const CommandEntry &entry) {
+void CommandLine::add(const CommandEntry &entry) {
     const std::string name = entry.name;
     const auto blank = name.find(' ');
-    CLI::App &parent = blank == std::string::npos ? m_app : group(name.substr(0, blank));
-    CLI::App *app = parent.add_subcommand(
-        blank == std::string::npos ? name : name.substr(blank + 1), tr(entry.summary));
-    app->group(tr("Subcommands"));
-    shape(*app);
-    const std::string about = entry.about[0] == '\0' ? "" : std::string(tr(entry.about)) + "\n\n";
-    app->footer(about + tr("Examples:") + "\n" + entry.examples);
-    m_planted.push_back({app, entry.make()});
+    CLI::App &parent = blank == name.npos ? m_app : group(name.substr(0, blank));
+    CLI::App *app = parent.add_subcommand(name.substr(blank + 1), tr(entry.summary));
+    configure(*app);
+    Added &added = m_commands[app] = {&entry, entry.make()};
     Arguments arguments(*app);
-    m_planted.back().command->describe(arguments);
+    added.command->describe(arguments);
 }
 
-void CommandLine::parse(std::vector<std::string> arguments) {
-    std::reverse(arguments.begin(), arguments.end()); // as the library takes them
-    m_app.parse(std::move(arguments));
+void CommandLine::parse(std::vector<std::string> words) {
+    const std::string lastWord = words.empty() ? "" : words.back();
+    std::reverse(words.begin(), words.end()); // as the library takes them
+    std::string problem;
+    try {
+        m_app.parse(std::move(words));
+    } catch (const CLI::Success &) {
+        problem = unknownWord(m_app);
+        if (problem.empty())
+            throw;
+    } catch (const CLI::ParseError &error) {
+        problem = usageProblem(m_app, error, lastWord);
+    }
+    if (!problem.empty())
+        throw Failure(ExitCode::usage,
+                      problem + tr(" (see {1} --help)", {fullName(*commandsNamed(m_app).back())}));
 }
 
-void CommandLine::run(Context &context) {
-    for (const Planted &planted : m_planted)
-        if (planted.app->parsed())
-            planted.command->run(context);
+void CommandLine::printHelp() const {
+    const CLI::App &app = *commandsNamed(m_app).back();
+    const auto found = m_commands.find(&app);
+    Console::write(helpPage(app, found == m_commands.end() ? nullptr : found->second.entry));
 }
 
-Context CommandLine::context() const {
-    return {Console(m_json), m_provider, m_device, &m_app};
-}
-
-int usageError(const CLI::App &app, const std::string &problem, bool json) {
-    const std::string message = problem + tr(" (see {1} --help)", {commandNamed(app)});
-    Console(json).error(Failure(ExitCode::usage, message));
-    return static_cast<int>(ExitCode::usage);
+void CommandLine::run(std::vector<std::string> words) {
+    try {
+        parse(std::move(words));
+    } catch (const CLI::CallForHelp &) {
+        return printHelp();
+    } catch (const CLI::CallForVersion &version) {
+        return Console::write(version.what() + std::string("\n"));
+    }
+    Context context = {Console(m_json), m_provider, m_device, m_app, m_table};
+    m_commands.at(commandsNamed(m_app).back()).command->run(context);
 }
 
 } // namespace
 
-int runCommandLine(std::vector<std::string> arguments) {
-    const bool json = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
-    const std::string lastWord = arguments.empty() ? "" : arguments.back();
-    CommandLine line;
-    try {
-        line.parse(std::move(arguments));
-    } catch (const CLI::ParseError &error) {
-        if (error.get_exit_code() == 0)
-            return line.exit(error); // help or version
-        return usageError(line.app(), usageProblem(line.app(), error, lastWord), json);
+int runCommandLine(std::vector<std::string> arguments, Table table) {
+    const auto end = arguments.end();
+    const Console console(std::find(arguments.begin(), end, "--json") != end);
+    const auto first =
+        std::find_if(arguments.begin(), end, [](auto &word) { return word != "--json"; });
+    if (first != end && *first == "help") {
+        std::rotate(first, first + 1, end);
+        arguments.back() = "--help";
     }
-    Context context = line.context();
     try {
-        line.run(context);
-        context.console.finish();
+        CommandLine line(table);
+        if (first != end && *first == "__complete")
+            printCandidates(line.app(), {first + 1, end});
+        else
+            line.run(std::move(arguments));
+        console.finish();
         return static_cast<int>(ExitCode::ok);
     } catch (const Failure &failure) {
-        context.console.error(failure);
+        console.error(failure);
         return static_cast<int>(failure.code());
     } catch (const std::bad_alloc &) {
-        context.console.error(Failure(ExitCode::failure, tr("Memory ran out")));
+        console.error(Failure(ExitCode::failure, tr("out of memory")));
         return static_cast<int>(ExitCode::failure);
     }
 }

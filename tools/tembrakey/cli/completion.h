@@ -1,7 +1,8 @@
-// Completion of the command line by shells, from the tool's own help.
+// Completion: the shells' scripts ask this program what may come next.
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -9,9 +10,8 @@ class App;
 
 namespace tembra::tool {
 
-// A script for each shell. Descriptions, which bash does not show, are in the current language.
-std::string bashCompletion(const CLI::App &app);
-std::string zshCompletion(const CLI::App &app);
-std::string fishCompletion(const CLI::App &app);
+// Prints what the last one of these words, which may be empty, can become: a line for each
+// candidate, with a tab and its description, or ":files" where files are expected.
+void printCandidates(const CLI::App &app, std::vector<std::string> words);
 
 } // namespace tembra::tool

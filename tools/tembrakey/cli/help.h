@@ -1,21 +1,29 @@
-// The words and the shape of the help pages.
+// Help pages, and the texts about the tool as a whole.
 #pragma once
 
-#include <memory>
 #include <string>
 
 namespace CLI {
-class FormatterBase;
+class App;
 }
 
 namespace tembra::tool {
 
+struct CommandEntry;
+
 extern const char *const TOOL_SUMMARY;
-extern const char *const TOOL_FOOTER; // exit codes and environment variables
+
+// A block at the end of the tool's own page.
+struct HelpSection {
+    const char *title;
+    const char *text;
+};
+extern const HelpSection TOOL_SECTIONS[2];
 
 // "key" -> what its commands are about. English.
 const char *groupSummary(const std::string &name);
 
-std::shared_ptr<CLI::FormatterBase> makeHelpFormatter();
+// The page of a command, of which groups and the tool have no entry.
+std::string helpPage(const CLI::App &app, const CommandEntry *entry);
 
 } // namespace tembra::tool

@@ -1,16 +1,17 @@
 #include "tembrakey/cli/man_page.h"
 
-#include <algorithm>
-#include <sstream>
+#include <CLI/CLI.hpp>
 
+#include "tembrakey/cli/command.h"
 #include "tembrakey/cli/command_tree.h"
+#include "tembrakey/cli/help.h"
 #include "tembrakey/text/text.h"
 
 namespace tembra::tool {
 
 namespace {
 
-// Keeps what roff would take as its own: backslashes, and dots and quotes that begin a line.
+// Keeps roff from interpreting backslashes, and dots and quotes at the start of a line.
 std::string escaped(const std::string &text) {
     std::string result;
     bool atStart = true;
@@ -32,93 +33,65 @@ std::string bold(const std::string &text) {
     return "\\fB" + escaped(text) + "\\fR";
 }
 
-// As it stands, line for line.
+std::string italic(const std::string &text) {
+    return " \\fI" + escaped(text) + "\\fR";
+}
+
 std::string verbatim(const std::string &text) {
     return ".nf\n" + escaped(text) + (text.ends_with('\n') ? "" : "\n") + ".fi\n";
 }
 
-std::string heading(const char *title, const std::string &text) {
-    return std::string(".SH ") + tr(title) + "\n" + text;
-}
-
-std::string optionNames(const CLI::Option &option) {
-    std::string names;
-    for (const std::string &name : option.get_snames())
-        names += (names.empty() ? "" : ", ") + bold("-" + name);
-    for (const std::string &name : option.get_lnames())
-        names += (names.empty() ? "" : ", ") + bold("--" + name);
-    if (option.get_positional())
-        names = "\\fI" + escaped(option.get_name(true)) + "\\fR";
-    const std::string value = option.get_type_name();
-    return value.empty() ? names : names + " \\fI" + escaped(value) + "\\fR";
+std::string section(const std::string &title) {
+    return ".SH " + title + "\n";
 }
 
 std::string options(const CLI::App &app) {
     std::string text;
-    for (const bool isPositional : {true, false}) {
-        for (const CLI::Option *option : app.get_options()) {
-            const bool isHelp = option == app.get_help_ptr() && app.get_parent() != nullptr;
-            if (!isHelp && option->get_positional() == isPositional)
-                text += ".TP\n" + optionNames(*option) + "\n" + escaped(option->get_description()) +
-                        "\n";
-        }
+    for (const CLI::Option *option : listedOptions(app)) {
+        std::string names;
+        for (const std::string &name : optionNames(*option))
+            names += (names.empty() ? "" : ", ") + bold(name);
+        const std::string value = valueName(*option);
+        text += ".TP\n" + names + (value.empty() ? "" : italic(value)) + "\n" +
+                escaped(option->get_description()) + "\n";
     }
     return text;
 }
 
-std::string synopsis(const CLI::App &app, const std::string &name) {
-    std::string text = bold(name) + " [" + tr("OPTIONS") + "]";
-    for (const CLI::Option *option : app.get_options())
+std::string synopsis(const CLI::App &app) {
+    std::string text = bold(fullName(app)) + " [" + tr("OPTIONS") + "]";
+    for (const CLI::Option *option : listedOptions(app))
         if (option->get_positional())
-            text += " \\fI" + escaped(option->get_name(true)) + "\\fR";
+            text += italic(option->get_name(true));
     return text;
 }
 
-// A command's footer holds what else one should know, and examples.
-std::string command(const CLI::App &app, const std::string &name) {
-    const std::string footer = app.get_footer();
-    const std::string mark = std::string(tr("Examples:")) + "\n";
-    const auto at = footer.find(mark);
-    std::string about = footer.substr(0, at);
-    while (about.ends_with('\n'))
-        about.pop_back();
-    std::string text = ".SS " + escaped(name) + "\n" + synopsis(app, name) + "\n.PP\n" +
+std::string command(const CLI::App &app, const CommandEntry &entry) {
+    std::string text = ".SS " + escaped(fullName(app)) + "\n" + synopsis(app) + "\n.PP\n" +
                        escaped(app.get_description()) + "\n" + options(app);
-    if (!about.empty())
-        text += ".PP\n" + escaped(about) + "\n";
-    if (at != footer.npos)
-        text += ".PP\n" + verbatim(footer.substr(at + mark.size()));
-    return text;
-}
-
-// The tool's footer: blocks with a heading, parted by empty lines.
-std::string closing(const std::string &footer) {
-    std::string text;
-    std::istringstream lines(footer);
-    for (std::string line; std::getline(lines, line);) {
-        const bool isHeading = !line.empty() && line[0] != ' ' && line.ends_with(":");
-        if (isHeading)
-            text +=
-                (text.empty() ? ".SH " : ".fi\n.SH ") + line.substr(0, line.size() - 1) + "\n.nf\n";
-        else
-            text += escaped(line) + "\n";
-    }
-    return text.empty() ? text : text + ".fi\n";
+    if (entry.about[0] != '\0')
+        text += ".PP\n" + escaped(tr(entry.about)) + "\n";
+    return text + ".PP\n" + verbatim(entry.examples);
 }
 
 } // namespace
 
-std::string manPage(const CLI::App &app) {
+std::string manPage(const CLI::App &app, std::span<const CommandEntry *const> table) {
     std::string page = ".TH TEMBRAKEY 1 \"\" \"tembrakey " TEMBRA_VERSION "\"\n";
-    page += heading("NAME", "tembrakey \\- " + escaped(app.get_description()) + "\n");
-    page += heading("SYNOPSIS", synopsis(app, "tembrakey") + " \\fI" + tr("SUBCOMMAND") + "\\fR\n");
-    page += heading("OPTIONS FOR ALL COMMANDS", options(app));
-    page += heading("COMMANDS", "");
-    forEachCommand(app, "tembrakey", [&](const CLI::App &one, const std::string &name) {
-        if (children(one).empty())
-            page += command(one, name);
-    });
-    return page + closing(app.get_footer());
+    page += section(tr("NAME")) + "tembrakey \\- " + escaped(app.get_description()) + "\n";
+    page += section(tr("SYNOPSIS")) + synopsis(app) + italic(tr("COMMAND")) + "\n";
+    page += section(tr("OPTIONS FOR ALL COMMANDS")) + options(app);
+    page += section(tr("COMMANDS"));
+    for (const CommandEntry *entry : table)
+        page += command(commandOf(app, *entry), *entry);
+    for (const HelpSection &block : TOOL_SECTIONS)
+        page += section(tr(block.title)) + verbatim(tr(block.text));
+    page += section(tr("FILES")) +
+            verbatim(tr("  /etc/tembra_key_prov.reg  settings of the provider\n"
+                        "  tembra_key_prov.log       trace log, in the temporary folder unless "
+                        "TEMBRA_KEY_PROV_LOG_PATH is set\n"));
+    return page + section(tr("SEE ALSO")) + bold("tembra-devkit") + "(1), " + bold("openssl") +
+           "(1)\n";
 }
 
 } // namespace tembra::tool

@@ -10,13 +10,10 @@ class ParseError;
 
 namespace tembra::tool {
 
-// The innermost command named, with the way to it: "tembrakey key generate".
-std::string commandNamed(const CLI::App &app);
+// A word that no command takes, with what may have been meant; empty if there is none.
+std::string unknownWord(const CLI::App &app);
 
-// Ends the parsing because of an argument's value; the text is what the user reads.
-[[noreturn]] void refuseValue(const std::string &text);
-
-// The reason why `app` refused a command line whose last word is `lastWord`.
+// Why the parser refused a command line whose last word is lastWord.
 std::string usageProblem(const CLI::App &app, const CLI::ParseError &error,
                          const std::string &lastWord);
 

@@ -1,7 +1,10 @@
-// What the tool tells other programs about its command line.
-#include "tembrakey/cli/completion.h"
+// Commands that describe the tool to other programs.
+#include "BASH_COMPLETION.h"
+#include "FISH_COMPLETION.h"
+#include "ZSH_COMPLETION.h"
 #include "tembrakey/cli/man_page.h"
 #include "tembrakey/commands/commands.h"
+#include "tembrakey/text/text.h"
 
 namespace tembra::tool {
 
@@ -10,13 +13,12 @@ namespace {
 class Completion final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.choice("SHELL", m_shell, {"bash", "zsh", "fish"}, "The shell").required();
+        arguments.choice("SHELL", m_shell, {"bash", "zsh", "fish"}, "the shell").required();
     }
-    void run(Context &context) override {
-        const auto write = m_shell == "bash"  ? &bashCompletion
-                           : m_shell == "zsh" ? &zshCompletion
-                                              : &fishCompletion;
-        Console::write(write(*context.app));
+    void run(Context &) override {
+        Console::write(m_shell == "bash"  ? BASH_COMPLETION
+                       : m_shell == "zsh" ? ZSH_COMPLETION
+                                          : FISH_COMPLETION);
     }
 
 private:
@@ -26,13 +28,13 @@ private:
 class Man final : public Command {
 public:
     void describe(Arguments &) override {}
-    void run(Context &context) override { Console::write(manPage(*context.app)); }
+    void run(Context &context) override { Console::write(manPage(context.app, context.table)); }
 };
 
 } // namespace
 
 const CommandEntry completionCommand = {
-    "completion", "Print a script that lets the shell complete commands and options", "",
+    "completion", N_("Print a script that completes commands, options and values in a shell"), "",
     "  source <(tembrakey completion bash)\n"
     "  source <(tembrakey completion zsh)\n"
     "  tembrakey completion fish | source\n"
@@ -40,7 +42,7 @@ const CommandEntry completionCommand = {
     "  tembrakey completion fish > ~/.config/fish/completions/tembrakey.fish",
     make<Completion>};
 
-const CommandEntry manCommand = {"man", "Print the manual page", "",
+const CommandEntry manCommand = {"man", N_("Print the manual page"), "",
                                  "  tembrakey man | man -l -\n"
                                  "  tembrakey man > tembrakey.1",
                                  make<Man>};
