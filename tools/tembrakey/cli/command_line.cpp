@@ -124,6 +124,8 @@ void CommandLine::run(std::vector<std::string> words) {
 } // namespace
 
 int runCommandLine(std::vector<std::string> arguments, Table table) {
+    if (arguments == std::vector<std::string>{DEVICES_WORD})
+        arguments = {"list", "--json"};
     const auto end = arguments.end();
     const Console console(std::find(arguments.begin(), end, "--json") != end);
     const auto first =

@@ -4,11 +4,15 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include "tembrakey/cli/command_tree.h"
 #include "tembrakey/io/console.h"
+#include "tembrakey/platform/child_process.h"
 
 namespace tembra::tool {
+
+const char *const DEVICES_WORD = "__devices";
 
 namespace {
 
@@ -24,6 +28,8 @@ struct Position {
     const CLI::Option *option = nullptr; // whose value is next
     std::size_t arguments = 0;           // positional ones so far
     bool optionsEnded = false;           // by --
+    std::string provider{};              // of --provider
+    std::string device{};                // of --device
 };
 
 const CLI::Option *findOption(const CLI::App *command, const std::string &name) {
@@ -34,8 +40,19 @@ const CLI::Option *findOption(const CLI::App *command, const std::string &name) 
 }
 
 void advance(Position &position, const std::string &word) {
+    const auto sign = word.find('=');
     if (position.option != nullptr) {
-        position.option = word == "=" ? position.option : nullptr; // bash splits --label=x
+        if (word == "=")
+            return; // bash splits --label=x
+        if (position.option->check_lname("provider"))
+            position.provider = word;
+        if (position.option->check_lname("device"))
+            position.device = word;
+        position.option = nullptr;
+    } else if (!position.optionsEnded && word.starts_with("--") && sign != word.npos) {
+        advance(position, word.substr(0, sign));
+        if (position.option != nullptr)
+            advance(position, word.substr(sign + 1));
     } else if (!position.optionsEnded && word.starts_with('-') && word.size() > 1) {
         position.optionsEnded = word == "--";
         const CLI::Option *option = findOption(position.command, word);
@@ -62,8 +79,45 @@ Candidates entryPoints() {
     };
 }
 
-Candidates values(const CLI::Option &option) {
+// Asks a child process what is connected, since a token or its library can hang.
+nlohmann::json connectedDevices(const Position &position) {
+    platform::setEnvironment("TEMBRA_KEY_PROV_LOG_LEVEL", "0");
+    if (!position.provider.empty())
+        platform::setEnvironment("TEMBRA_KEY_PROV", position.provider);
+    nlohmann::json devices = nlohmann::json::array();
+    platform::runSelf(DEVICES_WORD, 1, [&](std::string_view line) {
+        const auto listed = nlohmann::json::parse(line, nullptr, false);
+        if (listed.is_object())
+            devices = listed.value("devices", devices);
+    });
+    return devices;
+}
+
+Candidates serials(const Position &position) {
+    Candidates found;
+    for (const auto &device : connectedDevices(position))
+        found.push_back({device.value("serial", ""), device.value("label", "")});
+    return found;
+}
+
+Candidates labels(const Position &position) {
+    Candidates found;
+    for (const auto &device : connectedDevices(position)) {
+        const std::string serial = device.value("serial", "");
+        const std::string index = std::to_string(device.value("index", -1));
+        if (position.device.empty() || position.device == serial || position.device == index)
+            for (const auto &pair : device.value("keyPairs", nlohmann::json::array()))
+                found.push_back({pair.value("label", ""), serial});
+    }
+    return found;
+}
+
+Candidates values(const Position &position, const CLI::Option &option) {
     const std::string value = valueName(option);
+    if (value == "LABEL")
+        return labels(position);
+    if (value.ends_with("SERIAL"))
+        return serials(position);
     if (value == "FILE" || value == "OUT" || value == "PATH")
         return {{":files", ""}};
     if (value == "NAME,...")
@@ -85,7 +139,7 @@ Candidates nextWords(const Position &position) {
     std::size_t place = 0;
     for (const CLI::Option *option : listedOptions(*position.command))
         if (option->get_positional() && place++ == position.arguments)
-            return values(*option);
+            return values(position, *option);
     return next;
 }
 
@@ -120,7 +174,7 @@ void printCandidates(const CLI::App &app, std::vector<std::string> words) {
         kept = current.substr(0, sign + 1);
         position.option = findOption(position.command, current.substr(0, sign));
     }
-    const Candidates candidates = position.option != nullptr ? values(*position.option)
+    const Candidates candidates = position.option != nullptr ? values(position, *position.option)
                                   : isOption                 ? options(position.command)
                                                              : nextWords(position);
     if (position.option != nullptr && valueName(*position.option) == "NAME,...")

@@ -1,7 +1,6 @@
 #include "tembrakey/text/text.h"
 
 #include "CHINESE.h"
-#include "CHINESE_PAGE.h"
 #include "tembrakey/platform/process.h"
 #include "tembrakey/text/catalogue.h"
 #include "tembrakey/text/printable.h"
@@ -44,12 +43,6 @@ std::string tr(const char *english, std::initializer_list<std::string_view> valu
         }
     }
     return result;
-}
-
-void forEachPageText(const std::function<void(const char *, const char *)> &take) {
-    const Catalogue page(CHINESE_PAGE);
-    for (std::size_t i = 1; g_isChinese && i < page.size(); ++i) // 0 is the header
-        take(page.original(i), page.translation(i));
 }
 
 } // namespace tembra::tool

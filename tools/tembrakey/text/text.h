@@ -1,7 +1,6 @@
 // Texts for people: English in the source, Chinese from po/zh_CN.po.
 #pragma once
 
-#include <functional>
 #include <initializer_list>
 #include <string>
 #include <string_view>
@@ -21,8 +20,5 @@ const char *tr(const char *english);
 // A translated text with {1}, {2} ... replaced by the values, whose control characters are escaped:
 // they can come from tokens and certificates.
 std::string tr(const char *english, std::initializer_list<std::string_view> values);
-
-// Passes each text of the trace page with its translation to take; none if the language is English.
-void forEachPageText(const std::function<void(const char *, const char *)> &take);
 
 } // namespace tembra::tool
