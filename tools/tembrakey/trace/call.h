@@ -16,6 +16,7 @@ struct CallLine {
     std::string function;
     std::string message;     // masked, and cut when it is very long
     bool isOrdinary = false; // an error line that reports nothing wrong
+    bool isOpening = false;  // has the arguments of the call
 
     bool failed() const { return level == Level::error && !isOrdinary; }
 };
@@ -33,8 +34,7 @@ struct Call {
     bool refused = false;  // its PIN was probably refused
     std::uint64_t errors = 0;
     std::uint64_t warnings = 0;
-    std::uint64_t omitted = 0;          // lines and inner calls beyond what is kept
-    std::optional<std::size_t> opening; // index of the line with the arguments
+    std::uint64_t omitted = 0; // lines and inner calls beyond what is kept
     std::vector<CallLine> lines;
     std::vector<Call> calls; // inside this one, in the order of the log
 

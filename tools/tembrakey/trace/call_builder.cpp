@@ -140,20 +140,21 @@ bool CallBuilder::hasRoom(Thread &thread, std::size_t bytes, bool failed) {
 
 void CallBuilder::keep(Thread &thread, const Line &line, std::uint64_t number) {
     Call &call = thread.open.back();
-    CallLine kept = {number, line.time, line.level, std::string(line.function), {}, false};
+    CallLine kept = {number, line.time, line.level, std::string(line.function),
+                     shortened(line.message)};
     kept.isOrdinary = isOrdinary(line, call.entered ? call.name : std::string_view());
     call.errors += kept.failed() ? 1 : 0;
     call.warnings += line.level == Level::warning ? 1 : 0;
     call.refused |= m_refused.contains(number);
     call.lastLine = number;
     call.end = line.time;
-    kept.message = shortened(line.message);
     if (!call.lines.empty() && !hasRoom(thread, sizeof kept + kept.message.size(), kept.failed())) {
         ++call.omitted;
         return;
     }
-    if (!call.opening && line.function == call.name && line.level == Level::information)
-        call.opening = call.lines.size();
+    const auto isOpening = [](const CallLine &one) { return one.isOpening; };
+    kept.isOpening = line.function == call.name && line.level == Level::information &&
+                     std::none_of(call.lines.begin(), call.lines.end(), isOpening);
     call.lines.push_back(std::move(kept));
 }
 

@@ -15,16 +15,10 @@ constexpr SarCode SAR_CODES[] = {
 #undef TEMBRA_SAR_CODE
 };
 
-const SarCode *codeOf(std::uint32_t value) {
-    const auto *code = std::find_if(std::begin(SAR_CODES), std::end(SAR_CODES),
-                                    [&](const SarCode &one) { return one.value == value; });
-    return code == std::end(SAR_CODES) ? nullptr : code;
-}
-
-const SarCode *codeOf(std::string_view name) {
-    const auto *code = std::find_if(std::begin(SAR_CODES), std::end(SAR_CODES),
-                                    [&](const SarCode &one) { return one.name == name; });
-    return code == std::end(SAR_CODES) ? nullptr : code;
+template <typename Is>
+const SarCode *findCode(Is is) {
+    const auto *code = std::find_if(std::begin(SAR_CODES), std::end(SAR_CODES), is);
+    return code == std::end(SAR_CODES) || code->value == 0 ? nullptr : code;
 }
 
 } // namespace
@@ -49,16 +43,14 @@ const SarCode *findSarCode(std::string_view message) {
         const std::string_view digits = message.substr(found + 2, DIGITS);
         const auto parsed =
             std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
-        if (parsed.ptr == digits.data() + DIGITS && value != 0)
-            if (const SarCode *code = codeOf(value))
-                return code;
+        if (parsed.ptr != digits.data() + DIGITS)
+            continue;
+        if (const auto *code = findCode([&](const SarCode &one) { return one.value == value; }))
+            return code;
     }
-    const std::size_t name = message.find("SAR_");
-    if (name == message.npos)
-        return nullptr;
-    const std::size_t end = message.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ_", name);
-    const SarCode *code = codeOf(message.substr(name, end - name));
-    return code && code->value != 0 ? code : nullptr;
+    const std::string_view name = message.substr(std::min(message.find("SAR_"), message.size()));
+    const std::size_t end = name.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ_");
+    return findCode([&](const SarCode &one) { return one.name == name.substr(0, end); });
 }
 
 std::string explained(std::string_view message, Translate tr) {

@@ -24,21 +24,7 @@ bool Filter::wants(std::int64_t thread, const std::string &entryPoint) const {
 bool Filter::keepLevels(Call &call) const {
     if (level == Level::verbose)
         return true;
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < call.lines.size(); ++i) {
-        const bool isOpening = call.opening == i;
-        if (call.lines[i].level > level) {
-            if (isOpening)
-                call.opening.reset();
-            continue;
-        }
-        if (isOpening)
-            call.opening = kept;
-        if (kept != i)
-            call.lines[kept] = std::move(call.lines[i]);
-        ++kept;
-    }
-    call.lines.resize(kept);
+    std::erase_if(call.lines, [this](const CallLine &line) { return line.level > level; });
     std::erase_if(call.calls, [this](Call &inner) { return !keepLevels(inner); });
     return level == Level::debug || !call.lines.empty() || !call.calls.empty();
 }

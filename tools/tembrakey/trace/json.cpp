@@ -12,10 +12,10 @@ Json secondsOf(std::optional<std::chrono::seconds> seconds) {
 
 Json argumentsOf(const Call &call) {
     Json arguments = Json::object();
-    if (call.opening)
-        for (const auto &[name, value] :
-             readArguments(call.name, call.lines[*call.opening].message))
-            arguments[std::string(name)] = value;
+    for (const CallLine &line : call.lines)
+        if (line.isOpening)
+            for (const auto &[name, value] : readArguments(call.name, line.message))
+                arguments[std::string(name)] = value;
     return arguments;
 }
 

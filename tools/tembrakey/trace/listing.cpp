@@ -121,13 +121,10 @@ void Listing::append(std::string &text, const Call &call, std::size_t depth) con
         return;
     const std::string indent(22 + 2 * depth, ' ');
     auto inner = call.calls.begin();
-    for (std::size_t i = 0; i < call.lines.size(); ++i) {
-        for (; inner != call.calls.end() && inner->firstLine < call.lines[i].number; ++inner)
+    for (const CallLine &line : call.lines) {
+        for (; inner != call.calls.end() && inner->firstLine < line.number; ++inner)
             append(text, *inner, depth + 1);
-        text +=
-            indent +
-            (call.opening == i ? printable(call.lines[i].message) : lineText(call, call.lines[i])) +
-            "\n";
+        text += indent + (line.isOpening ? printable(line.message) : lineText(call, line)) + "\n";
     }
     for (; inner != call.calls.end(); ++inner)
         append(text, *inner, depth + 1);

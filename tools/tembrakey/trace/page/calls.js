@@ -95,10 +95,10 @@ function setFilter({ q = "", thread = "", entry = "", failed = "" }) {
   rows.length = builtRows = 0;
   byId("list").replaceChildren();
   buildMore();
-  for (const hit of hits.slice(0, 200)) {
-    const isHidden = !words.every((word) => (call => call.entryPoint + previewOf(call) + call.thread)(hit).toLowerCase().includes(word));
-    if (isFiltered && isHidden) unfold(hit);
-    else if (isFiltered && hit.around) unfold(hit.around);
+  for (const hit of isFiltered ? hits.slice(0, 200) : []) {
+    const head = [hit.entryPoint, hit.thread, previewOf(hit)].join("\n").toLowerCase();
+    if (!words.every((word) => head.includes(word))) unfold(hit);
+    else if (hit.around) unfold(hit.around);
   }
   byId("count").textContent = isFiltered
     ? t("{1} of {2} calls", grouped(hits.length), grouped(calls.length)) : t("{1} calls", grouped(calls.length));
