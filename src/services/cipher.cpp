@@ -78,7 +78,7 @@ int transformPiece(const CipherContext *hCipher, const unsigned char *in, ULONG 
         rv = SKF_DecryptInit(hCipher->m_handle, param);
         if (rv != SAR_OK)
             return TEMBRA_FAILURE; // no line, unlike for encryption: part of the trace's
-                                      // contract
+                                   // contract
         rv = SKF_Decrypt(hCipher->m_handle, skfInput(in), piece, out, &partOutLen);
         if (rv != SAR_OK)
             return failedCall("SKF_Decrypt", rv, function);

@@ -53,9 +53,9 @@ void Caps::work(const Console &console, const Device &device) {
     Json rows = Json::array();
     std::string text;
     for (const Question &one : QUESTIONS) {
-        const bool yes = device.session()->DeviceIsSupportedAlgorithm2(
-                             device.get(), one.algorithmId, one.bits, one.usageId, one.param) ==
-                         TEMBRA_SUCCESS;
+        const bool yes =
+            device.session()->DeviceIsSupportedAlgorithm2(device.get(), one.algorithmId, one.bits,
+                                                          one.usageId, one.param) == TEMBRA_SUCCESS;
         rows.push_back({{"algorithm", one.algorithm}, {"usage", one.usage}, {"supported", yes}});
         char line[64];
         std::snprintf(line, sizeof line, "%-16s ", one.algorithm);

@@ -35,7 +35,7 @@ class DataCreate final : public DataCommand {
         const char mode[] = {3, rights(m_anyone), rights(m_user)};
         check("DeviceCreateData",
               device.session()->DeviceCreateData(device.get(), m_id, mode, m_size),
-              {ORVEL_PKI_FAILURE, tr("the token may be full or without application")});
+              {TEMBRA_FAILURE, tr("the token may be full or without application")});
         console.result({{"id", m_id}, {"size", m_size}},
                        tr("Data object {1} created, {2} bytes",
                           {std::to_string(m_id), std::to_string(m_size)}));
@@ -76,7 +76,7 @@ crypto::SecretBytes DataRead::read(const Device &device) const {
         check("DeviceReadDataEx",
               device.session()->DeviceReadDataEx(device.get(), m_id, m_offset, data, capacity,
                                                  length),
-              {ORVEL_PKI_BADARGUMENT, tr("the offset is beyond the object's end")});
+              {TEMBRA_BAD_ARGUMENT, tr("the offset is beyond the object's end")});
     };
     int length = 0;
     call(nullptr, 0, &length);
@@ -114,7 +114,7 @@ class DataWrite final : public DataCommand {
         check(
             "DeviceWriteDataEx",
             device.session()->DeviceWriteDataEx(device.get(), m_id, m_offset, m_data.data(), size),
-            {ORVEL_PKI_BADARGUMENT,
+            {TEMBRA_BAD_ARGUMENT,
              tr("there must be something to write, and it must fit in the object's size")});
         console.result({{"id", m_id}, {"offset", m_offset}, {"bytes", size}},
                        tr("{1} bytes written to data object {2}",

@@ -74,7 +74,7 @@ crypto::SecretBytes Decrypt::withPrivateKey(const Device &device) const {
                                                     rsa ? nullptr : &hashAlgorithm, cipher.data(),
                                                     static_cast<int>(cipher.size()), clear.data(),
                                                     static_cast<int>(clear.size()), &length),
-          {ORVEL_PKI_FAILURE, tr("the file is not a ciphertext for this key")});
+          {TEMBRA_FAILURE, tr("the file is not a ciphertext for this key")});
     clear.resize(static_cast<std::size_t>(length));
     return clear;
 }

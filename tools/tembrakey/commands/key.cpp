@@ -47,9 +47,9 @@ void KeyGenerate::work(const Console &console, const Device &device) {
           device.session()->DeviceGenerateKeypair(
               device.get(), rsa ? ORVEL_PKI_ALGORITHM_RSA : ORVEL_PKI_ALGORITHM_ECC, m_bits,
               rsa ? nullptr : &curve, ORVEL_PKI_KEYPAIRTYPE_SIGNATURE, m_label.c_str(), &handle),
-          {ORVEL_PKI_FAILURE, tr(m_label.size() > LONGEST_LABEL
-                                     ? "the label is longer than 63 bytes"
-                                     : "the token may be full, or does not make such keys")});
+          {TEMBRA_FAILURE, tr(m_label.size() > LONGEST_LABEL
+                                  ? "the label is longer than 63 bytes"
+                                  : "the token may be full, or does not make such keys")});
     const KeyPair pair(device.session(), handle);
     console.result(
         {{"label", m_label}, {"type", "sign"}, {"algorithm", m_algorithm}, {"bits", m_bits}},
@@ -83,7 +83,7 @@ void KeyDelete::work(const Console &console, const Device &device) {
     SPI_KEYPAIR_HANDLE handle = nullptr;
     const bool hasEncryptionPair =
         session->DeviceFindKeypair(device.get(), ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, m_label.c_str(),
-                                   &handle) == ORVEL_PKI_SUCCESS;
+                                   &handle) == TEMBRA_SUCCESS;
     const KeyPair pair =
         hasEncryptionPair ? KeyPair(session, handle) : chooseKeyPair(device, {m_label, "sign"});
     m_login.logIn(device);

@@ -51,7 +51,7 @@ void KeyImport::work(const Console &console, const Device &device) {
     check("DeviceImportKeypair",
           session->DeviceImportKeypair(device.get(), m_blob.data(), static_cast<int>(m_blob.size()),
                                        ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, m_label.c_str(), &handle),
-          {ORVEL_PKI_FAILURE,
+          {TEMBRA_FAILURE,
            tr("the key pair may be for another container or of another algorithm than this one")});
     const KeyPair pair(session, handle);
     const int bits = session->DeviceGetKeypairBits(pair.get());

@@ -119,7 +119,7 @@ private:
         int left = 0;
         check("DeviceGetPwdRetryNum",
               device.session()->DeviceGetPwdRetryNum(device.get(), type, &left),
-              {ORVEL_PKI_FAILURE, tr("the token has no application: create one")});
+              {TEMBRA_FAILURE, tr("the token has no application: create one")});
         return left;
     }
 };

@@ -35,39 +35,6 @@ std::vector<std::string> split(const std::string &list) {
     return parts;
 }
 
-// Passes on what the filter selects, and collects the failures in it.
-class Funnel final : public trace::Sink {
-public:
-    using TakeCall = std::function<void(trace::Call &&)>;
-    using TakeForeign = std::function<void(std::uint64_t, std::string_view)>;
-
-    Funnel(const trace::Filter &filter, TakeCall takeCall, TakeForeign takeForeignLine)
-        : m_filter(filter), m_takeCall(std::move(takeCall)),
-          m_takeForeign(std::move(takeForeignLine)) {}
-
-    void take(trace::Call &&call) override {
-        m_filter.pass(std::move(call), [this](trace::Call &&passed) {
-            m_failures.add(passed);
-            m_takeCall(std::move(passed));
-        });
-    }
-    void takeForeign(std::uint64_t number, std::string_view text) override {
-        if (m_filter.isEmpty())
-            m_takeForeign(number, text);
-    }
-    void takeRefusal(const trace::RefusedPin &pin) override {
-        if (m_filter.wants(pin.thread, pin.entryPoint))
-            m_failures.add(pin);
-    }
-    const trace::Failures &failures() const { return m_failures; }
-
-private:
-    const trace::Filter &m_filter;
-    TakeCall m_takeCall;
-    TakeForeign m_takeForeign;
-    trace::Failures m_failures;
-};
-
 class Trace final : public Command {
 public:
     void describe(Arguments &arguments) override;
@@ -75,8 +42,7 @@ public:
 
 private:
     trace::Filter filter() const;
-    trace::Summary read(trace::Mask mask, Funnel &funnel, const std::string &progress,
-                        const std::set<std::uint64_t> &refused = {}) const;
+    void read(trace::TraceReader &reader, const std::string &progress) const;
     void redact(const Console &console) const;
     void writePage(const Console &console, const trace::Filter &wanted) const;
     void printJson(const trace::Filter &wanted) const;
@@ -127,13 +93,10 @@ trace::Filter Trace::filter() const {
     return wanted;
 }
 
-trace::Summary Trace::read(trace::Mask mask, Funnel &funnel, const std::string &progress,
-                           const std::set<std::uint64_t> &refused) const {
-    trace::TraceReader reader(mask, funnel, refused);
+void Trace::read(trace::TraceReader &reader, const std::string &progress) const {
     forEachPiece(m_file, progress,
                  [&](crypto::ByteView piece) { reader.feed(crypto::asText(piece)); });
     reader.finish();
-    return reader.summary();
 }
 
 void Trace::redact(const Console &console) const {
@@ -157,18 +120,18 @@ void Trace::redact(const Console &console) const {
 
 void Trace::writePage(const Console &console, const trace::Filter &wanted) const {
     trace::PageContent content(static_cast<std::size_t>(m_limit));
-    Funnel funnel(
-        wanted, [&](trace::Call &&call) { content.add(std::move(call)); },
+    trace::TraceReader reader(
+        trace::Mask::pinsAndData, wanted, [&](trace::Call &&call) { content.add(std::move(call)); },
         [&](std::uint64_t line, std::string_view text) { content.addForeign(line, text); });
-    const trace::Summary summary = read(trace::Mask::pinsAndData, funnel, tr("Reading"));
+    read(reader, tr("Reading"));
     OutputFile file(m_page);
     const auto slash = m_file.find_last_of("/\\");
     const std::string name = slash == m_file.npos ? m_file : m_file.substr(slash + 1);
     content.write([&](std::string_view text) { file.write(crypto::asBytes(text)); }, name,
-                  !wanted.isEmpty(), summary, funnel.failures(), &translated);
+                  !wanted.isEmpty(), reader.summary(), reader.failures(), &translated);
     file.commit();
     if (m_page != "-")
-        console.result({{"page", m_page}, {"calls", summary.calls}},
+        console.result({{"page", m_page}, {"calls", reader.summary().calls}},
                        tr("{1} written; open it in a browser", {m_page}));
 }
 
@@ -177,30 +140,32 @@ void Trace::printJson(const trace::Filter &wanted) const {
     const auto print = [](const trace::Json &json) {
         Console::write(trace::jsonText(json) + "\n");
     };
-    Funnel funnel(
-        wanted, [&](trace::Call &&call) { print(trace::toJson(call, &inEnglish)); },
+    trace::TraceReader reader(
+        trace::Mask::pins, wanted,
+        [&](trace::Call &&call) { print(trace::toJson(call, &inEnglish)); },
         [&](std::uint64_t number, std::string_view text) {
             print({{"kind", "foreign"}, {"line", number}, {"text", text}});
         });
-    const trace::Summary summary = read(trace::Mask::pins, funnel, tr("Reading"));
-    print(trace::toJson(summary, funnel.failures(), &inEnglish));
+    read(reader, tr("Reading"));
+    print(trace::toJson(reader.summary(), reader.failures(), &inEnglish));
 }
 
 // Reads the log twice: what failed comes first.
 void Trace::printText(const trace::Filter &wanted) const {
-    Funnel first(
-        wanted, [](trace::Call &&) {}, [](std::uint64_t, std::string_view) {});
-    const trace::Summary summary = read(trace::Mask::pins, first, tr("Looking for failures"));
-    Console::write(trace::summaryText(summary, &translated) + "\n" +
+    trace::TraceReader first(
+        trace::Mask::pins, wanted, [](trace::Call &&) {}, [](std::uint64_t, std::string_view) {});
+    read(first, tr("Looking for failures"));
+    Console::write(trace::summaryText(first.summary(), &translated) + "\n" +
                    trace::failuresText(first.failures(), &translated) + "\n" +
                    tr(m_errorsOnly ? "These calls in full" : "All calls") + "\n");
     trace::Listing listing(&translated);
-    Funnel second(
-        wanted, [&](trace::Call &&call) { Console::write(listing.whole(call)); },
+    trace::TraceReader second(
+        trace::Mask::pins, wanted, [&](trace::Call &&call) { Console::write(listing.whole(call)); },
         [&](std::uint64_t line, std::string_view text) {
             Console::write(listing.foreign(line, text));
-        });
-    read(trace::Mask::pins, second, tr("Reading"), summary.refusedPins);
+        },
+        first.summary().refusedPins);
+    read(second, tr("Reading"));
 }
 
 void Trace::run(Context &context) {
