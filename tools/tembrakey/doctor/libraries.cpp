@@ -33,22 +33,22 @@ const char *const HOST_FUNCTIONS[] = {
 };
 #undef TEMBRA_IMPORT
 
-struct Subject {
+struct LibraryKind {
     const char *name; // English
     std::span<const char *const> functions;
     const char *kitFunction; // only the development kit's library has it; may be null
     const char *lacksAdvice; // English
 };
 
-const Subject PROVIDER_SUBJECT = {
+const LibraryKind PROVIDER_KIND = {
     "provider", ENTRY_POINTS, nullptr,
     "this is another library, or of another version: install the provider again"};
 
-const Subject TOKEN_SUBJECT = {
+const LibraryKind TOKEN_KIND = {
     "token library", TOKEN_FUNCTIONS, "TembraSoftTokenCreate",
     "ask the token's vendor for a library with these functions (GM/T 0016)"};
 
-const Subject HOST_SUBJECT = {
+const LibraryKind HOST_KIND = {
     "host library", HOST_FUNCTIONS, "TembraHostKitSetFaults",
     "install the host framework in the version that the provider is made for"};
 
@@ -130,7 +130,8 @@ std::string loadFailure(const std::string &path, const std::string &reason) {
 }
 
 // Reports on a library that could be loaded; true when it has every function.
-bool reportLoaded(Report &report, const Subject &subject, const platform::DynamicLibrary &library) {
+bool reportLoaded(Report &report, const LibraryKind &subject,
+                  const platform::DynamicLibrary &library) {
     const std::string path = library.path();
     const auto missing = missingFunctions(library, subject.functions);
     const std::string all = std::to_string(subject.functions.size());
@@ -154,7 +155,7 @@ bool reportLoaded(Report &report, const Subject &subject, const platform::Dynami
 
 // Finds a library below the provider: the one that came with it or, when the provider is not
 // loaded, the one that it would have found.
-bool examineBelow(Report &report, const Checkpoint &reached, const Subject &subject,
+bool examineBelow(Report &report, const Checkpoint &reached, const LibraryKind &subject,
                   const std::string &name, const std::string &providerFolder, bool providerLoaded,
                   platform::DynamicLibrary &library) {
     const std::string file = platform::libraryFileName(name);
@@ -191,7 +192,7 @@ std::string examineProvider(Report &report, const Checkpoint &reached, Libraries
     reached(*found, "loading");
     const std::string reason = libraries.provider.open(*found);
     if (reason.empty())
-        libraries.providerWorks = reportLoaded(report, PROVIDER_SUBJECT, libraries.provider);
+        libraries.providerWorks = reportLoaded(report, PROVIDER_KIND, libraries.provider);
     else
         report.fail(Section::libraries, tr("provider"),
                     tr("{1} cannot be loaded: {2}", {*found, loadFailure(*found, reason)}),
@@ -207,9 +208,9 @@ void examineLibraries(Report &report, const Checkpoint &reached, bool apart, Lib
     const std::string folder = folderOf(path);
     const bool isLoaded = libraries.provider.isOpen();
     libraries.tokenWorks =
-        examineBelow(report, reached, TOKEN_SUBJECT, "QXSKFAPI", folder, isLoaded, libraries.token);
-    libraries.providerWorks &= examineBelow(report, reached, HOST_SUBJECT, "ORVEL_CRYPTO", folder,
-                                            isLoaded, libraries.host);
+        examineBelow(report, reached, TOKEN_KIND, "QXSKFAPI", folder, isLoaded, libraries.token);
+    libraries.providerWorks &=
+        examineBelow(report, reached, HOST_KIND, "ORVEL_CRYPTO", folder, isLoaded, libraries.host);
 }
 
 } // namespace tembra::tool::doctor
