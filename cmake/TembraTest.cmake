@@ -29,6 +29,7 @@ set(TEMBRA_TEST_ENVIRONMENT
   TEMBRA_KEY_PROV_REGISTRY=${TEMBRA_TEST_TMP_DIR}/none.reg
   TEMBRA_BIN_DIR=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
   ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1:strict_string_checks=1:intercept_tls_get_addr=0
+  LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/leak_suppressions.txt:print_suppressions=0
   UBSAN_OPTIONS=print_stacktrace=1
   TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1)
 if(WIN32)

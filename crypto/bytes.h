@@ -1,4 +1,4 @@
-// The byte sequences that travel through the kit.
+// Byte sequences.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace tembra::crypto {
 using Bytes = std::vector<std::uint8_t>;
 using ByteView = std::span<const std::uint8_t>;
 
-// Text as bytes, and bytes as text; neither owns anything.
+// Views of text as bytes and of bytes as text.
 inline ByteView asBytes(std::string_view text) {
     return {reinterpret_cast<const std::uint8_t *>(text.data()), text.size()};
 }
@@ -19,7 +19,7 @@ inline std::string_view asText(ByteView bytes) {
     return {reinterpret_cast<const char *>(bytes.data()), bytes.size()};
 }
 
-// The bytes without their leading zeros; empty when all are zero.
+// The bytes without leading zeros; empty if all are zero.
 inline ByteView withoutLeadingZeros(ByteView bytes) {
     while (!bytes.empty() && bytes.front() == 0)
         bytes = bytes.subspan(1);

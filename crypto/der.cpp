@@ -11,7 +11,7 @@ struct Header {
     std::size_t length; // of the content
 };
 
-// Reads a header whose tag is known; the content may still reach beyond the end.
+// Reads tag and length. The content may reach beyond the end.
 std::optional<Header> readHeader(ByteView bytes) {
     if (bytes.size() < 2)
         return std::nullopt;
@@ -36,15 +36,22 @@ bool isMinimalUnsigned(ByteView integer) {
 
 } // namespace
 
-std::optional<ByteView> DerReader::element(std::uint8_t tag) {
+template <typename Accept>
+std::optional<ByteView> DerReader::take(std::uint8_t tag, Accept accept) {
     if (!nextIs(tag))
         return std::nullopt;
     const auto header = readHeader(m_rest);
     if (!header || header->length > m_rest.size() - header->size)
         return std::nullopt;
     const ByteView content = m_rest.subspan(header->size, header->length);
+    if (!accept(content))
+        return std::nullopt;
     m_rest = m_rest.subspan(header->size + header->length);
     return content;
+}
+
+std::optional<ByteView> DerReader::element(std::uint8_t tag) {
+    return take(tag, [](ByteView) { return true; });
 }
 
 std::optional<DerReader> DerReader::nested(std::uint8_t tag) {
@@ -53,48 +60,32 @@ std::optional<DerReader> DerReader::nested(std::uint8_t tag) {
 }
 
 std::optional<ByteView> DerReader::unsignedInteger() {
-    DerReader ahead = *this;
-    const auto content = ahead.element(der::INTEGER);
-    if (!content || !isMinimalUnsigned(*content))
-        return std::nullopt;
-    *this = ahead;
-    return content->size() > 1 && content->front() == 0 ? content->subspan(1) : *content;
+    const auto content = take(der::INTEGER, isMinimalUnsigned);
+    return content && content->size() > 1 && content->front() == 0 ? content->subspan(1) : content;
 }
 
 bool DerReader::smallInteger(std::uint8_t value) {
-    DerReader ahead = *this;
-    const auto number = ahead.unsignedInteger();
-    if (!number || number->size() != 1 || number->front() != value)
-        return false;
-    *this = ahead;
-    return true;
+    const auto isValue = [&](ByteView content) {
+        return content.size() == 1 && content[0] == value;
+    };
+    return take(der::INTEGER, isValue).has_value();
 }
 
 std::optional<ByteView> DerReader::bitString() {
-    DerReader ahead = *this;
-    const auto content = ahead.element(der::BIT_STRING);
-    if (!content || content->empty() || content->front() != 0)
-        return std::nullopt;
-    *this = ahead;
-    return content->subspan(1);
+    const auto hasNoUnusedBits = [](ByteView content) {
+        return !content.empty() && content.front() == 0;
+    };
+    const auto content = take(der::BIT_STRING, hasNoUnusedBits);
+    return content ? content->subspan(1) : content;
 }
 
 bool DerReader::oid(ByteView expected) {
-    DerReader ahead = *this;
-    const auto content = ahead.oid();
-    if (!content || !std::ranges::equal(*content, expected))
-        return false;
-    *this = ahead;
-    return true;
+    const auto isExpected = [&](ByteView content) { return std::ranges::equal(content, expected); };
+    return take(der::OID, isExpected).has_value();
 }
 
 bool DerReader::null() {
-    DerReader ahead = *this;
-    const auto content = ahead.element(der::null);
-    if (!content || !content->empty())
-        return false;
-    *this = ahead;
-    return true;
+    return take(der::NULL_VALUE, [](ByteView content) { return content.empty(); }).has_value();
 }
 
 DerWriter &DerWriter::element(std::uint8_t tag, ByteView content) {

@@ -1,4 +1,4 @@
-// As much of DER (X.690) as keys, signatures and ciphertexts need, read strictly.
+// The part of DER (X.690) that keys, signatures and ciphertexts need, read strictly.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +14,7 @@ namespace der {
 constexpr std::uint8_t INTEGER = 0x02;
 constexpr std::uint8_t BIT_STRING = 0x03;
 constexpr std::uint8_t OCTET_STRING = 0x04;
-constexpr std::uint8_t null = 0x05;
+constexpr std::uint8_t NULL_VALUE = 0x05;
 constexpr std::uint8_t OID = 0x06;
 constexpr std::uint8_t SEQUENCE = 0x30;
 constexpr std::uint8_t explicitTag(unsigned number) {
@@ -22,9 +22,9 @@ constexpr std::uint8_t explicitTag(unsigned number) {
 }
 } // namespace der
 
-// A cursor that only shrinks over bytes that must outlive it. A read either takes one whole element
-// of the expected kind off the front, or answers empty and leaves the cursor where it was.
-// Lengths that are not minimal or reach beyond the end, and indefinite lengths, are refused.
+// A shrinking cursor over bytes that must outlive it. A read takes one whole element of the
+// expected kind off the front, or returns empty (or false) and takes nothing. Lengths that are
+// indefinite, not minimal or beyond the end are refused.
 class DerReader {
 public:
     explicit DerReader(ByteView bytes) : m_rest(bytes) {}
@@ -34,29 +34,29 @@ public:
 
     // The content of an element with this one-byte tag.
     std::optional<ByteView> element(std::uint8_t tag);
-    // The inside of a SEQUENCE or an explicit tag.
+    // The content of a SEQUENCE or an explicit tag.
     std::optional<DerReader> sequence() { return nested(der::SEQUENCE); }
     std::optional<DerReader> nested(std::uint8_t tag);
 
-    // A non-negative, minimally encoded INTEGER without its sign byte; zero comes out as one zero
-    // byte.
+    // A non-negative INTEGER without its sign byte; zero is one zero byte.
     std::optional<ByteView> unsignedInteger();
-    // True when the next element is this small INTEGER, which is then taken.
-    bool smallInteger(std::uint8_t value);
+    bool smallInteger(std::uint8_t value); // exactly this value, below 128
     // A BIT STRING of whole bytes.
     std::optional<ByteView> bitString();
     std::optional<ByteView> octetString() { return element(der::OCTET_STRING); }
     std::optional<ByteView> oid() { return element(der::OID); }
-    // True when the next element is this OBJECT IDENTIFIER (encoded content), which is then taken.
-    bool oid(ByteView expected);
+    bool oid(ByteView expected); // exactly this OBJECT IDENTIFIER, given as encoded content
     bool null();
 
 private:
+    template <typename Accept>
+    std::optional<ByteView> take(std::uint8_t tag, Accept accept);
+
     ByteView m_rest;
 };
 
-// Writes elements one after another; a constructed one takes the finished inner writer. The buffer
-// wipes itself, for private keys pass through here.
+// Appends elements; a constructed one takes its finished content from another writer. The buffer
+// wipes itself because it may hold private keys.
 class DerWriter {
 public:
     DerWriter &element(std::uint8_t tag, ByteView content);
@@ -65,12 +65,12 @@ public:
     }
     DerWriter &sequence(const DerWriter &inner) { return nested(der::SEQUENCE, inner); }
 
-    // The big-endian number, minimally encoded whatever zeros it leads with; empty means 0.
+    // A big-endian number; leading zeros are dropped, and empty means 0.
     DerWriter &unsignedInteger(ByteView number);
     DerWriter &bitString(ByteView wholeBytes);
     DerWriter &octetString(ByteView content) { return element(der::OCTET_STRING, content); }
     DerWriter &oid(ByteView content) { return element(der::OID, content); }
-    DerWriter &null() { return element(der::null, {}); }
+    DerWriter &null() { return element(der::NULL_VALUE, {}); }
 
     const SecretBytes &secretBytes() const { return m_out; }
     Bytes bytes() const { return {m_out.begin(), m_out.end()}; }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <stdexcept>
-#include <utility>
 
 #include "gcrypt_handles.h"
 
@@ -19,56 +18,43 @@ int gcryptNumber(DigestAlgorithm algorithm) {
     return GCRY_MD_NONE;
 }
 
-gcry_md_hd_t handleOf(void *handle) {
-    return static_cast<gcry_md_hd_t>(handle);
-}
-
-gcry_md_hd_t copyOf(void *handle) {
-    gcry_md_hd_t copy = nullptr;
-    check(gcry_md_copy(&copy, handleOf(handle)), "copy of a hash");
-    return copy;
-}
-
 } // namespace
 
-Digest::Digest(DigestAlgorithm algorithm) : m_handle(nullptr) {
+void Digest::Closer::operator()(gcry_md_handle *handle) const noexcept {
+    gcry_md_close(handle);
+}
+
+Digest::Digest(DigestAlgorithm algorithm) {
     initialiseGcrypt();
     gcry_md_hd_t handle = nullptr;
-    // Secure memory, because PINs and plaintext pass through hashes as well.
+    // Secure memory, because PINs and plaintext are hashed as well.
     check(gcry_md_open(&handle, gcryptNumber(algorithm), GCRY_MD_FLAG_SECURE), "hash");
-    m_handle = handle;
+    m_handle.reset(handle);
 }
 
-Digest::Digest(const Digest &other) : m_handle(copyOf(other.m_handle)) {}
-
-Digest::Digest(Digest &&other) noexcept : m_handle(std::exchange(other.m_handle, nullptr)) {}
-
-Digest &Digest::operator=(Digest other) noexcept {
-    std::swap(m_handle, other.m_handle);
-    return *this;
-}
-
-Digest::~Digest() {
-    gcry_md_close(handleOf(m_handle)); // which takes null
+Digest::Digest(const Digest &other) {
+    gcry_md_hd_t handle = nullptr;
+    check(gcry_md_copy(&handle, other.m_handle.get()), "copy of a hash");
+    m_handle.reset(handle);
 }
 
 void Digest::update(ByteView data) {
-    gcry_md_write(handleOf(m_handle), data.data(), data.size());
+    gcry_md_write(m_handle.get(), data.data(), data.size());
 }
 
 Bytes Digest::value() const {
-    Bytes out(gcry_md_get_algo_dlen(gcry_md_get_algo(handleOf(m_handle))));
+    Bytes out(gcry_md_get_algo_dlen(gcry_md_get_algo(m_handle.get())));
     value(out);
     return out;
 }
 
 void Digest::value(std::span<std::uint8_t> out) const {
     const Digest finished(*this); // reading a hash ends it
-    const int algorithm = gcry_md_get_algo(handleOf(finished.m_handle));
-    const auto *bytes = gcry_md_read(handleOf(finished.m_handle), algorithm);
-    const ByteView hash(bytes, gcry_md_get_algo_dlen(algorithm));
+    const int algorithm = gcry_md_get_algo(finished.m_handle.get());
+    const ByteView hash(gcry_md_read(finished.m_handle.get(), algorithm),
+                        gcry_md_get_algo_dlen(algorithm));
     if (hash.size() != out.size())
-        throw std::length_error("hash and buffer differ in length");
+        throw std::runtime_error("hash and buffer differ in length");
     std::ranges::copy(hash, out.begin());
 }
 

@@ -4,9 +4,12 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 
 #include "bytes.h"
+
+struct gcry_md_handle; // libgcrypt's
 
 namespace tembra::crypto {
 
@@ -15,27 +18,25 @@ enum class DigestAlgorithm { sm3, sha1, sha256 };
 constexpr std::size_t SM3_SIZE = 32;
 using Sm3Digest = std::array<std::uint8_t, SM3_SIZE>;
 
-// A running hash. Copies carry the state on independently. Not for use by two threads at once.
+// A running hash. A copy continues independently. Not for use by two threads at once.
 class Digest {
 public:
     explicit Digest(DigestAlgorithm algorithm);
     Digest(const Digest &other);
-    Digest(Digest &&other) noexcept;
-    Digest &operator=(Digest other) noexcept;
-    ~Digest();
 
     void update(ByteView data);
-    // The hash of everything so far: 32 bytes (SM3, SHA-256) or 20 (SHA-1). The state is left as it
-    // is, so more data can follow.
+    // The hash of the data so far: 32 bytes (SM3, SHA-256) or 20 (SHA-1). More data may follow.
     Bytes value() const;
     // The same into a buffer of exactly that length.
     void value(std::span<std::uint8_t> out) const;
 
 private:
-    void *m_handle; // gcry_md_hd_t, kept out of this header
+    struct Closer {
+        void operator()(gcry_md_handle *handle) const noexcept;
+    };
+    std::unique_ptr<gcry_md_handle, Closer> m_handle;
 };
 
-// The whole hash in one call.
 Bytes digestOf(DigestAlgorithm algorithm, ByteView data);
 Sm3Digest sm3(ByteView data);
 

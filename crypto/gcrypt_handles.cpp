@@ -1,9 +1,10 @@
 #include "gcrypt_handles.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 
-#include "random_source.h"
+#include "random.h"
 
 namespace tembra::crypto {
 
@@ -17,8 +18,8 @@ bool initialise() {
     chooseRandomSource();
     if (gcry_check_version("1.9.0") == nullptr) // the first with SM2
         throw std::runtime_error("libgcrypt is older than 1.9.0");
-    // Where memory cannot be locked it is still wiped; a library has no business to write about
-    // that to its host's standard error.
+    // Memory that cannot be locked is still wiped; that is not worth a warning on the host's
+    // standard error.
     gcry_control(GCRYCTL_DISABLE_SECMEM_WARN);
     gcry_control(GCRYCTL_AUTO_EXPAND_SECMEM, SECURE_MEMORY_SIZE);
     gcry_control(GCRYCTL_INIT_SECMEM, SECURE_MEMORY_SIZE, 0);
@@ -37,7 +38,18 @@ void check(gcry_error_t error, const char *what) {
         throw std::runtime_error(std::string(what) + ": " + gcry_strerror(error));
 }
 
+SecureMemory secureCopy(ByteView bytes) {
+    initialiseGcrypt();
+    // One more byte, because an empty allocation may be null.
+    SecureMemory copy(static_cast<std::uint8_t *>(gcry_malloc_secure(bytes.size() + 1)));
+    if (!copy)
+        throw std::bad_alloc();
+    std::ranges::copy(bytes, copy.get());
+    return copy;
+}
+
 Mpi mpiFrom(ByteView bigEndian) {
+    initialiseGcrypt();
     gcry_mpi_t number = nullptr;
     check(gcry_mpi_scan(&number, GCRYMPI_FMT_USG, bigEndian.data(), bigEndian.size(), nullptr),
           "number");
@@ -45,27 +57,28 @@ Mpi mpiFrom(ByteView bigEndian) {
 }
 
 Mpi secretMpiFrom(ByteView bigEndian) {
-    // A number is secret when it is read from secure memory.
-    std::unique_ptr<void, Releaser<gcry_free>> copy(gcry_malloc_secure(bigEndian.size() + 1));
-    if (!copy)
-        throw std::bad_alloc();
-    auto *bytes = static_cast<std::uint8_t *>(copy.get());
-    std::copy(bigEndian.begin(), bigEndian.end(), bytes);
-    return mpiFrom({bytes, bigEndian.size()});
+    // libgcrypt makes a number secret if it is read from secure memory.
+    const SecureMemory copy = secureCopy(bigEndian);
+    return mpiFrom({copy.get(), bigEndian.size()});
 }
 
-void store(gcry_mpi_t number, std::span<std::uint8_t> out) {
-    const std::size_t length = (gcry_mpi_get_nbits(number) + 7) / 8;
+Mpi newSecretMpi() {
+    return Mpi(gcry_mpi_snew(0));
+}
+
+void store(const Mpi &number, std::span<std::uint8_t> out) {
+    const std::size_t length = number ? (gcry_mpi_get_nbits(number.get()) + 7) / 8 : SIZE_MAX;
     if (length > out.size())
-        throw std::length_error("number too long for its field");
-    const auto tail = out.last(length);
-    std::fill(out.begin(), out.end() - static_cast<std::ptrdiff_t>(length), std::uint8_t{0});
+        throw std::runtime_error("number missing or too long for its field");
+    const auto digits = out.last(length);
+    std::ranges::fill(out.first(out.size() - length), std::uint8_t{0});
     if (length != 0)
-        check(gcry_mpi_print(GCRYMPI_FMT_USG, tail.data(), tail.size(), nullptr, number), "number");
+        check(gcry_mpi_print(GCRYMPI_FMT_USG, digits.data(), length, nullptr, number.get()),
+              "number");
 }
 
-SecretBytes bytesOf(gcry_mpi_t number) {
-    SecretBytes out((gcry_mpi_get_nbits(number) + 7) / 8);
+SecretBytes bytesOf(const Mpi &number) {
+    SecretBytes out((gcry_mpi_get_nbits(number.get()) + 7) / 8);
     store(number, out);
     return out;
 }

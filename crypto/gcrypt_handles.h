@@ -1,5 +1,5 @@
-// Owners for libgcrypt's objects. Only the .cpp files of this folder include this header: gcrypt.h
-// brings the system's headers along.
+// Owners for libgcrypt's objects. Only .cpp files of this folder include this header, because
+// gcrypt.h includes system headers.
 #pragma once
 
 #include <gcrypt.h>
@@ -13,11 +13,10 @@
 
 namespace tembra::crypto {
 
-// Makes libgcrypt ready, once, before anything else of it is used. Thread-safe; respects a process
-// that has set libgcrypt up already.
+// Initialises libgcrypt once, unless the process has done so. Must precede any use. Thread-safe.
 void initialiseGcrypt();
 
-// Throws std::runtime_error with libgcrypt's own text.
+// Throws std::runtime_error with libgcrypt's message.
 void check(gcry_error_t error, const char *what);
 
 template <auto release>
@@ -27,27 +26,28 @@ struct Releaser {
         release(object);
     }
 };
-using Mpi = std::unique_ptr<std::remove_pointer_t<gcry_mpi_t>, Releaser<gcry_mpi_release>>;
-using Point =
-    std::unique_ptr<std::remove_pointer_t<gcry_mpi_point_t>, Releaser<gcry_mpi_point_release>>;
-using Context = std::unique_ptr<std::remove_pointer_t<gcry_ctx_t>, Releaser<gcry_ctx_release>>;
-using Sexp = std::unique_ptr<std::remove_pointer_t<gcry_sexp_t>, Releaser<gcry_sexp_release>>;
+template <typename Pointer, auto release>
+using Owner = std::unique_ptr<std::remove_pointer_t<Pointer>, Releaser<release>>;
 
-// Numbers from big-endian bytes; the secret one lies in libgcrypt's secure memory, which is wiped
-// on release, and makes everything derived from it lie there too.
+using Mpi = Owner<gcry_mpi_t, gcry_mpi_release>;
+using Point = Owner<gcry_mpi_point_t, gcry_mpi_point_release>;
+using Context = Owner<gcry_ctx_t, gcry_ctx_release>;
+using Sexp = Owner<gcry_sexp_t, gcry_sexp_release>;
+using SecureMemory = Owner<std::uint8_t *, gcry_free>;
+
+// A copy in libgcrypt's secure memory, which is wiped on release.
+SecureMemory secureCopy(ByteView bytes);
+
+// Numbers from big-endian bytes. A secret number is kept in secure memory, and so are the results
+// of computing with it.
 Mpi mpiFrom(ByteView bigEndian);
 Mpi secretMpiFrom(ByteView bigEndian);
-inline Mpi newMpi() {
-    return Mpi(gcry_mpi_new(0));
-}
-inline Mpi newSecretMpi() {
-    return Mpi(gcry_mpi_snew(0));
-}
+Mpi newSecretMpi();
 
-// Writes a number right-aligned into the whole buffer; it must fit.
-void store(gcry_mpi_t number, std::span<std::uint8_t> out);
-// A number without leading zero bytes; empty for 0.
-SecretBytes bytesOf(gcry_mpi_t number);
+// Writes the number right-aligned into the whole buffer; throws if it does not fit or is null.
+void store(const Mpi &number, std::span<std::uint8_t> out);
+// The number without leading zero bytes; empty for 0.
+SecretBytes bytesOf(const Mpi &number);
 
 // gcry_sexp_build with an owner for the result.
 template <typename... Arguments>
@@ -57,7 +57,7 @@ Sexp buildSexp(const char *format, Arguments... arguments) {
     return Sexp(sexp);
 }
 
-// The number behind a token of an expression; null when there is none.
+// The number after a token of an expression; null if the token is missing.
 Mpi numberIn(const Sexp &sexp, const char *token);
 
 } // namespace tembra::crypto

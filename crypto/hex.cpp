@@ -1,23 +1,11 @@
 #include "hex.h"
 
+#include <charconv>
+
 namespace tembra::crypto {
 
-namespace {
-
-int digitValue(char digit) {
-    if (digit >= '0' && digit <= '9')
-        return digit - '0';
-    if (digit >= 'a' && digit <= 'f')
-        return digit - 'a' + 10;
-    if (digit >= 'A' && digit <= 'F')
-        return digit - 'A' + 10;
-    return -1;
-}
-
-} // namespace
-
 std::string toHex(ByteView bytes) {
-    constexpr char digits[] = "0123456789abcdef";
+    constexpr std::string_view digits = "0123456789abcdef";
     std::string out;
     out.reserve(bytes.size() * 2);
     for (const std::uint8_t byte : bytes) {
@@ -32,12 +20,10 @@ std::optional<Bytes> fromHex(std::string_view text) {
         return std::nullopt;
     Bytes out;
     out.reserve(text.size() / 2);
-    for (std::size_t i = 0; i < text.size(); i += 2) {
-        const int high = digitValue(text[i]);
-        const int low = digitValue(text[i + 1]);
-        if (high < 0 || low < 0)
+    for (; !text.empty(); text.remove_prefix(2)) {
+        const char *end = text.data() + 2;
+        if (std::from_chars(text.data(), end, out.emplace_back(), 16).ptr != end)
             return std::nullopt;
-        out.push_back(static_cast<std::uint8_t>(high * 16 + low));
     }
     return out;
 }

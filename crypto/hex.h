@@ -11,7 +11,7 @@ namespace tembra::crypto {
 
 std::string toHex(ByteView bytes); // lower case
 
-// Either case, an even number of digits, nothing else; otherwise empty.
+// An even number of digits in either case; empty for any other text.
 std::optional<Bytes> fromHex(std::string_view text);
 
 } // namespace tembra::crypto

@@ -1,7 +1,6 @@
 #include "crypto/key_pair_blob.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 
 namespace tembra::crypto {
@@ -13,11 +12,7 @@ constexpr std::uint32_t ALGORITHM_RSA = 1;
 constexpr std::uint32_t ALGORITHM_ECC = 4;
 constexpr std::uint32_t CURVE_SM2 = 7;
 
-constexpr std::array RSA_SECRET_FIELDS = {&RsaPrivateKey::d,  &RsaPrivateKey::p,
-                                          &RsaPrivateKey::q,  &RsaPrivateKey::dP,
-                                          &RsaPrivateKey::dQ, &RsaPrivateKey::qInv};
-
-// A cursor that only shrinks. A read beyond the end takes nothing and spoils the cursor for good.
+// A shrinking cursor. After a read beyond the end, finished() is false.
 class Cursor {
 public:
     explicit Cursor(ByteView bytes) : m_rest(bytes) {}
@@ -37,7 +32,7 @@ public:
             value = value << 8 | digit;
         return value;
     }
-    // A field after its length, without leading zeros.
+    // A length and as many bytes, without leading zeros.
     ByteView prefixed() {
         const ByteView field = take(number());
         m_good = m_good && !field.empty() && field.front() != 0;
@@ -83,7 +78,7 @@ SecretBytes encode(const RsaPrivateKey &key) {
     writer.number(key.n.size() * 8);
     writer.prefixed(key.n);
     writer.prefixed(key.e);
-    for (const auto field : RSA_SECRET_FIELDS)
+    for (const auto field : RSA_SECRET_NUMBERS)
         writer.prefixed(key.*field);
     return writer.take();
 }
@@ -92,7 +87,7 @@ SecretBytes encode(const Sm2KeyPair &key) {
     Writer writer;
     writer.start(ALGORITHM_ECC);
     writer.number(CURVE_SM2);
-    writer.number(crypto::SM2_SIZE);
+    writer.number(SM2_SIZE);
     writer.raw(key.publicKey.x);
     writer.raw(key.publicKey.y);
     writer.raw(key.d);
@@ -106,25 +101,25 @@ std::optional<PrivateKey> decodeRsa(Cursor cursor) {
     const ByteView e = cursor.prefixed();
     key.n.assign(n.begin(), n.end());
     key.e.assign(e.begin(), e.end());
-    for (const auto field : RSA_SECRET_FIELDS) {
+    for (const auto field : RSA_SECRET_NUMBERS) {
         const ByteView value = cursor.prefixed();
         (key.*field).assign(value.begin(), value.end());
     }
     if (!cursor.finished() || !isModulusSize(key.n.size()) || bits != key.n.size() * 8 ||
-        key.publicKey().bits() != bits || !crypto::isConsistent(key))
+        key.publicKey().bits() != bits || !isConsistent(key))
         return std::nullopt;
     return key;
 }
 
 std::optional<PrivateKey> decodeEcc(Cursor cursor) {
-    if (cursor.number() != CURVE_SM2 || cursor.number() != crypto::SM2_SIZE)
+    if (cursor.number() != CURVE_SM2 || cursor.number() != SM2_SIZE)
         return std::nullopt;
     Sm2KeyPair pair;
-    std::ranges::copy(cursor.take(crypto::SM2_SIZE), pair.publicKey.x.begin());
-    std::ranges::copy(cursor.take(crypto::SM2_SIZE), pair.publicKey.y.begin());
-    const ByteView d = cursor.take(crypto::SM2_SIZE);
+    std::ranges::copy(cursor.take(SM2_SIZE), pair.publicKey.x.begin());
+    std::ranges::copy(cursor.take(SM2_SIZE), pair.publicKey.y.begin());
+    const ByteView d = cursor.take(SM2_SIZE);
     pair.d.assign(d.begin(), d.end());
-    if (!cursor.finished() || !crypto::isConsistent(pair))
+    if (!cursor.finished() || !isConsistent(pair))
         return std::nullopt;
     return pair;
 }

@@ -1,5 +1,5 @@
-// The plain key pair blob, "_KEYPAIR": what the host hands to DeviceImportKeypair for a key pair
-// that is not enveloped yet. It holds the private key in clear.
+// The plain key pair blob, "_KEYPAIR", from which the host has a key pair imported that is not in
+// an envelope. It contains the private key in clear.
 //
 // All numbers are u32 big-endian; byte fields are big-endian numbers.
 //
@@ -25,11 +25,10 @@
 
 namespace tembra::crypto {
 
-// The blob of a key; the RSA modulus must have 1024 or 2048 bits, else the result is empty.
+// Empty if an RSA modulus has another length than 1024 or 2048 bits.
 SecretBytes encodeKeyPairBlob(const PrivateKey &key);
 
-// Empty when the form is not exactly the above or the private key does not belong to the public
-// one.
+// Empty if the blob is malformed or private and public key do not match.
 std::optional<PrivateKey> decodeKeyPairBlob(ByteView blob);
 
 } // namespace tembra::crypto

@@ -5,7 +5,6 @@
 #include "der.h"
 #include "oids.h"
 #include "pem.h"
-#include "sm2_point.h"
 
 namespace tembra::crypto {
 
@@ -38,8 +37,8 @@ bool isPrivateKeyLabel(std::string_view label) {
 SecretBytes encodePkcs1(const RsaPrivateKey &key) {
     DerWriter numbers;
     numbers.unsignedInteger({}).unsignedInteger(key.n).unsignedInteger(key.e);
-    for (const SecretBytes *number : {&key.d, &key.p, &key.q, &key.dP, &key.dQ, &key.qInv})
-        numbers.unsignedInteger(*number);
+    for (const auto number : RSA_SECRET_NUMBERS)
+        numbers.unsignedInteger(key.*number);
     return DerWriter().sequence(numbers).secretBytes();
 }
 
@@ -49,18 +48,16 @@ std::optional<RsaPrivateKey> decodePkcs1(ByteView der) {
     if (!numbers || !reader.atEnd() || !numbers->smallInteger(0))
         return std::nullopt;
     RsaPrivateKey key;
-    for (Bytes *number : {&key.n, &key.e}) {
+    const auto readInto = [&](auto &number) {
         const auto value = numbers->unsignedInteger();
-        if (!value)
-            return std::nullopt;
-        number->assign(value->begin(), value->end());
-    }
-    for (SecretBytes *number : {&key.d, &key.p, &key.q, &key.dP, &key.dQ, &key.qInv}) {
-        const auto value = numbers->unsignedInteger();
-        if (!value)
-            return std::nullopt;
-        number->assign(value->begin(), value->end());
-    }
+        if (value)
+            number.assign(value->begin(), value->end());
+        return value.has_value();
+    };
+    const auto readSecret = [&](auto number) { return readInto(key.*number); };
+    if (!readInto(key.n) || !readInto(key.e) ||
+        !std::ranges::all_of(RSA_SECRET_NUMBERS, readSecret))
+        return std::nullopt;
     return numbers->atEnd() ? std::optional(std::move(key)) : std::nullopt;
 }
 

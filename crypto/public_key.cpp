@@ -2,7 +2,6 @@
 
 #include "der.h"
 #include "oids.h"
-#include "sm2_point.h"
 
 namespace tembra::crypto {
 

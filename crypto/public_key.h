@@ -12,16 +12,15 @@ namespace tembra::crypto {
 using PublicKey = std::variant<RsaPublicKey, Sm2PublicKey>;
 
 // RSA: rsaEncryption with NULL parameters. SM2: ecPublicKey with the SM2 curve (GM/T 0006, 0009)
-// and the uncompressed point. Whether a point is on the curve is not looked at.
+// and the uncompressed point. Whether the point is on the curve is not checked.
 Bytes encodePublicKey(const RsaPublicKey &key);
 Bytes encodePublicKey(const Sm2PublicKey &key);
 
-// Reads either; empty when the bytes are anything else, also with a trailing byte. RSA numbers come
-// without leading zeros. That the form is right says nothing about the key: see isUsable.
+// Empty unless the bytes are exactly one of the two encodings. RSA numbers have no leading zeros.
+// The key itself is not checked; see isUsable.
 std::optional<PublicKey> decodePublicKey(ByteView der);
 
-// Whether the key can be worked with, beyond its being well formed: isUsable of rsa.h, or a point
-// on the SM2 curve.
+// RSA: as in rsa.h. SM2: whether the point is on the curve.
 bool isUsable(const PublicKey &key);
 
 } // namespace tembra::crypto

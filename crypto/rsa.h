@@ -1,6 +1,7 @@
 // RSA with PKCS #1 v1.5 padding.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <optional>
 
@@ -27,29 +28,30 @@ struct RsaPrivateKey {
     RsaPublicKey publicKey() const { return {n, e}; }
 };
 
-constexpr std::size_t RSA_MAX_BITS = 4096;
+// The secret numbers in the order in which encodings list them.
+inline constexpr std::array RSA_SECRET_NUMBERS = {&RsaPrivateKey::d,  &RsaPrivateKey::p,
+                                                  &RsaPrivateKey::q,  &RsaPrivateKey::dP,
+                                                  &RsaPrivateKey::dQ, &RsaPrivateKey::qInv};
 
-// A key with e = 65537; empty unless bits is 1024 or 2048.
+// Generates a key with e = 65537; empty unless bits is 1024 or 2048.
 std::optional<RsaPrivateKey> generateRsaKey(unsigned bits);
 
-// Whether the key can be worked with: n odd and of 512 to rsaMaxBits bits, e odd and 3 <= e < n.
+// Whether n is odd and has 512 to 4096 bits, e is odd and 3 <= e < n.
 bool isUsable(const RsaPublicKey &key);
 
-// Whether every private number agrees with n and e, so that the private key belongs to the public
-// one. (The primes are not tested for being prime.)
+// Whether the private numbers match each other, n and e. Primality is not tested.
 bool isConsistent(const RsaPrivateKey &key);
 
-// In the following a block is as long as the modulus, and at most that minus 11 bytes go in.
-// Each answers empty (or false) when the key or a length is wrong.
+// The functions below return empty (or false) if the key is not usable or a length is wrong.
+// Signatures and ciphertexts are as long as the modulus; the input is at least 1 byte and at least
+// 11 bytes shorter than the modulus.
 
-// Signs the bytes as given under block type 1; a DigestInfo around a hash is the caller's business.
+// Signs the bytes as they are: the caller adds the DigestInfo around a hash.
 std::optional<Bytes> rsaSign(const RsaPrivateKey &key, ByteView data);
-
-// Whether rsaSign with the private key made this signature of the same bytes.
 bool rsaVerify(const RsaPublicKey &key, ByteView data, ByteView signature);
 
-// Encryption under block type 2. Decryption is also empty when the padding is wrong.
 std::optional<Bytes> rsaEncrypt(const RsaPublicKey &key, ByteView plain);
+// Also empty if the padding is wrong.
 std::optional<SecretBytes> rsaDecrypt(const RsaPrivateKey &key, ByteView cipher);
 
 // The DigestInfo of a SHA-256 hash (32 bytes), ready for rsaSign and rsaVerify.

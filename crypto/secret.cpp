@@ -3,7 +3,7 @@
 namespace tembra::crypto {
 
 void wipe(void *memory, std::size_t length) noexcept {
-    // Writes through a volatile pointer are side effects, which no optimiser may drop.
+    // The optimiser must keep writes through a volatile pointer.
     auto *byte = static_cast<volatile std::uint8_t *>(memory);
     while (length-- != 0)
         *byte++ = 0;

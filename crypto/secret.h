@@ -1,4 +1,4 @@
-// Memory that forgets: buffers for keys, PINs and plaintext.
+// Memory for keys, PINs and plaintext that is wiped before it is released.
 #pragma once
 
 #include <cstddef>
@@ -11,11 +11,10 @@
 
 namespace tembra::crypto {
 
-// Overwrites memory with zeros in a way that the optimiser keeps.
+// Overwrites memory with zeros; the optimiser cannot remove it.
 void wipe(void *memory, std::size_t length) noexcept;
 
-// std::allocator that wipes every block before it is released, so a vector also leaves nothing
-// behind when it grows.
+// std::allocator that wipes every block before it is released, also when a vector grows.
 template <typename T>
 struct WipingAllocator {
     using value_type = T;
@@ -34,12 +33,10 @@ struct WipingAllocator {
     }
 };
 
-// A vector of bytes, wiped when it is destroyed or reallocated. Shrinking it (resize, clear) does
-// not wipe the bytes given up; that happens when the block goes.
+// A vector of bytes, wiped when it is destroyed or reallocated, but not when it shrinks.
 using SecretBytes = std::vector<std::uint8_t, WipingAllocator<std::uint8_t>>;
 
-// Compares without telling by its duration where the first difference is. Different lengths
-// compare unequal at once.
+// Compares in a time that depends only on the lengths.
 bool equalConstantTime(ByteView a, ByteView b) noexcept;
 
 } // namespace tembra::crypto

@@ -14,7 +14,7 @@ Sm2Curve::Sm2Curve() {
 Mpi Sm2Curve::parameter(const char *name) const {
     Mpi value(gcry_mpi_ec_get_mpi(name, m_context.get(), 1));
     if (!value)
-        throw std::runtime_error("SM2 curve parameter");
+        throw std::runtime_error("missing SM2 curve parameter");
     return value;
 }
 
@@ -26,17 +26,17 @@ bool Sm2Curve::contains(const Sm2PublicKey &key) const {
            gcry_mpi_ec_curve_point(point(key).get(), m_context.get()) != 0;
 }
 
-bool Sm2Curve::isPrivateKey(gcry_mpi_t d) const {
+bool Sm2Curve::isPrivateKey(const Mpi &d) const {
     const Mpi limit = parameter("n");
     gcry_mpi_sub_ui(limit.get(), limit.get(), 2);
-    return gcry_mpi_cmp_ui(d, 0) > 0 && gcry_mpi_cmp(d, limit.get()) <= 0;
+    return gcry_mpi_cmp_ui(d.get(), 0) > 0 && gcry_mpi_cmp(d.get(), limit.get()) <= 0;
 }
 
 Mpi Sm2Curve::randomScalar() const {
     Mpi scalar = newSecretMpi();
     do {
         gcry_mpi_randomize(scalar.get(), SM2_SIZE * 8, GCRY_STRONG_RANDOM);
-    } while (!isPrivateKey(scalar.get()));
+    } while (!isPrivateKey(scalar));
     return scalar;
 }
 
@@ -50,16 +50,16 @@ Point Sm2Curve::point(const Sm2PublicKey &affine) const {
     return Point(gcry_mpi_point_set(nullptr, x.get(), y.get(), GCRYMPI_CONST_ONE));
 }
 
-std::optional<Sm2PublicKey> Sm2Curve::multiply(gcry_mpi_t scalar, const Point &point) const {
+std::optional<Sm2PublicKey> Sm2Curve::multiply(const Mpi &scalar, const Point &point) const {
     const Point product(gcry_mpi_point_new(0));
-    gcry_mpi_ec_mul(product.get(), scalar, point.get(), m_context.get());
+    gcry_mpi_ec_mul(product.get(), scalar.get(), point.get(), m_context.get());
     const Mpi x = newSecretMpi();
     const Mpi y = newSecretMpi();
     if (gcry_mpi_ec_get_affine(x.get(), y.get(), product.get(), m_context.get()) != 0)
         return std::nullopt;
     Sm2PublicKey out;
-    store(x.get(), out.x);
-    store(y.get(), out.y);
+    store(x, out.x);
+    store(y, out.y);
     return out;
 }
 

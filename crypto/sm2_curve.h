@@ -1,4 +1,4 @@
-// The SM2 curve in libgcrypt's terms; as gcrypt_handles.h, for the .cpp files of this folder only.
+// The SM2 curve in libgcrypt's types, for .cpp files of this folder only, as gcrypt_handles.h.
 #pragma once
 
 #include "gcrypt_handles.h"
@@ -13,14 +13,14 @@ public:
     Mpi parameter(const char *name) const; // p, a, b, n, g.x or g.y
     bool contains(const Sm2PublicKey &key) const;
     // 1 <= d <= n - 2
-    bool isPrivateKey(gcry_mpi_t d) const;
-    // A random number from 1 to n - 2.
+    bool isPrivateKey(const Mpi &d) const;
+    // A random number, 1 <= d <= n - 2.
     Mpi randomScalar() const;
 
     Point generator() const;
     Point point(const Sm2PublicKey &affine) const;
     // scalar * point in affine coordinates; empty for the point at infinity.
-    std::optional<Sm2PublicKey> multiply(gcry_mpi_t scalar, const Point &point) const;
+    std::optional<Sm2PublicKey> multiply(const Mpi &scalar, const Point &point) const;
 
 private:
     Context m_context;

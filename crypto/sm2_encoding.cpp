@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "der.h"
-#include "sm2_point.h"
 
 namespace tembra::crypto {
 

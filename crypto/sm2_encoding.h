@@ -1,4 +1,4 @@
-// SM2 signatures and ciphertexts on the wire.
+// Encodings of SM2 signatures and ciphertexts.
 #pragma once
 
 #include <optional>

@@ -9,49 +9,8 @@ namespace tembra::crypto {
 
 namespace {
 
-// The two ways need the same shared point, key stream and check value; what differs is whose scalar
-// and whose point make it.
-struct SharedPoint {
-    SecretBytes x, y;
-
-    explicit SharedPoint(Sm2PublicKey &point)
-        : x(point.x.begin(), point.x.end()), y(point.y.begin(), point.y.end()) {
-        wipe(&point, sizeof point);
-    }
-
-    SecretBytes keyStream(std::size_t length) const {
-        SecretBytes z = x;
-        z.insert(z.end(), y.begin(), y.end());
-        return sm2Kdf(z, length);
-    }
-
-    Sm2Number checkValue(ByteView plain) const {
-        Digest digest(DigestAlgorithm::sm3);
-        digest.update(x);
-        digest.update(plain);
-        digest.update(y);
-        Sm2Number out{};
-        digest.value(out);
-        return out;
-    }
-};
-
-// A key stream of zeros would leave the message in clear; of an empty message there is none.
-bool isUsableStream(const SecretBytes &stream) {
-    return stream.empty() || !withoutLeadingZeros(stream).empty();
-}
-
-template <typename Out>
-Out exclusiveOr(ByteView a, const SecretBytes &stream) {
-    Out out(a.size());
-    std::transform(a.begin(), a.end(), stream.begin(), out.begin(),
-                   [](auto x, auto y) { return static_cast<std::uint8_t>(x ^ y); });
-    return out;
-}
-
-} // namespace
-
-SecretBytes sm2Kdf(ByteView z, std::size_t length) {
+// The key derivation function of GB/T 32918.4 with SM3.
+SecretBytes deriveKey(ByteView z, std::size_t length) {
     SecretBytes out;
     out.reserve(length + SM3_SIZE);
     Digest prefix(DigestAlgorithm::sm3);
@@ -69,14 +28,55 @@ SecretBytes sm2Kdf(ByteView z, std::size_t length) {
     return out;
 }
 
+// The point that sender and recipient compute alike. Key stream and check value follow from it.
+struct SharedPoint {
+    SecretBytes x, y;
+
+    explicit SharedPoint(Sm2PublicKey &point)
+        : x(point.x.begin(), point.x.end()), y(point.y.begin(), point.y.end()) {
+        wipe(&point, sizeof point);
+    }
+
+    SecretBytes keyStream(std::size_t length) const {
+        SecretBytes z = x;
+        z.insert(z.end(), y.begin(), y.end());
+        return deriveKey(z, length);
+    }
+
+    Sm2Number checkValue(ByteView plain) const {
+        Digest digest(DigestAlgorithm::sm3);
+        digest.update(x);
+        digest.update(plain);
+        digest.update(y);
+        Sm2Number out{};
+        digest.value(out);
+        return out;
+    }
+};
+
+// A key stream of zeros would leave the message in clear.
+bool isUsableStream(const SecretBytes &stream) {
+    return stream.empty() || !withoutLeadingZeros(stream).empty();
+}
+
+template <typename Out>
+Out exclusiveOr(ByteView a, const SecretBytes &stream) {
+    Out out(a.size());
+    std::transform(a.begin(), a.end(), stream.begin(), out.begin(),
+                   [](auto x, auto y) { return static_cast<std::uint8_t>(x ^ y); });
+    return out;
+}
+
+} // namespace
+
 std::optional<Sm2Ciphertext> sm2Encrypt(const Sm2PublicKey &key, ByteView plain) {
     const Sm2Curve curve;
     if (!curve.contains(key))
         return std::nullopt;
     for (;;) {
         const Mpi k = curve.randomScalar();
-        const auto c1 = curve.multiply(k.get(), curve.generator());
-        auto point = curve.multiply(k.get(), curve.point(key));
+        const auto c1 = curve.multiply(k, curve.generator());
+        auto point = curve.multiply(k, curve.point(key));
         if (!c1 || !point)
             return std::nullopt;
         const SharedPoint shared(*point);
@@ -89,9 +89,9 @@ std::optional<Sm2Ciphertext> sm2Encrypt(const Sm2PublicKey &key, ByteView plain)
 std::optional<SecretBytes> sm2Decrypt(ByteView d, const Sm2Ciphertext &cipher) {
     const Sm2Curve curve;
     const Mpi scalar = secretMpiFrom(d);
-    if (d.size() != SM2_SIZE || !curve.isPrivateKey(scalar.get()) || !curve.contains(cipher.c1))
+    if (d.size() != SM2_SIZE || !curve.isPrivateKey(scalar) || !curve.contains(cipher.c1))
         return std::nullopt;
-    auto point = curve.multiply(scalar.get(), curve.point(cipher.c1));
+    auto point = curve.multiply(scalar, curve.point(cipher.c1));
     if (!point)
         return std::nullopt;
     const SharedPoint shared(*point);

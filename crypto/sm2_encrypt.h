@@ -14,13 +14,10 @@ struct Sm2Ciphertext {
     Sm2Number c3{};  // the SM3 check value
 };
 
-// The key derivation function of GB/T 32918 with SM3: length bytes from the shared value z.
-SecretBytes sm2Kdf(ByteView z, std::size_t length);
-
-// Empty when the key is not a point of the curve. An empty message is allowed (c2 is then empty).
+// Empty if the key is not a point on the SM2 curve. The message may be empty.
 std::optional<Sm2Ciphertext> sm2Encrypt(const Sm2PublicKey &key, ByteView plain);
 
-// d is 32 bytes. Empty when C1 is not on the curve, the check value differs or d is out of range.
+// Empty if d is out of range, C1 is not on the curve or the check value differs.
 std::optional<SecretBytes> sm2Decrypt(ByteView d, const Sm2Ciphertext &cipher);
 
 } // namespace tembra::crypto

@@ -1,7 +1,6 @@
 // SM2 signatures (GB/T 32918.2).
 #pragma once
 
-#include <array>
 #include <optional>
 #include <string_view>
 
@@ -10,7 +9,7 @@
 
 namespace tembra::crypto {
 
-// The signer's identity that is used when the parties agreed on none (GM/T 0009).
+// The signer's identity that is used unless the parties agreed on another one (GM/T 0009).
 constexpr std::string_view SM2_DEFAULT_SIGNER_ID = "1234567812345678";
 
 struct Sm2Signature {
@@ -20,16 +19,14 @@ struct Sm2Signature {
     friend bool operator==(const Sm2Signature &, const Sm2Signature &) = default;
 };
 
-// Z, the SM3 digest of the signer's identity (at most 8191 bytes), the curve and the public key.
-// Empty when the identity is too long.
+// Z, the SM3 digest of the signer's identity, the curve and the public key. Empty if the identity
+// is longer than 8191 bytes.
 std::optional<Sm3Digest> sm2SignerDigest(const Sm2PublicKey &key,
                                          std::string_view signerId = SM2_DEFAULT_SIGNER_ID);
 
-// Signs a digest of exactly 32 bytes, SM3(Z || message) as a rule; empty when the length or the key
-// is wrong.
+// Signs a digest of exactly 32 bytes, usually SM3(Z || message). Empty if the length or the key is
+// wrong.
 std::optional<Sm2Signature> sm2Sign(const Sm2KeyPair &pair, ByteView digest);
-
-// Whether the signature is one of this digest; false as well when the length or the key is wrong.
 bool sm2Verify(const Sm2PublicKey &key, ByteView digest, const Sm2Signature &signature);
 
 } // namespace tembra::crypto

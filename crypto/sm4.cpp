@@ -8,8 +8,7 @@ namespace tembra::crypto {
 
 namespace {
 
-using Cipher =
-    std::unique_ptr<std::remove_pointer_t<gcry_cipher_hd_t>, Releaser<gcry_cipher_close>>;
+using Cipher = Owner<gcry_cipher_hd_t, gcry_cipher_close>;
 
 bool lengthsFit(Sm4Mode mode, ByteView key, ByteView iv) {
     return key.size() == SM4_KEY_SIZE && (mode == Sm4Mode::ecb || iv.size() == SM4_BLOCK_SIZE);
@@ -27,7 +26,7 @@ Cipher openCipher(Sm4Mode mode, ByteView key, ByteView iv) {
     return cipher;
 }
 
-// Takes PKCS #7 padding off; false when it is wrong.
+// Removes PKCS #7 padding; false if it is wrong.
 bool removePadding(SecretBytes &plain) {
     if (plain.empty())
         return false;

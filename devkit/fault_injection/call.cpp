@@ -1,133 +1,125 @@
 #include "call.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <nlohmann/json.hpp>
 
-#include "json_text.h"
+#include "crypto/hex.h"
+#include "platform.h"
 #include "state.h"
 
-namespace tembra::door {
+namespace tembra::fault_injection {
 
 namespace {
 
+using Json = nlohmann::ordered_json;
+using Clock = std::chrono::steady_clock;
+
 constexpr std::size_t MAX_BYTES_SHOWN = 32;
 
-std::string hexNumber(const char *format, unsigned long long value) {
+std::string hexText(const char *format, unsigned long long value) {
     char text[32];
     std::snprintf(text, sizeof text, format, value);
     return text;
 }
 
-std::string pointerText(const void *value) {
-    return value == nullptr ? "null"
-                            : hexNumber("\"0x%llx\"", reinterpret_cast<std::uintptr_t>(value));
+Json pointerText(const void *value) {
+    if (value == nullptr)
+        return nullptr;
+    return hexText("0x%llx", reinterpret_cast<std::uintptr_t>(value));
 }
 
 } // namespace
 
-Call::Call(const char *function) noexcept : m_function(function) {
-    try {
-        const auto arrival = State::instance().arrive(function);
-        m_sequence = arrival.sequence;
-        m_fault = arrival.fault;
-        m_journaled = arrival.journaled;
-    } catch (...) { // a call that cannot be watched goes on unwatched
-    }
-    if (m_journaled)
-        m_start = Clock::now();
-}
+struct Call::Line {
+    Json json;
+    const char *fields = "args";
+    Clock::time_point start = Clock::now();
 
-template <typename Format>
-Call &Call::append(const char *name, Format format) noexcept {
-    if (m_journaled) {
-        try {
-            field(name, format());
-        } catch (...) {
-            m_journaled = false;
-        }
+    Json &operator[](const char *name) { return json[fields][name]; }
+};
+
+// A line that cannot be completed is dropped.
+template <typename Set>
+Call &Call::record(Set set) noexcept {
+    try {
+        if (m_line)
+            set(*m_line);
+    } catch (...) {
+        m_line.reset();
     }
     return *this;
 }
 
-void Call::field(const char *name, std::string_view json) {
-    std::string &fields = m_inOutputs ? m_outputs : m_arguments;
-    if (!fields.empty())
-        fields += ',';
-    fields.append("\"").append(name).append("\":").append(json);
+Call::Call(const char *function) noexcept {
+    try {
+        const Arrival arrival = arrive(function);
+        m_fault = arrival.fault;
+        if (arrival.journaled)
+            m_line = std::make_unique<Line>(Line{{{"seq", arrival.sequence},
+                                                  {"thread", threadNumber()},
+                                                  {"function", function},
+                                                  {"args", Json::object()},
+                                                  {"out", Json::object()},
+                                                  {"result", nullptr},
+                                                  {"planned", false}}});
+    } catch (...) { // the call is served without a line
+    }
 }
 
 Call &Call::number(const char *name, std::int64_t value) noexcept {
-    return append(name, [&] { return std::to_string(value); });
+    return record([&](Line &line) { line[name] = value; });
 }
 
 Call &Call::handle(const char *name, const void *value) noexcept {
-    return append(name, [&] { return pointerText(value); });
+    return record([&](Line &line) { line[name] = pointerText(value); });
 }
 
 Call &Call::text(const char *name, const char *value) noexcept {
-    return append(name, [&] { return value == nullptr ? "null" : jsonText(value); });
+    return record([&](Line &line) { line[name] = value == nullptr ? Json() : Json(value); });
 }
 
 Call &Call::bytes(const char *name, const void *data, std::size_t length) noexcept {
-    return append(name, [&]() -> std::string {
-        if (data == nullptr)
-            return "null";
-        const std::span content(static_cast<const std::uint8_t *>(data), length);
-        return "{\"len\":" + std::to_string(length) +
-               ",\"hex\":" + jsonHex(content, MAX_BYTES_SHOWN) + "}";
+    return record([&](Line &line) {
+        if (data == nullptr) {
+            line[name] = nullptr;
+            return;
+        }
+        const crypto::ByteView shown(static_cast<const std::uint8_t *>(data),
+                                     std::min(length, MAX_BYTES_SHOWN));
+        line[name] = {{"len", length}, {"hex", crypto::toHex(shown)}};
     });
 }
 
 Call &Call::secret(const char *name, const void *value) noexcept {
-    return append(name, [&] { return std::string(value == nullptr ? "null" : "\"***\""); });
+    return record([&](Line &line) { line[name] = value == nullptr ? Json() : Json("***"); });
 }
 
 Call &Call::outputs() noexcept {
-    m_inOutputs = true;
-    return *this;
+    return record([](Line &line) { line.fields = "out"; });
 }
 
-std::uint32_t Call::fault() noexcept {
-    m_answeredByPlan = true;
-    record(*m_fault);
-    return *m_fault;
+void Call::recordHandle(const void *result) noexcept {
+    record([&](Line &line) { line.json["result"] = pointerText(result); });
 }
 
-void Call::recordHandle(const void *value) noexcept {
-    if (m_journaled) {
-        try {
-            m_result = pointerText(value);
-        } catch (...) {
-            m_journaled = false;
-        }
-    }
+void Call::recordCode(std::uint32_t code) noexcept {
+    record([&](Line &line) { line.json["result"] = hexText("0x%08llX", code); });
 }
 
-void Call::record(std::uint32_t code) noexcept {
-    if (m_journaled) {
-        try {
-            m_result = hexNumber("\"0x%08llX\"", code);
-        } catch (...) {
-            m_journaled = false;
-        }
-    }
+void Call::recordPlanned(std::uint32_t code) noexcept {
+    recordCode(code);
+    record([](Line &line) { line.json["planned"] = true; });
 }
 
 Call::~Call() {
-    if (!m_journaled)
-        return;
-    try {
-        const auto duration =
-            std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - m_start);
-        std::string line = "{\"seq\":" + std::to_string(m_sequence);
-        line += ",\"thread\":" + std::to_string(threadNumber());
-        line += ",\"function\":" + jsonText(m_function);
-        line += ",\"args\":{" + m_arguments + "},\"out\":{" + m_outputs + "}";
-        line += ",\"result\":" + m_result;
-        line += std::string(",\"planned\":") + (m_answeredByPlan ? "true" : "false");
-        line += ",\"us\":" + std::to_string(duration.count()) + "}\n";
-        State::instance().write(line);
-    } catch (...) { // a line for which there is no memory is lost
-    }
+    record([](Line &line) {
+        const auto duration = Clock::now() - line.start;
+        line.json["us"] = std::chrono::duration_cast<std::chrono::microseconds>(duration).count();
+        // Replaces bytes that are not UTF-8, as in names of another encoding, by U+FFFD.
+        writeToJournal(line.json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n");
+    });
 }
 
-} // namespace tembra::door
+} // namespace tembra::fault_injection

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <string_view>
 
-namespace tembra::door {
+namespace tembra::fault_injection {
 
 inline constexpr std::string_view FUNCTION_NAMES[] = {
 #define TEMBRA_IMPORT(result, name, parameters) #name,
@@ -20,4 +20,4 @@ constexpr std::size_t functionIndex(std::string_view name) {
     return static_cast<std::size_t>(std::ranges::find(FUNCTION_NAMES, name) - FUNCTION_NAMES);
 }
 
-} // namespace tembra::door
+} // namespace tembra::fault_injection

@@ -5,11 +5,11 @@
 
 #include "function_names.h"
 
-namespace tembra::door {
+namespace tembra::fault_injection {
 
 namespace {
 
-constexpr std::uint64_t FOR_EVER = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t UNLIMITED = std::numeric_limits<std::uint64_t>::max();
 
 std::string_view trim(std::string_view text) {
     constexpr std::string_view space = " \t\r\n";
@@ -19,7 +19,7 @@ std::string_view trim(std::string_view text) {
     return text.substr(first, text.find_last_not_of(space) - first + 1);
 }
 
-// The whole text as a number.
+// The whole text as a decimal or 0x hexadecimal number.
 template <typename Number>
 bool parseNumber(std::string_view text, Number &out) {
     const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
@@ -33,7 +33,7 @@ bool parseNumber(std::string_view text, Number &out) {
 
 bool Plan::parseWhich(std::string_view text, Entry &entry) {
     if (text == "*") {
-        entry.last = FOR_EVER;
+        entry.last = UNLIMITED;
         return true;
     }
     const bool open = text.ends_with('+');
@@ -41,7 +41,7 @@ bool Plan::parseWhich(std::string_view text, Entry &entry) {
         text.remove_suffix(1);
     if (!parseNumber(text, entry.first) || entry.first == 0)
         return false;
-    entry.last = open ? FOR_EVER : entry.first;
+    entry.last = open ? UNLIMITED : entry.first;
     return true;
 }
 
@@ -92,4 +92,4 @@ std::optional<std::uint32_t> Plan::faultFor(std::size_t function, CallNumbers nu
     return std::nullopt;
 }
 
-} // namespace tembra::door
+} // namespace tembra::fault_injection

@@ -1,5 +1,4 @@
-// A fault plan: which calls are answered with which code. The text form is described in
-// tembra_devkit_faults.h.
+// A fault plan: which calls return which code. tembra_devkit_faults.h describes its text form.
 #pragma once
 
 #include <cstddef>
@@ -9,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-namespace tembra::door {
+namespace tembra::fault_injection {
 
-// What a call counts as: its number among the calls of its function, and among all calls.
+// The numbers of a call among the calls of its function and among all calls, from 1.
 struct CallNumbers {
     std::uint64_t ofFunction = 0;
     std::uint64_t ofAll = 0;
@@ -19,12 +18,12 @@ struct CallNumbers {
 
 class Plan {
 public:
-    // Reads a text; empty when an entry is bad, which then stands in badEntry.
+    // Empty if an entry is bad; badEntry receives it.
     static std::optional<Plan> parse(std::string_view text, std::string &badEntry);
 
     bool isEmpty() const { return m_entries.empty(); }
 
-    // The code that the plan has for this call of the function at this place of functionNames.
+    // The planned code for a call of the function with this index in FUNCTION_NAMES.
     std::optional<std::uint32_t> faultFor(std::size_t function, CallNumbers numbers) const;
 
 private:
@@ -40,4 +39,4 @@ private:
     std::vector<Entry> m_entries;
 };
 
-} // namespace tembra::door
+} // namespace tembra::fault_injection

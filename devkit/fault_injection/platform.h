@@ -1,21 +1,26 @@
-// What the door needs of the operating system. Texts are UTF-8.
+// What the kit needs of the operating system. Texts are UTF-8.
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
 
-namespace tembra::door {
+namespace tembra::fault_injection {
 
-// The value of an environment variable; empty when it is not set.
-std::optional<std::string> environmentVariable(const char *name);
+// The value of an environment variable; nothing if it is unset or empty.
+std::optional<std::string> environment(const char *name);
+
+inline std::filesystem::path pathFromUtf8(std::string_view text) {
+    return std::u8string(text.begin(), text.end());
+}
 
 // The operating system's number of the calling thread.
 std::uint64_t threadNumber();
 
-// A file that is only appended to, each piece whole, also beside other processes. Created with
-// access for its owner only.
+// A file to which several threads and processes append, each piece in one write. Only its owner has
+// access. A piece that cannot be written is lost.
 class AppendFile {
 public:
     explicit AppendFile(const std::string &path);
@@ -24,11 +29,10 @@ public:
     ~AppendFile();
 
     bool isOpen() const;
-    // One write; what cannot be written is lost. May be called by several threads at once.
     void append(std::string_view piece) noexcept;
 
 private:
     std::intptr_t m_handle;
 };
 
-} // namespace tembra::door
+} // namespace tembra::fault_injection

@@ -5,11 +5,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace tembra::door {
+namespace tembra::fault_injection {
 
-std::optional<std::string> environmentVariable(const char *name) {
+std::optional<std::string> environment(const char *name) {
     const char *value = std::getenv(name);
-    return value != nullptr ? std::optional<std::string>(value) : std::nullopt;
+    return value != nullptr && *value != '\0' ? std::optional(std::string(value)) : std::nullopt;
 }
 
 std::uint64_t threadNumber() {
@@ -34,4 +34,4 @@ void AppendFile::append(std::string_view piece) noexcept {
         ::write(static_cast<int>(m_handle), piece.data(), piece.size());
 }
 
-} // namespace tembra::door
+} // namespace tembra::fault_injection

@@ -7,26 +7,11 @@
 #endif
 #include <windows.h>
 
-namespace tembra::door {
+namespace tembra::fault_injection {
 
 namespace {
 
-std::wstring wide(std::string_view utf8) {
-    const int length = static_cast<int>(utf8.size());
-    const int needed = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, nullptr, 0);
-    std::wstring out(static_cast<std::size_t>(needed), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, out.data(), needed);
-    return out;
-}
-
-std::string narrow(std::wstring_view text) {
-    const int length = static_cast<int>(text.size());
-    const int needed =
-        WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
-    std::string out(static_cast<std::size_t>(needed), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, out.data(), needed, nullptr, nullptr);
-    return out;
-}
+constexpr std::size_t MAX_ENVIRONMENT_VALUE = 32767;
 
 HANDLE asHandle(std::intptr_t value) {
     return reinterpret_cast<HANDLE>(value); // NOLINT(performance-no-int-to-ptr)
@@ -34,19 +19,16 @@ HANDLE asHandle(std::intptr_t value) {
 
 } // namespace
 
-std::optional<std::string> environmentVariable(const char *name) {
-    const std::wstring key = wide(name);
-    std::wstring value(256, L'\0');
-    for (;;) {
-        SetLastError(ERROR_SUCCESS);
-        const DWORD length =
-            GetEnvironmentVariableW(key.c_str(), value.data(), static_cast<DWORD>(value.size()));
-        if (length == 0 && GetLastError() == ERROR_ENVVAR_NOT_FOUND)
-            return std::nullopt;
-        if (length < value.size())
-            return narrow(std::wstring_view(value).substr(0, length));
-        value.resize(length); // which counts the closing NUL when the buffer was too short
-    }
+// Asks the system, because the C library's copy does not show what a host sets later.
+std::optional<std::string> environment(const char *name) {
+    std::wstring value(MAX_ENVIRONMENT_VALUE, L'\0');
+    const DWORD length = GetEnvironmentVariableW(pathFromUtf8(name).c_str(), value.data(),
+                                                 static_cast<DWORD>(value.size()));
+    if (length == 0 || length >= value.size())
+        return std::nullopt;
+    value.resize(length);
+    const std::u8string text = std::filesystem::path(value).u8string();
+    return std::string(text.begin(), text.end());
 }
 
 std::uint64_t threadNumber() {
@@ -55,7 +37,7 @@ std::uint64_t threadNumber() {
 
 AppendFile::AppendFile(const std::string &path)
     : m_handle(reinterpret_cast<std::intptr_t>(
-          CreateFileW(wide(path).c_str(), FILE_APPEND_DATA,
+          CreateFileW(pathFromUtf8(path).c_str(), FILE_APPEND_DATA,
                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS,
                       FILE_ATTRIBUTE_NORMAL, nullptr))) {}
 
@@ -68,7 +50,7 @@ bool AppendFile::isOpen() const {
     return asHandle(m_handle) != INVALID_HANDLE_VALUE;
 }
 
-// The system appends atomically, but Wine finds the end and writes there in two steps.
+// Windows appends atomically, but Wine seeks and writes in two steps.
 void AppendFile::append(std::string_view piece) noexcept {
     static std::mutex mutex;
     const std::lock_guard lock(mutex);
@@ -77,4 +59,4 @@ void AppendFile::append(std::string_view piece) noexcept {
               nullptr);
 }
 
-} // namespace tembra::door
+} // namespace tembra::fault_injection

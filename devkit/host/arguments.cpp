@@ -1,37 +1,38 @@
 #include "arguments.h"
 
 #include <limits>
-#include <stdexcept>
 #include <vector>
+
+#include "blocks.h"
 
 namespace tembra::host {
 
 namespace {
 
-// Buffers on their way out, taken back unless all of them arrive.
+// Buffers that are freed unless all of them can be returned.
 struct Pending {
     std::vector<unsigned char *> buffers;
 
     ~Pending() {
         for (unsigned char *buffer : buffers)
-            takeBack(Kind::buffer, buffer);
+            freeBlock(Kind::buffer, buffer);
     }
 };
 
 } // namespace
 
-int deliver(std::initializer_list<Outgoing> outputs) {
+int outputBuffers(std::initializer_list<Output> outputs) {
     Pending pending;
     pending.buffers.reserve(outputs.size());
-    for (const Outgoing &output : outputs) {
+    for (const Output &output : outputs) {
         if (output.content.size() > std::numeric_limits<int>::max())
-            throw std::length_error("output longer than an int says");
-        pending.buffers.push_back(handOut(Kind::buffer, output.content));
+            return 0;
+        pending.buffers.push_back(newBlock(Kind::buffer, output.content));
     }
     auto buffer = pending.buffers.begin();
-    for (const Outgoing &output : outputs) {
-        *output.to.data = *buffer++;
-        *output.to.length = static_cast<int>(output.content.size());
+    for (const Output &output : outputs) {
+        *output.data = *buffer++;
+        *output.length = static_cast<int>(output.content.size());
     }
     pending.buffers.clear();
     return 1;

@@ -1,22 +1,21 @@
-// The arguments of the exported functions as the library works with them.
+// Reading arguments and returning outputs.
 #pragma once
 
 #include <initializer_list>
 
 #include "crypto/bytes.h"
-#include "handed_out.h"
 
 namespace tembra::host {
 
-// A pointer and a length as bytes. Nothing (a null view) for null and for a negative length.
+// A pointer and a length as bytes; empty if the pointer is null or the length negative.
 inline crypto::ByteView view(const unsigned char *data, int length) {
     return data == nullptr || length < 0 ? crypto::ByteView()
                                          : crypto::ByteView(data, static_cast<std::size_t>(length));
 }
 
-// Whether every pointer and length can be worked with.
-inline bool given(std::initializer_list<const void *> pointers,
-                  std::initializer_list<int> lengths = {}) {
+// Whether no pointer is null and no length negative.
+inline bool areValid(std::initializer_list<const void *> pointers,
+                     std::initializer_list<int> lengths = {}) {
     for (const void *pointer : pointers)
         if (pointer == nullptr)
             return false;
@@ -26,19 +25,15 @@ inline bool given(std::initializer_list<const void *> pointers,
     return true;
 }
 
-// Where an output goes: the caller's two pointers.
+// The caller's two pointers for a buffer, and what the buffer is to contain.
 struct Output {
     unsigned char **data;
     int *length;
-};
-
-struct Outgoing {
-    Output to;
     crypto::ByteView content;
 };
 
-// Hands out every content as a buffer. Either all of them are stored or, when memory runs out, none
-// is and std::bad_alloc is thrown. Always 1.
-int deliver(std::initializer_list<Outgoing> outputs);
+// Returns a new buffer for each output, and 1. Returns none, and 0, if the length of one exceeds an
+// int; throws std::bad_alloc if memory runs out.
+int outputBuffers(std::initializer_list<Output> outputs);
 
 } // namespace tembra::host

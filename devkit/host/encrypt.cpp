@@ -2,12 +2,14 @@
 #include "platform/orvel_crypto.h"
 
 #include "arguments.h"
+#include "blocks.h"
 #include "crypto/public_key.h"
 #include "crypto/sm2_encoding.h"
 #include "fault_injection/call.h"
 #include "tembra_key_prov.h"
 
 using namespace tembra;
+using fault_injection::Call;
 
 namespace {
 
@@ -44,17 +46,17 @@ std::optional<crypto::Bytes> encrypt(void *publicKey, int algo, const void *para
 extern "C" int OrvelPKICryptoPublicKeyEncrypt(void *publicKey, int algo, const void *param,
                                               const unsigned char *data, int dataLen,
                                               unsigned char **out, int *outLen) {
-    door::Call call("OrvelPKICryptoPublicKeyEncrypt");
+    Call call(__func__);
     call.handle("publicKey", publicKey).number("algo", algo).handle("param", param);
     call.secret("data", data).number("dataLen", dataLen);
-    return call.answer<int>(0, [&] {
-        if (!host::given({data, out, outLen}, {dataLen}) ||
-            !host::isA(host::Kind::publicKey, publicKey))
+    return call.answer(0, [&] {
+        if (!host::areValid({data, out, outLen}, {dataLen}) ||
+            !host::isBlock(host::Kind::publicKey, publicKey))
             return 0;
         const auto cipher = encrypt(publicKey, algo, param, host::view(data, dataLen));
         if (!cipher)
             return 0;
         call.outputs().bytes("out", cipher->data(), cipher->size());
-        return host::deliver({{{out, outLen}, *cipher}});
+        return host::outputBuffers({{out, outLen, *cipher}});
     });
 }

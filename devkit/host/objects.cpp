@@ -1,52 +1,46 @@
-// Devices, public keys and buffers: their making and their end.
+// Devices, public keys, buffers and random numbers.
 #include "platform/orvel_crypto.h"
 
 #include "arguments.h"
+#include "blocks.h"
 #include "crypto/public_key.h"
 #include "crypto/random.h"
 #include "fault_injection/call.h"
 
 using namespace tembra;
+using fault_injection::Call;
 using host::Kind;
-
-namespace {
-
-int release(Kind kind, void *block) {
-    return host::takeBack(kind, block) ? 1 : 0;
-}
-
-} // namespace
 
 extern "C" {
 
 void *OrvelPKICryptoGetPseudoDevice(void) {
-    door::Call call("OrvelPKICryptoGetPseudoDevice");
-    return call.answer<void *>(nullptr, [] { return host::handOut(Kind::device, {}); });
+    Call call(__func__);
+    return call.answer<void *>(nullptr, [] { return host::newBlock(Kind::device, {}); });
 }
 
 int OrvelPKICryptoFreeDevice(void *device) {
-    door::Call call("OrvelPKICryptoFreeDevice");
+    Call call(__func__);
     call.handle("device", device);
-    return call.answer<int>(0, [&] { return release(Kind::device, device); });
+    return call.answer(0, [&] { return host::freeBlock(Kind::device, device); });
 }
 
 int OrvelPKICryptoFreeMemory(void *memory) {
-    door::Call call("OrvelPKICryptoFreeMemory");
+    Call call(__func__);
     call.handle("memory", memory);
-    return call.answer<int>(0, [&] { return release(Kind::buffer, memory); });
+    return call.answer(0, [&] { return host::freeBlock(Kind::buffer, memory); });
 }
 
 int OrvelPKICryptoFreePublicKey(void *key) {
-    door::Call call("OrvelPKICryptoFreePublicKey");
+    Call call(__func__);
     call.handle("key", key);
-    return call.answer<int>(0, [&] { return release(Kind::publicKey, key); });
+    return call.answer(0, [&] { return host::freeBlock(Kind::publicKey, key); });
 }
 
 int OrvelPKICryptoGenerateRandom(void *device, int len, unsigned char *out) {
-    door::Call call("OrvelPKICryptoGenerateRandom");
+    Call call(__func__);
     call.handle("device", device).number("len", len).handle("out", out);
-    return call.answer<int>(0, [&] {
-        if (!host::given({out}, {len}) || !host::isA(Kind::device, device))
+    return call.answer(0, [&] {
+        if (!host::areValid({out}, {len}) || !host::isBlock(Kind::device, device))
             return 0;
         crypto::fillRandom({out, static_cast<std::size_t>(len)});
         return 1;
@@ -55,16 +49,16 @@ int OrvelPKICryptoGenerateRandom(void *device, int len, unsigned char *out) {
 
 int OrvelPKICryptoImportPublicKey(void *device, const unsigned char *key, int keyLen,
                                   void **publicKey) {
-    door::Call call("OrvelPKICryptoImportPublicKey");
+    Call call(__func__);
     const auto encoding = host::view(key, keyLen);
     call.handle("device", device).bytes("key", encoding.data(), encoding.size());
-    return call.answer<int>(0, [&] {
-        if (!host::given({key, publicKey}, {keyLen}) || !host::isA(Kind::device, device))
+    return call.answer(0, [&] {
+        if (!host::areValid({key, publicKey}, {keyLen}) || !host::isBlock(Kind::device, device))
             return 0;
         const auto decoded = crypto::decodePublicKey(encoding);
         if (!decoded || !crypto::isUsable(*decoded))
             return 0;
-        *publicKey = host::handOut(Kind::publicKey, encoding);
+        *publicKey = host::newBlock(Kind::publicKey, encoding);
         call.outputs().handle("publicKey", *publicKey);
         return 1;
     });

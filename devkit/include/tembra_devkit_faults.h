@@ -1,32 +1,26 @@
-/* Planned faults, the call journal and call counts of the development kit's libraries, for programs
+/* Fault plans, the call journal and call counts of the development kit's libraries, for programs
  * that load them in-process. C11 and C++. All functions are thread-safe; every text is UTF-8.
  *
  * The software token (QXSKFAPI) exports the TembraSoftToken... functions, the stand-in host library
- * (ORVEL_CRYPTO) the TembraHostKit... ones. Each library has a plan, a journal and counters of its
- * own; both start from the same two environment variables:
+ * (ORVEL_CRYPTO) the TembraHostKit... ones. Each library has its own plan, journal and counters. The
+ * first call into a library reads the initial values from the environment variables
+ * TEMBRA_SOFT_TOKEN_FAULTS (a fault plan) and TEMBRA_SOFT_TOKEN_JOURNAL (the path of a journal).
  *
- *   TEMBRA_SOFT_TOKEN_FAULTS    the fault plan
- *   TEMBRA_SOFT_TOKEN_JOURNAL   the path of the journal
- *
- * They are read once, at the first call into the library; what a function below sets replaces them.
- *
- * Fault plan: entries separated by commas; white space around an entry is ignored. The call that an
- * entry names answers its code and does nothing else.
+ * A fault plan is a list of entries separated by commas; white space around an entry is ignored. A
+ * call that matches an entry returns its code and has no other effect.
  *
  *   NAME:N=CODE    the Nth call of the function (N counts from 1)
  *   NAME:N+=CODE   the Nth call and every later one
  *   NAME:*=CODE    every call
- *   *:N=CODE       the Nth call of any function, counted over all functions of the library
- *                  (*:N+= and *:*= accordingly)
+ *   *:N=CODE       the Nth call of any function of the library (*:N+= and *:*= likewise)
  *
- * NAME is an exported SKF_... or OrvelPKICrypto... name; entries for the other library are ignored,
- * so one plan serves both. CODE is decimal or 0x hexadecimal, up to 32 bits; of a function of the
- * host library it is the int that is returned, and a function that returns a pointer returns null.
- * When several entries name one call, the first counts. A text with a bad entry is refused as a
- * whole, and the entry is named on the standard error output.
+ * NAME is an exported SKF_... or OrvelPKICrypto... name. Entries for the other library are ignored,
+ * so one plan can serve both. CODE is a decimal or 0x hexadecimal number of up to 32 bits; functions
+ * of the host library return it as an int, or null if they return a pointer. The first matching
+ * entry applies. If an entry is bad, the whole plan is refused and the entry is reported on standard
+ * error.
  *
- * Journal: a line of JSON for every call, appended in one piece, to a file created with access for
- * its owner only (mode 0600):
+ * The journal is a file of mode 0600 to which every call appends one line of JSON:
  *
  *   {"seq":7,"thread":4711,"function":"SKF_GenRandom","args":{"hDev":"0x5581","ulRandomLen":16},
  *    "out":{},"result":"0x00000000","planned":false,"us":12}
@@ -40,23 +34,22 @@
 extern "C" {
 #endif
 
-/* Sets the fault plan and restarts the call counters at 0. plan: NUL-terminated text as above,
- * copied; null or "" removes the plan. Returns 1; or 0 for a bad plan, and the old one stays. */
+/* Sets the fault plan and resets the call counters. plan: null or "" removes the plan. Returns 1, or
+ * 0 if the plan is bad; the old one then stays. */
 int TembraSoftTokenSetFaults(const char *plan);
 int TembraHostKitSetFaults(const char *plan);
 
-/* Appends the journal to this file from now on. path: NUL-terminated, copied; null or "" stops the
- * journal. Returns 1; or 0 when the file cannot be opened, and the old journal goes on. */
+/* Sets the file of the journal. path: null or "" stops the journal. Returns 1, or 0 if the file
+ * cannot be opened; the old journal then continues. */
 int TembraSoftTokenSetJournal(const char *path);
 int TembraHostKitSetJournal(const char *path);
 
-/* The number of calls of a function since the start or the last plan, those answered by the plan
- * included; of all functions when function is null, 0 for a name that is not exported. */
+/* The number of calls of a function since the start or the last plan, including those that the plan
+ * answered. function: null for all functions. 0 for a name that is not exported. */
 unsigned long long TembraSoftTokenCallCount(const char *function);
 unsigned long long TembraHostKitCallCount(const char *function);
 
-/* The buffers, public keys and devices that the stand-in host library has handed out and not got
- * back: 0 in a program that leaks none. */
+/* The number of buffers, public keys and devices of the host library that have not been freed. */
 unsigned long long TembraHostKitLiveBlocks(void);
 
 #ifdef __cplusplus

@@ -8,10 +8,9 @@
 #include "crypto/hex.h"
 #include "crypto/oids.h"
 #include "crypto/pem.h"
-#include "crypto/pin_hash.h"
 #include "crypto/private_key.h"
 #include "crypto/public_key.h"
-#include "crypto/rsa_padding.h"
+#include "crypto/rsa.h"
 #include "crypto/sm2_encoding.h"
 #include "crypto/sm4.h"
 
@@ -52,15 +51,23 @@ TEST(Sm4, Refusals) {
     EXPECT_FALSE(sm4Decrypt(Sm4Mode::ecb, Sm4Padding::pkcs7, key, {}, {}));
 }
 
-TEST(Rsa, BlocksOfTheWrongKindOrSize) {
-    EXPECT_FALSE(rsaSign(rsaKey(), Bytes(118)));
-    EXPECT_FALSE(rsaEncrypt(rsaKey().publicKey(), Bytes(118)));
-    EXPECT_FALSE(rsaDecrypt(rsaKey(), Bytes(128, 0xFF))); // not below the modulus
-    EXPECT_TRUE(unpadEncryption(*fromHex("0002ffffffffffffffff00"))->empty());
-    // Another type, another first byte, a byte too few of padding, no end of it, no block.
-    for (const char *bad : {"0001ffffffffffffffff00", "0102ffffffffffffffff00",
-                            "0002ffffffffffffff0000", "0002ffffffffffffffffff", "0002", ""})
-        EXPECT_FALSE(unpadEncryption(*fromHex(bad))) << bad;
+TEST(Rsa, InputOfAWrongLengthOrPaddingIsRefused) {
+    const RsaPublicKey key = rsaKey().publicKey();
+    const Bytes data(117, 1), signature = rsaSign(rsaKey(), data).value();
+    EXPECT_TRUE(rsaVerify(key, data, signature));
+    EXPECT_FALSE(rsaVerify(key, data, Bytes(127, 1)));
+    EXPECT_FALSE(rsaVerify(key, data, Bytes(128, 0xFF))); // not below the modulus
+    EXPECT_TRUE(
+        std::ranges::equal(rsaDecrypt(rsaKey(), rsaEncrypt(key, data).value()).value(), data));
+    for (const std::size_t length : {0U, 118U}) {
+        EXPECT_FALSE(rsaSign(rsaKey(), Bytes(length)));
+        EXPECT_FALSE(rsaEncrypt(key, Bytes(length)));
+        EXPECT_FALSE(rsaVerify(key, Bytes(length), signature));
+    }
+    EXPECT_FALSE(rsaDecrypt(rsaKey(), Bytes(127, 1)));
+    EXPECT_FALSE(rsaDecrypt(rsaKey(), Bytes(128, 1))); // no padding of an encryption
+    EXPECT_FALSE(rsaDecrypt(rsaKey(), signature));
+    EXPECT_FALSE(rsaDecrypt(rsaKey(), Bytes(128, 0xFF)));
 }
 
 TEST(Rsa, UnusableKeysAreSeen) {
@@ -122,16 +129,6 @@ TEST(Sm2, DamagedCiphertextsAreRefused) {
     }
 }
 
-TEST(PinHash, WhatIsNoneMatchesNothing) {
-    const Bytes pin(6, '1');
-    const auto stored = hashPin(pin, 100);
-    EXPECT_TRUE(pinMatches(pin, stored));
-    for (const auto &broken :
-         {PinHash{0, stored.salt, stored.hash}, PinHash{100, {}, stored.hash},
-          PinHash{100, stored.salt, {}}, PinHash{4000000000, stored.salt, stored.hash}})
-        EXPECT_FALSE(pinMatches(pin, broken));
-}
-
 TEST(Der, NumbersAreMinimalAndNothingElseIsRead) {
     EXPECT_EQ(toHex(DerWriter().unsignedInteger({}).bytes()), "020100");
     EXPECT_EQ(toHex(DerWriter().unsignedInteger(Bytes{0, 0, 0x7F}).bytes()), "02017f");
@@ -169,9 +166,14 @@ TEST(Encodings, RoundTripAndCutAtEveryByte) {
     EXPECT_EQ(flattenSm2Ciphertext(*decodeSm2Ciphertext(der)), flattenSm2Ciphertext(cipher));
 }
 
-TEST(Text, BrokenBase64PemAndHexAreRefused) {
-    for (const char *bad : {"Zg=", "Zg", "Z===", "Zg==Zg==", "Zm9v!", "Zh==", "=m9v", "Zg=v"})
-        EXPECT_FALSE(decodeBase64(bad)) << bad;
+TEST(Text, DamagedPemAndHexAreRefused) {
+    const auto withBody = [](std::string body) {
+        return decodePem("-----BEGIN X-----\n" + std::move(body) + "\n-----END X-----\n");
+    };
+    EXPECT_EQ(withBody("Zm9v\r\n Zg==").value().front().data, (SecretBytes{'f', 'o', 'o', 'f'}));
+    for (const char *bad :
+         {"Zg=", "Zg", "Z===", "Zg==Zg==", "Zm9v!", "=m9v", "Zg=v", "Zm9vZ", "A: b"})
+        EXPECT_FALSE(withBody(bad)) << bad;
     const std::string pem = encodePem("LABEL", Bytes(100, 0x5A));
     for (std::size_t length = 1; length < pem.size() - 1; ++length) {
         const auto cut = decodePem(pem.substr(0, length));

@@ -44,7 +44,6 @@ protected:
 
     TokenTest() {
         setVariable("TEMBRA_SOFT_TOKEN_DIR", m_directory.path().string());
-        setVariable("TEMBRA_SOFT_TOKEN_PIN_ITERATIONS", "10");
         char made[45] = {};
         std::uint32_t size = sizeof made;
         EXPECT_EQ(SAR_OK, TembraSoftTokenCreate(nullptr, made, &size));

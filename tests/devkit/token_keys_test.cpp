@@ -51,7 +51,7 @@ TEST_F(TokenKeys, LengthsAreCheckedAndALoginIsAskedFor) {
     EXPECT_EQ(SAR_INDATALENERR, signSm2(sm2, 33));
     EXPECT_EQ(SAR_INDATALENERR, signRsa(rsa, 118, 128));
     EXPECT_EQ(SAR_OK, signRsa(rsa, 117, 128));
-    EXPECT_EQ(SAR_OK, signRsa(rsa, 0, 128));
+    EXPECT_EQ(SAR_INDATALENERR, signRsa(rsa, 0, 128));
     EXPECT_EQ(SAR_KEYNOTFOUNTERR, decryptSm2(sm2, 0));
     EXPECT_EQ(SAR_INDATAERR, decryptSm2(sm2, 1));
     EXPECT_EQ(SAR_KEYNOTFOUNTERR, decryptRsa(rsa, 0, 128));
@@ -65,7 +65,7 @@ TEST_F(TokenKeys, LengthsAreCheckedAndALoginIsAskedFor) {
     EXPECT_EQ(SAR_KEYNOTFOUNTERR, SKF_ImportECCKeyPair(create("keyless"), &envelope));
     EXPECT_EQ(SAR_OK, SKF_ClearSecureState(m_application));
     for (const ULONG result :
-         {signSm2(sm2, 32), signRsa(rsa, 0, 128), decryptSm2(sm2, 1), decryptRsa(rsa, 1, 128),
+         {signSm2(sm2, 32), signRsa(rsa, 32, 128), decryptSm2(sm2, 1), decryptRsa(rsa, 1, 128),
           SKF_GenECCKeyPair(sm2, SGD_SM2_1, &m_sm2Blob), SKF_ImportECCKeyPair(sm2, &envelope)})
         EXPECT_EQ(SAR_USER_NOT_LOGGED_IN, result);
 }

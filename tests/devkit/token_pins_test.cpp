@@ -6,6 +6,10 @@
 #include "crypto/hex.h"
 #include "crypto/sm4.h"
 
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
 namespace tembra::test {
 namespace {
 
@@ -77,6 +81,33 @@ TEST_F(TokenPins, ALoginIsSharedByTheApplicationsHandlesAndEndsWithTheLast) {
     login();
     EXPECT_EQ(SAR_OK, SKF_ClearSecureState(m_application));
     EXPECT_EQ(SAR_USER_NOT_LOGGED_IN, use(m_application));
+}
+
+TEST_F(TokenPins, NoTryIsAnsweredThatCannotBeDeducted) {
+    const auto temporary = m_directory.path() / (m_name + ".json.tmp");
+    std::filesystem::create_directory(temporary); // where the token's file would be written
+    for (const char *pin : {USER_PIN, "222222"}) {
+        ULONG left = UNTOUCHED;
+        EXPECT_EQ(SAR_FILEERR, showPin(USER_TYPE, pin, &left));
+        EXPECT_EQ(3U, left);
+    }
+    std::filesystem::remove(temporary);
+    EXPECT_EQ(SAR_OK, showPin(USER_TYPE, USER_PIN));
+}
+
+TEST_F(TokenPins, ATokenOfTheOldFormatIsRefusedAndCanBeRemoved) {
+    close();
+    const auto file = m_directory.path() / (m_name + ".json");
+    std::string text = readFile(file);
+    text.replace(text.find("\"version\": 2"), 12, "\"version\": 1");
+    std::ofstream(file) << text;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(SAR_FAIL, SKF_ConnectDev(m_name.data(), &m_device));
+    EXPECT_EQ(SAR_FAIL, TembraSoftTokenPlug(m_name.c_str()));
+    const std::string message = testing::internal::GetCapturedStderr();
+    EXPECT_NE(std::string::npos, message.find("token create")) << message;
+    EXPECT_EQ(1, std::count(message.begin(), message.end(), '\n'));
+    EXPECT_EQ(SAR_OK, TembraSoftTokenRemove(m_name.c_str()));
 }
 
 TEST_F(TokenPins, DeviceAuthenticationAnswersTheLastChallengeOnce) {

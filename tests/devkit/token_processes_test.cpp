@@ -107,26 +107,6 @@ TEST_F(TokenProcesses, ThatGenerateKeysInThreadsAtOnceLoseNothing) {
     EXPECT_EQ(4U * each, soundKeys());
 }
 
-TEST_F(TokenProcesses, AKillWinsNoFreeTriesAtThePin) {
-    setVariable("TEMBRA_SOFT_TOKEN_PIN_ITERATIONS", "500000"); // long enough to be killed in
-    addApplication("SLOW");
-    const auto triesLeft = [&] {
-        ULONG left = 99;
-        open();
-        EXPECT_EQ(SAR_OK, SKF_GetPINInfo(m_application, USER_TYPE, nullptr, &left, nullptr));
-        close();
-        return left;
-    };
-    for (const ULONG before : {3U, 2U, 1U}) {
-        ASSERT_EQ(before, triesLeft());
-        const pid_t child = start([&] { return showPin(USER_TYPE, "222222") == SAR_OK; });
-        while (triesLeft() == before)
-            std::this_thread::sleep_for(1ms);
-        endByForce(child);
-    }
-    EXPECT_EQ(0U, triesLeft());
-}
-
 TEST_F(TokenProcesses, ALockedDeviceKeepsOthersFromChangesUntilItsHolderIsDone) {
     int pipe[2] = {};
     ASSERT_EQ(0, ::pipe(pipe));

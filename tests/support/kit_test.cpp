@@ -12,7 +12,6 @@ void KitTest::SetUp() {
     m_handlesBefore = TembraSoftTokenOpenHandles(nullptr);
     m_blocksBefore = TembraHostKitLiveBlocks();
     setVariable("TEMBRA_SOFT_TOKEN_DIR", m_directory.path().string());
-    setVariable("TEMBRA_SOFT_TOKEN_PIN_ITERATIONS", "10");
     TembraSoftTokenOptions options = {};
     options.size = sizeof options;
     options.serial = "TEST-0123456789A";

@@ -47,7 +47,6 @@ class CommandTest(unittest.TestCase):
         os.mkdir("tokens")
         self.environment = {**os.environ, **PINS, "LC_ALL": "C.UTF-8",
                             "TEMBRA_SOFT_TOKEN_DIR": f"{self.folder}/tokens",
-                            "TEMBRA_SOFT_TOKEN_PIN_ITERATIONS": "1",
                             "TEMBRA_KEY_PROV_LOG_LEVEL": "0"}
         self.settings(HasSM3=1, HasSM4=1)
         if self.token:

@@ -1,18 +1,14 @@
-// Putting applications on tokens and taking them off.
+// Adding and removing applications.
 #include "tembra_soft_token.h"
-
-#include "control.h"
 
 #include "token/model/pins.h"
 #include "token/skf/entry.h"
 #include "token/store/directory.h"
 
-#include <algorithm>
-#include <charconv>
+#include <memory>
 
 using namespace tembra;
 using namespace tembra::token;
-using namespace tembra::token::control;
 
 namespace {
 
@@ -24,61 +20,40 @@ std::uint32_t triesOr(std::uint32_t tries) {
     return tries != 0 ? tries : TEMBRA_SOFT_TOKEN_DEFAULT_TRIES;
 }
 
-unsigned pinIterations() {
-    unsigned iterations = 0;
-    if (const auto text = store::environment("TEMBRA_SOFT_TOKEN_PIN_ITERATIONS"))
-        std::from_chars(text->data(), text->data() + text->size(), iterations);
-    return iterations != 0 ? iterations : crypto::PIN_HASH_DEFAULT_ITERATIONS;
-}
-
 model::Application applicationFrom(const TembraSoftTokenApplication &options) {
     require(options.size >= sizeof options, SAR_INVALIDPARAMERR);
     model::Application application;
     application.id = model::randomId();
     application.name = skf::nameArgument(options.name, MAX_NAME);
-    const unsigned iterations = pinIterations();
-    application.adminPin = model::makePin(skf::textArgument(options.admin_pin),
-                                          triesOr(options.admin_tries), iterations);
-    application.userPin = model::makePin(skf::textArgument(options.user_pin),
-                                         triesOr(options.user_tries), iterations);
+    application.adminPin =
+        model::makePin(skf::textArgument(options.admin_pin), triesOr(options.admin_tries));
+    application.userPin =
+        model::makePin(skf::textArgument(options.user_pin), triesOr(options.user_tries));
     return application;
-}
-
-auto named(model::Image &image, std::string_view name) {
-    return std::find_if(image.applications.begin(), image.applications.end(),
-                        [&](const auto &application) { return application.name == name; });
 }
 
 } // namespace
 
-std::shared_ptr<model::Token> tembra::token::control::token(const char *name) {
-    const std::string text(skf::textArgument(name));
-    require(store::isTokenName(text), SAR_DEVICE_REMOVED);
-    return model::Token::named(text);
-}
-
 std::uint32_t TembraSoftTokenAddApplication(const char *token,
                                             const TembraSoftTokenApplication *application) {
-    return answer([&] {
+    return resultOf([&] {
         skf::requirePointer(application);
         model::Application made = applicationFrom(*application);
-        const auto on = control::token(token);
-        model::Change change(*on);
-        require(named(change.image(), made.name) == change.image().applications.end(),
-                SAR_APPLICATION_EXISTS);
-        change.image().applications.push_back(std::move(made));
+        const auto owner = model::Token::fromArgument(token);
+        model::Change change(*owner);
+        auto &applications = change.image().applications;
+        require(model::findNamed(applications, made.name) == nullptr, SAR_APPLICATION_EXISTS);
+        applications.push_back(std::move(made));
         change.commit();
     });
 }
 
 std::uint32_t TembraSoftTokenRemoveApplication(const char *token, const char *application) {
-    return answer([&] {
+    return resultOf([&] {
         const std::string_view name = skf::textArgument(application);
-        const auto on = control::token(token);
-        model::Change change(*on);
-        const auto found = named(change.image(), name);
-        require(found != change.image().applications.end(), SAR_APPLICATION_NOT_EXISTS);
-        change.image().applications.erase(found);
+        const auto owner = model::Token::fromArgument(token);
+        model::Change change(*owner);
+        require(model::eraseNamed(change.image().applications, name), SAR_APPLICATION_NOT_EXISTS);
         change.commit();
     });
 }

@@ -2,7 +2,7 @@
 #include "tembra_devkit_faults.h"
 #include "tembra_soft_token.h"
 
-#include "fault_injection/control.h"
+#include "fault_injection/state.h"
 #include "token/skf/handles.h"
 
 #include <string_view>
@@ -11,15 +11,15 @@ using tembra::token::skf::Handles;
 using tembra::token::skf::handles;
 
 int TembraSoftTokenSetFaults(const char *plan) {
-    return tembra::door::setFaults(plan);
+    return tembra::fault_injection::setFaults(plan);
 }
 
 int TembraSoftTokenSetJournal(const char *path) {
-    return tembra::door::setJournal(path);
+    return tembra::fault_injection::setJournal(path);
 }
 
 unsigned long long TembraSoftTokenCallCount(const char *function) {
-    return tembra::door::callCount(function);
+    return tembra::fault_injection::callCount(function);
 }
 
 unsigned long long TembraSoftTokenOpenHandles(const char *kind) {

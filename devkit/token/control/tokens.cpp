@@ -1,7 +1,5 @@
-// Making, listing, plugging and removing tokens.
+// Creating, listing, plugging and removing tokens.
 #include "tembra_soft_token.h"
-
-#include "control.h"
 
 #include "crypto/hex.h"
 #include "crypto/random.h"
@@ -9,12 +7,8 @@
 #include "token/skf/entry.h"
 #include "token/store/directory.h"
 
-#include <array>
-#include <cstring>
-
 using namespace tembra;
 using namespace tembra::token;
-using namespace tembra::token::control;
 
 namespace {
 
@@ -56,12 +50,12 @@ model::Image imageFrom(const TembraSoftTokenOptions &options) {
     return image;
 }
 
-void giveText(const std::string &text, char *out, std::uint32_t *size) {
-    skf::giveBytes({reinterpret_cast<const BYTE *>(text.c_str()), text.size() + 1}, out, size);
+void outputText(const std::string &text, char *out, std::uint32_t *size) {
+    skf::outputBytes({reinterpret_cast<const BYTE *>(text.c_str()), text.size() + 1}, out, size);
 }
 
 void setPlugged(const char *name, bool plugged) {
-    const auto found = token::control::token(name);
+    const auto found = model::Token::fromArgument(name);
     model::Change change(*found);
     model::Image &image = change.image();
     if (image.plugged != plugged) {
@@ -75,33 +69,33 @@ void setPlugged(const char *name, bool plugged) {
 
 std::uint32_t TembraSoftTokenCreate(const TembraSoftTokenOptions *options, char *name,
                                     std::uint32_t *name_size) {
-    return answer([&] {
+    return resultOf([&] {
         TembraSoftTokenOptions defaults = {};
         defaults.size = sizeof defaults;
         const model::Image image = imageFrom(options != nullptr ? *options : defaults);
         const std::string made = store::tokenName(image.serial);
         if (name != nullptr)
-            giveText(made, name, name_size);
+            outputText(made, name, name_size);
         model::Token::named(made)->create(image);
     });
 }
 
 std::uint32_t TembraSoftTokenRemove(const char *name) {
-    return answer([&] { token::control::token(name)->remove(); });
+    return resultOf([&] { model::Token::fromArgument(name)->remove(); });
 }
 
 std::uint32_t TembraSoftTokenUnplug(const char *name) {
-    return answer([&] { setPlugged(name, false); });
+    return resultOf([&] { setPlugged(name, false); });
 }
 
 std::uint32_t TembraSoftTokenPlug(const char *name) {
-    return answer([&] { setPlugged(name, true); });
+    return resultOf([&] { setPlugged(name, true); });
 }
 
 std::uint32_t TembraSoftTokenList(char *names, std::uint32_t *size) {
-    return answer([&] { skf::giveNames(store::tokenNames(), names, size); });
+    return resultOf([&] { skf::outputNames(store::tokenNames(), names, size); });
 }
 
 std::uint32_t TembraSoftTokenDirectory(char *path, std::uint32_t *size) {
-    return answer([&] { giveText(store::utf8FromPath(store::tokenDirectory()), path, size); });
+    return resultOf([&] { outputText(store::tokenDirectory().string(), path, size); });
 }

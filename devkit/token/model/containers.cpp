@@ -20,14 +20,6 @@ ULONG containerType(const Container &container) {
     return CONTAINER_TYPE_EMPTY;
 }
 
-const KeySlot &slotOf(const Container &container, bool signature) {
-    return signature ? container.signature : container.encryption;
-}
-
-KeySlot &slotOf(Container &container, bool signature) {
-    return signature ? container.signature : container.encryption;
-}
-
 void putKey(Container &container, bool signature, crypto::PrivateKey key) {
     const ULONG type = containerType(container);
     require(type == CONTAINER_TYPE_EMPTY || type == typeOf(key), SAR_KEYUSAGEERR);

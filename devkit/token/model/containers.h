@@ -1,8 +1,8 @@
-// The rules of containers: one kind of key, a place for the signature and one for the encryption.
+// Containers: a signature key and an encryption key, both RSA or both SM2.
 #pragma once
 
+#include "error.h"
 #include "image.h"
-#include "refused.h"
 
 namespace tembra::token::model {
 
@@ -11,10 +11,12 @@ constexpr std::size_t MAX_CONTAINER_NAME = 64; // bytes
 
 ULONG containerType(const Container &container); // CONTAINER_TYPE_...
 
-const KeySlot &slotOf(const Container &container, bool signature);
-KeySlot &slotOf(Container &container, bool signature);
+template <typename AnyContainer>
+auto &slotOf(AnyContainer &container, bool signature) {
+    return signature ? container.signature : container.encryption;
+}
 
-// The key in that place; Refused(SAR_KEYNOTFOUNTERR) when there is none or it is of another kind.
+// Error(SAR_KEYNOTFOUNTERR) if there is no such key or it is of another kind.
 template <typename Key>
 const Key &keyOf(const Container &container, bool signature) {
     const KeySlot &slot = slotOf(container, signature);
@@ -23,8 +25,8 @@ const Key &keyOf(const Container &container, bool signature) {
     return *key;
 }
 
-// Puts a key into its place. One that was there goes, with the certificate that was made for it.
-// Refused(SAR_KEYUSAGEERR) when the container holds keys of the other kind.
+// Stores a key, replacing the previous one and its certificate. Error(SAR_KEYUSAGEERR) if the
+// container holds a key of the other kind.
 void putKey(Container &container, bool signature, crypto::PrivateKey key);
 
 } // namespace tembra::token::model

@@ -30,7 +30,7 @@ SecretBytes unwrap(crypto::Sm4Padding padding, const SecretBytes &key, ByteView 
     return std::move(*plain);
 }
 
-// d out of the record that some key management centres encrypt instead of d alone.
+// Some key management centres encrypt a record that contains d instead of d alone.
 SecretBytes fromRecord(const SecretBytes &record) {
     const ByteView view(record);
     const ByteView filling = view.last(RECORD_SIZE - sizeof RECORD_HEAD - crypto::SM2_SIZE);

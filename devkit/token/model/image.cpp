@@ -9,7 +9,7 @@ namespace tembra::token::model {
 
 namespace {
 
-// What a card's file system would spend on an entry beside its content.
+// What the file system of a card would need for an entry besides its content.
 constexpr std::uint64_t APPLICATION_OVERHEAD = 256;
 constexpr std::uint64_t CONTAINER_OVERHEAD = 64;
 constexpr std::uint64_t FILE_OVERHEAD = 48;

@@ -8,7 +8,7 @@ namespace tembra::token::model {
 
 namespace {
 
-// `number` has no more bytes than `field`, which is zero.
+// The field is zeroed and at least as long as the number.
 void alignRight(std::span<BYTE> field, crypto::ByteView number) {
     std::copy_backward(number.begin(), number.end(), field.end());
 }

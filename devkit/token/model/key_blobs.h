@@ -1,8 +1,8 @@
-// Keys, signatures and ciphertexts in the records of GM/T 0016, and back. Numbers stand big-endian
-// and right-aligned in their fields.
+// Conversion of keys, signatures and ciphertexts to and from the structures of GM/T 0016, whose
+// numbers are big-endian and right-aligned.
 #pragma once
 
-#include "refused.h"
+#include "error.h"
 
 #include "crypto/rsa.h"
 #include "crypto/sm2_encrypt.h"
@@ -14,10 +14,10 @@ RSAPUBLICKEYBLOB toBlob(const crypto::RsaPublicKey &key);
 ECCPUBLICKEYBLOB toBlob(const crypto::Sm2PublicKey &key);
 ECCSIGNATUREBLOB toBlob(const crypto::Sm2Signature &signature);
 
-// Refused(SAR_INDATAERR) for a number that doesn't fit or a point that isn't on the curve.
+// Error(SAR_INDATAERR) if a number is too long or the point is not on the curve.
 crypto::Sm2PublicKey fromBlob(const ECCPUBLICKEYBLOB &blob);
 
-// Reads the CipherLen bytes that follow the record as well: the caller has looked at CipherLen.
+// Reads the CipherLen bytes that follow the structure, too; the caller has checked CipherLen.
 crypto::Sm2Ciphertext fromBlob(const ECCCIPHERBLOB &blob);
 
 } // namespace tembra::token::model

@@ -1,5 +1,5 @@
-// Who is logged in to an application, as this process sees it. All handles of one application share
-// it, and it ends with the last of them.
+// The login of this process to an application. All handles of the application share it, and it ends
+// with the last of them.
 #pragma once
 
 #include <atomic>
@@ -22,7 +22,7 @@ struct Login {
 
 class Logins {
 public:
-    // application: its id and what else tells one session from another.
+    // application: identifies the application and the insertion of its token.
     std::shared_ptr<Login> enter(const std::string &application) {
         const std::lock_guard guard(m_mutex);
         Entry &entry = m_entries[application];

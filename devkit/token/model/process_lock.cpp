@@ -19,8 +19,8 @@ bool ProcessLock::tryAcquire() {
     return true;
 }
 
-// Asks again and again rather than sleeping in the system: so a thread of this process that gets
-// the lock meanwhile lets this one in too, and a time limit works the same on every system.
+// Polls, because a wait in the system would not end when another thread of this process gets the
+// lock, and time limits differ between systems.
 bool ProcessLock::acquire(std::uint32_t milliseconds) {
     using namespace std::chrono;
     const auto start = steady_clock::now();

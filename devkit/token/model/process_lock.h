@@ -1,5 +1,5 @@
-// One process's hold on one token against all other processes. It is counted, so that a call made
-// while the host holds the device doesn't wait for its own process.
+// The lock of this process on a token. It is counted, so that a call does not wait for a lock that
+// its own process holds (SKF_LockDev).
 #pragma once
 
 #include "token/store/file_lock.h"
@@ -16,10 +16,10 @@ public:
 
     explicit ProcessLock(store::Path file) : m_file(std::move(file)) {}
 
-    // False when another process kept the token for all of this time.
+    // False if another process held the lock for all of this time.
     bool acquire(std::uint32_t milliseconds);
     void release();
-    // Releases and takes the lock's file away, with the token that it belonged to.
+    // Releases the lock and removes its file.
     void releaseAndRemove();
 
 private:

@@ -1,18 +1,18 @@
 #include "token.h"
 
-#include "refused.h"
+#include <cstdio>
+#include <map>
+#include <set>
 
+#include "error.h"
 #include "token/store/directory.h"
 #include "token/store/token_json.h"
-
-#include <limits>
-#include <map>
 
 namespace tembra::token::model {
 
 namespace {
 
-// Releases the lock of a change that could not begin.
+// Holds the lock of a token within a block, or beyond it with keep().
 class Hold {
 public:
     explicit Hold(ProcessLock &lock) : m_lock(&lock) { lock.acquire(ProcessLock::FOREVER); }
@@ -32,10 +32,24 @@ private:
     ProcessLock *m_lock;
 };
 
+// Writes the message once for each file.
+void reportOldFormat(const store::Path &file) {
+    static std::mutex mutex;
+    static std::set<store::Path> reported;
+    const std::lock_guard guard(mutex);
+    if (reported.insert(file).second)
+        std::fprintf(
+            stderr,
+            "token file %s has an older format and cannot be read; remove the token with "
+            "\"tembrakey token remove\" and create it again with \"tembrakey token create\"\n",
+            file.string().c_str());
+}
+
 } // namespace
 
 std::shared_ptr<Token> Token::named(const std::string &name) {
-    static std::mutex &mutex = *new std::mutex; // calls may come until the very end of the process
+    static std::mutex &mutex =
+        *new std::mutex; // never destroyed: calls may come while the process exits
     static auto &tokens = *new std::map<store::Path, std::weak_ptr<Token>>;
     const store::Path file = store::tokenFile(name);
     const std::lock_guard guard(mutex);
@@ -49,50 +63,48 @@ std::shared_ptr<Token> Token::named(const std::string &name) {
     return token;
 }
 
+std::shared_ptr<Token> Token::fromArgument(const char *name) {
+    require(name != nullptr, SAR_INVALIDPARAMERR);
+    require(store::isTokenName(name), SAR_DEVICE_REMOVED);
+    return named(name);
+}
+
 Token::Token(const store::Path &file) : m_file(file), m_lock(store::lockFile(file)) {}
 
 Snapshot Token::current() {
     const std::lock_guard guard(m_imageMutex);
-    const auto head = store::readFile(m_file, store::HEAD_SIZE);
-    if (head && m_image && *head == m_head)
-        return m_image;
-    const auto text =
-        head ? store::readFile(m_file, std::numeric_limits<std::size_t>::max()) : head;
+    auto text = store::readFile(m_file);
     if (!text) {
         m_image.reset();
-        throw Refused{SAR_DEVICE_REMOVED};
+        throw Error{SAR_DEVICE_REMOVED};
     }
-    m_image = std::make_shared<const Image>(store::decodeImage(*text));
-    m_head = text->substr(0, store::HEAD_SIZE);
+    if (!m_image || *text != m_text) {
+        if (store::isOldFormat(*text))
+            reportOldFormat(m_file);
+        m_image = std::make_shared<const Image>(store::decodeImage(*text));
+        m_text = std::move(*text);
+    }
     return m_image;
 }
 
-Snapshot Token::lastSeen() {
-    const std::lock_guard guard(m_imageMutex);
-    require(m_image != nullptr, SAR_DEVICE_REMOVED);
-    return m_image;
-}
-
-void Token::save(Image &image) {
-    ++image.generation;
-    const std::string text = store::encodeImage(image);
+void Token::save(const Image &image) {
+    std::string text = store::encodeImage(image);
     store::replaceFile(m_file, text);
     const std::lock_guard guard(m_imageMutex);
     m_image = std::make_shared<const Image>(image);
-    m_head = text.substr(0, store::HEAD_SIZE);
+    m_text = std::move(text);
 }
 
 void Token::create(const Image &image) {
     const std::lock_guard guard(m_changing);
     store::makePrivateDirectory(m_file.parent_path());
     const Hold hold(m_lock);
-    require(!store::readFile(m_file, 1).has_value(), SAR_FILE_ALREADY_EXIST);
-    Image first = image;
-    save(first);
+    require(!store::readFile(m_file).has_value(), SAR_FILE_ALREADY_EXIST);
+    save(image);
 }
 
 void Token::remove() {
-    (void)current();
+    require(store::readFile(m_file).has_value(), SAR_DEVICE_REMOVED); // of any format
     const std::lock_guard guard(m_changing);
     Hold hold(m_lock);
     store::removeFile(m_file);
@@ -102,7 +114,7 @@ void Token::remove() {
 }
 
 Change::Change(Token &token) : m_token(token), m_guard(token.m_changing) {
-    (void)token.current(); // no lock file for a token that has gone
+    (void)token.current(); // create no lock file for a missing token
     Hold hold(token.lock());
     m_image = *token.current();
     m_usedBefore = usedSpace(m_image);

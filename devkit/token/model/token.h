@@ -1,5 +1,4 @@
-// A token of this process: its current image, and changes to it that no other process and no kill
-// can come between.
+// A token as this process sees it, and atomic changes to it.
 #pragma once
 
 #include "image.h"
@@ -18,50 +17,51 @@ using Snapshot = std::shared_ptr<const Image>;
 
 class Token {
 public:
-    // The process's one object for the token of this name in the current directory of tokens.
+    // The one object of this process for the token of this name in the current directory.
     static std::shared_ptr<Token> named(const std::string &name);
+
+    // As named(), for the argument of a control function. Error(SAR_INVALIDPARAMERR) if it is null,
+    // Error(SAR_DEVICE_REMOVED) if it is not the name of a token.
+    static std::shared_ptr<Token> fromArgument(const char *name);
 
     explicit Token(const store::Path &file);
 
-    // The token as it is on the disk now; cheap while it hasn't changed. Throws
-    // Refused(SAR_DEVICE_REMOVED) when its file has gone.
+    // The token as stored now. Error(SAR_DEVICE_REMOVED) if its file is missing.
     Snapshot current();
-    // The token as this process has last seen it, without a look at the disk.
-    Snapshot lastSeen();
 
     ProcessLock &lock() { return m_lock; }
     Logins &logins() { return m_logins; }
 
-    // Writes a new token; throws Refused(SAR_FILE_ALREADY_EXIST) when there is one of that name.
+    // Stores a new token; Error(SAR_FILE_ALREADY_EXIST) if there is one of that name.
     void create(const Image &image);
     void remove();
 
 private:
     friend class Change;
-    void save(Image &image);
+    void save(const Image &image);
 
     const store::Path m_file;
     ProcessLock m_lock;
     Logins m_logins;
     std::mutex m_changing; // one change at a time in this process
     std::mutex m_imageMutex;
-    Snapshot m_image;   // null: none seen yet, or gone
-    std::string m_head; // the beginning of the file that image_ was read from
+    Snapshot m_image;   // null: not read yet, or removed
+    std::string m_text; // the file that m_image was read from
 };
 
-// A change in the making. It holds the token against other processes and other changes of this one,
-// and works on a copy of the image: what isn't committed never was.
+// A change to a token, made on a copy of its image. It excludes other changes, also of other
+// processes, for as long as it exists.
 class Change {
 public:
-    explicit Change(Token &token); // waits for as long as it takes
+    explicit Change(Token &token); // waits for the token without a time limit
     Change(const Change &) = delete;
     Change &operator=(const Change &) = delete;
     ~Change();
 
     Image &image() { return m_image; }
 
-    // Makes the image lasting. May be called again after further changes. Throws
-    // Refused(SAR_NO_ROOM) when the change needs more space than the token has.
+    // Stores the image; may be called again after further changes. Error(SAR_NO_ROOM) if the
+    // token has too little space.
     void commit();
 
 private:

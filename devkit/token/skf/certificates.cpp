@@ -1,4 +1,4 @@
-// Certificates: bytes that the token keeps beside a key pair without looking into them.
+// Certificates, which the token stores with a key pair without parsing them.
 #include "token/model/containers.h"
 
 #include "entry.h"
@@ -6,10 +6,10 @@
 
 using namespace tembra::token;
 using namespace tembra::token::skf;
-using tembra::door::Call;
+using tembra::fault_injection::Call;
 
 ULONG SKF_ImportCertificate(HCONTAINER hContainer, BOOL bSignFlag, BYTE *pbCert, ULONG ulCertLen) {
-    Call call("SKF_ImportCertificate");
+    Call call(__func__);
     call.handle("hContainer", hContainer).number("bSignFlag", bSignFlag);
     call.bytes("pbCert", pbCert, ulCertLen);
     return answer(call, [&] {
@@ -18,7 +18,7 @@ ULONG SKF_ImportCertificate(HCONTAINER hContainer, BOOL bSignFlag, BYTE *pbCert,
         requireUser(*found->application);
         model::Change change(found->token());
         require(ulCertLen <= change.image().totalSpace, SAR_NO_ROOM);
-        model::slotOf(locate(change, *found), bSignFlag != 0)
+        model::slotOf(locate(change.image(), *found), bSignFlag != 0)
             .certificate.assign(pbCert, pbCert + ulCertLen);
         change.commit();
     });
@@ -26,14 +26,14 @@ ULONG SKF_ImportCertificate(HCONTAINER hContainer, BOOL bSignFlag, BYTE *pbCert,
 
 ULONG SKF_ExportCertificate(HCONTAINER hContainer, BOOL bSignFlag, BYTE *pbCert,
                             ULONG *pulCertLen) {
-    Call call("SKF_ExportCertificate");
+    Call call(__func__);
     call.handle("hContainer", hContainer).number("bSignFlag", bSignFlag).handle("pbCert", pbCert);
     return answer(call, [&] {
         const auto found = container(hContainer);
         const auto image = imageOf(*found->application->device);
         const auto &certificate = model::slotOf(locate(*image, *found), bSignFlag != 0).certificate;
         require(!certificate.empty(), SAR_CERTNOTFOUNTERR);
-        giveBytes(certificate, pbCert, pulCertLen);
+        outputBytes(certificate, pbCert, pulCertLen);
         call.outputs().bytes("pbCert", pbCert, *pulCertLen);
     });
 }

@@ -1,5 +1,4 @@
-// Block ciphers under an imported key. SMS4 is what the token has; an operation is one call with
-// all of its data after an Init, and the next one needs an Init of its own.
+// SMS4 with an imported key. An operation is an Init and one call with all data.
 #include "entry.h"
 #include "handles.h"
 
@@ -10,7 +9,7 @@
 using namespace tembra;
 using namespace tembra::token;
 using namespace tembra::token::skf;
-using tembra::door::Call;
+using tembra::fault_injection::Call;
 
 namespace {
 
@@ -19,14 +18,14 @@ crypto::Sm4Mode modeOf(ULONG algorithm) {
     return algorithm == SGD_SMS4_CBC ? crypto::Sm4Mode::cbc : crypto::Sm4Mode::ecb;
 }
 
-std::shared_ptr<ImportedKey> importKey(std::shared_ptr<OpenDevice> on, const BYTE *bytes,
+std::shared_ptr<ImportedKey> importKey(std::shared_ptr<OpenDevice> device, const BYTE *bytes,
                                        ULONG algorithm) {
-    (void)imageOf(*on);
+    (void)imageOf(*device);
     auto key = std::make_shared<ImportedKey>();
     key->mode = modeOf(algorithm);
     requirePointer(bytes);
     key->key.assign(bytes, bytes + crypto::SM4_KEY_SIZE);
-    key->device = std::move(on);
+    key->device = std::move(device);
     return key;
 }
 
@@ -45,10 +44,10 @@ void requireWholeBlocks(crypto::ByteView data) {
     require(data.size() % crypto::SM4_BLOCK_SIZE == 0, SAR_INDATALENERR);
 }
 
-void encrypt(ImportedKey &with, crypto::ByteView plain, BYTE *out, ULONG *length) {
-    const std::lock_guard guard(with.mutex);
-    require(with.encryption.has_value(), SAR_NOTINITIALIZEERR);
-    const CipherOperation &operation = *with.encryption;
+void encrypt(ImportedKey &key, crypto::ByteView plain, BYTE *out, ULONG *length) {
+    const std::lock_guard guard(key.mutex);
+    require(key.encryption.has_value(), SAR_NOTINITIALIZEERR);
+    const CipherOperation &operation = *key.encryption;
     std::size_t needed = plain.size();
     if (operation.padding == crypto::Sm4Padding::none)
         requireWholeBlocks(plain);
@@ -57,32 +56,32 @@ void encrypt(ImportedKey &with, crypto::ByteView plain, BYTE *out, ULONG *length
     if (!roomFor(needed, out, length))
         return;
     const auto cipher =
-        crypto::sm4Encrypt(with.mode, operation.padding, with.key, operation.iv, plain);
-    with.encryption.reset();
+        crypto::sm4Encrypt(key.mode, operation.padding, key.key, operation.iv, plain);
+    key.encryption.reset();
     require(cipher.has_value(), SAR_FAIL);
-    giveBytes(*cipher, out, length);
+    outputBytes(*cipher, out, length);
 }
 
-void decrypt(ImportedKey &with, crypto::ByteView cipher, BYTE *out, ULONG *length) {
-    const std::lock_guard guard(with.mutex);
-    require(with.decryption.has_value(), SAR_NOTINITIALIZEERR);
+void decrypt(ImportedKey &key, crypto::ByteView cipher, BYTE *out, ULONG *length) {
+    const std::lock_guard guard(key.mutex);
+    require(key.decryption.has_value(), SAR_NOTINITIALIZEERR);
     requireWholeBlocks(cipher);
     requirePointer(length);
-    if (out == nullptr) { // with padding, how long it is shows only when it is decrypted
+    if (out == nullptr) { // the length without padding is known only after decryption
         *length = static_cast<ULONG>(cipher.size());
         return;
     }
-    const CipherOperation &operation = *with.decryption;
+    const CipherOperation &operation = *key.decryption;
     const auto plain =
-        crypto::sm4Decrypt(with.mode, operation.padding, with.key, operation.iv, cipher);
+        crypto::sm4Decrypt(key.mode, operation.padding, key.key, operation.iv, cipher);
     require(plain.has_value(), SAR_INDATAERR);
-    giveBytes(*plain, out, length);
-    with.decryption.reset();
+    outputBytes(*plain, out, length);
+    key.decryption.reset();
 }
 
-void init(const ImportedKey &with, std::optional<CipherOperation> &operation,
+void init(const ImportedKey &key, std::optional<CipherOperation> &operation,
           const BLOCKCIPHERPARAM &param, std::mutex &mutex) {
-    const CipherOperation prepared = operationOf(with.mode, param);
+    const CipherOperation prepared = operationOf(key.mode, param);
     const std::lock_guard guard(mutex);
     operation = prepared;
 }
@@ -90,18 +89,18 @@ void init(const ImportedKey &with, std::optional<CipherOperation> &operation,
 } // namespace
 
 ULONG SKF_SetSymmKey(DEVHANDLE hDev, BYTE *pbKey, ULONG ulAlgID, HANDLE *phKey) {
-    Call call("SKF_SetSymmKey");
+    Call call(__func__);
     call.handle("hDev", hDev).secret("pbKey", pbKey).number("ulAlgID", ulAlgID);
     return answer(call, [&] {
-        auto on = device(hDev);
+        auto opened = device(hDev);
         requirePointer(phKey);
-        *phKey = handles().keys.add(importKey(std::move(on), pbKey, ulAlgID));
+        *phKey = handles().keys.add(importKey(std::move(opened), pbKey, ulAlgID));
         call.outputs().handle("phKey", *phKey);
     });
 }
 
 ULONG SKF_EncryptInit(HANDLE hKey, BLOCKCIPHERPARAM EncryptParam) {
-    Call call("SKF_EncryptInit");
+    Call call(__func__);
     call.handle("hKey", hKey).bytes("IV", EncryptParam.IV, sizeof EncryptParam.IV);
     call.number("IVLen", EncryptParam.IVLen).number("PaddingType", EncryptParam.PaddingType);
     return answer(call, [&] {
@@ -112,7 +111,7 @@ ULONG SKF_EncryptInit(HANDLE hKey, BLOCKCIPHERPARAM EncryptParam) {
 
 ULONG SKF_Encrypt(HANDLE hKey, BYTE *pbData, ULONG ulDataLen, BYTE *pbEncryptedData,
                   ULONG *pulEncryptedLen) {
-    Call call("SKF_Encrypt");
+    Call call(__func__);
     call.handle("hKey", hKey).secret("pbData", pbData).number("ulDataLen", ulDataLen);
     return answer(call, [&] {
         encrypt(*key(hKey), bytesArgument(pbData, ulDataLen), pbEncryptedData, pulEncryptedLen);
@@ -121,7 +120,7 @@ ULONG SKF_Encrypt(HANDLE hKey, BYTE *pbData, ULONG ulDataLen, BYTE *pbEncryptedD
 }
 
 ULONG SKF_DecryptInit(HANDLE hKey, BLOCKCIPHERPARAM DecryptParam) {
-    Call call("SKF_DecryptInit");
+    Call call(__func__);
     call.handle("hKey", hKey).bytes("IV", DecryptParam.IV, sizeof DecryptParam.IV);
     call.number("IVLen", DecryptParam.IVLen).number("PaddingType", DecryptParam.PaddingType);
     return answer(call, [&] {
@@ -132,7 +131,7 @@ ULONG SKF_DecryptInit(HANDLE hKey, BLOCKCIPHERPARAM DecryptParam) {
 
 ULONG SKF_Decrypt(HANDLE hKey, BYTE *pbEncryptedData, ULONG ulEncryptedLen, BYTE *pbData,
                   ULONG *pulDataLen) {
-    Call call("SKF_Decrypt");
+    Call call(__func__);
     call.handle("hKey", hKey).bytes("pbEncryptedData", pbEncryptedData, ulEncryptedLen);
     return answer(call, [&] {
         decrypt(*key(hKey), bytesArgument(pbEncryptedData, ulEncryptedLen), pbData, pulDataLen);

@@ -4,65 +4,52 @@
 #include "entry.h"
 #include "handles.h"
 
-#include <algorithm>
 #include <memory>
 
 using namespace tembra::token;
 using namespace tembra::token::skf;
-using tembra::door::Call;
+using tembra::fault_injection::Call;
 
 namespace {
 
-template <typename Containers>
-auto named(Containers &containers, std::string_view name) {
-    return std::find_if(containers.begin(), containers.end(),
-                        [&](const auto &container) { return container.name == name; });
-}
-
-std::shared_ptr<OpenContainer> opened(std::shared_ptr<OpenApplication> in, std::string id) {
+std::shared_ptr<OpenContainer> handleTo(std::shared_ptr<OpenApplication> application,
+                                        std::string id) {
     auto container = std::make_shared<OpenContainer>();
-    container->application = std::move(in);
+    container->application = std::move(application);
     container->id = std::move(id);
     return container;
 }
 
-std::shared_ptr<OpenContainer> createContainer(std::shared_ptr<OpenApplication> in,
+std::shared_ptr<OpenContainer> createContainer(std::shared_ptr<OpenApplication> application,
                                                std::string_view name) {
-    requireUser(*in);
-    model::Change change(in->token());
-    auto &containers = locate(change, *in).containers;
-    require(named(containers, name) == containers.end(), SAR_FILE_ALREADY_EXIST);
+    requireUser(*application);
+    model::Change change(application->token());
+    auto &containers = locate(change.image(), *application).containers;
+    require(model::findNamed(containers, name) == nullptr, SAR_FILE_ALREADY_EXIST);
     require(containers.size() < model::MAX_CONTAINERS, SAR_REACH_MAX_CONTAINER_COUNT);
     containers.push_back({model::randomId(), std::string(name), {}, {}});
     change.commit();
-    return opened(std::move(in), containers.back().id);
+    return handleTo(std::move(application), containers.back().id);
 }
 
-void deleteContainer(const OpenApplication &in, std::string_view name) {
-    requireUser(in);
-    model::Change change(in.token());
-    auto &containers = locate(change, in).containers;
-    const auto found = named(containers, name);
-    require(found != containers.end(), SAR_FILE_NOT_EXIST);
-    containers.erase(found);
+void deleteContainer(const OpenApplication &application, std::string_view name) {
+    requireUser(application);
+    model::Change change(application.token());
+    require(model::eraseNamed(locate(change.image(), application).containers, name),
+            SAR_FILE_NOT_EXIST);
     change.commit();
 }
 
-std::shared_ptr<OpenContainer> openContainer(std::shared_ptr<OpenApplication> in,
+std::shared_ptr<OpenContainer> openContainer(std::shared_ptr<OpenApplication> application,
                                              std::string_view name) {
-    const auto image = imageOf(*in->device);
-    const auto &containers = locate(*image, *in).containers;
-    const auto found = named(containers, name);
-    require(found != containers.end(), SAR_FILE_NOT_EXIST);
-    return opened(std::move(in), found->id);
+    const auto image = imageOf(*application->device);
+    const auto *found = model::findNamed(locate(*image, *application).containers, name);
+    require(found != nullptr, SAR_FILE_NOT_EXIST);
+    return handleTo(std::move(application), found->id);
 }
 
-std::vector<std::string> namesOf(const OpenApplication &in) {
-    const auto image = imageOf(*in.device);
-    std::vector<std::string> names;
-    for (const auto &container : locate(*image, in).containers)
-        names.push_back(container.name);
-    return names;
+std::vector<std::string> namesOf(const OpenApplication &application) {
+    return model::namesOf(locate(*imageOf(*application.device), application).containers);
 }
 
 std::string_view containerName(LPSTR name) {
@@ -72,48 +59,48 @@ std::string_view containerName(LPSTR name) {
 } // namespace
 
 ULONG SKF_EnumContainer(HAPPLICATION hApplication, LPSTR szContainerName, ULONG *pulSize) {
-    Call call("SKF_EnumContainer");
+    Call call(__func__);
     call.handle("hApplication", hApplication).handle("szContainerName", szContainerName);
     return answer(call, [&] {
-        giveNames(namesOf(*application(hApplication)), szContainerName, pulSize);
+        outputNames(namesOf(*application(hApplication)), szContainerName, pulSize);
         call.outputs().number("pulSize", *pulSize);
     });
 }
 
 ULONG SKF_CreateContainer(HAPPLICATION hApplication, LPSTR szContainerName,
                           HCONTAINER *phContainer) {
-    Call call("SKF_CreateContainer");
+    Call call(__func__);
     call.handle("hApplication", hApplication).text("szContainerName", szContainerName);
     return answer(call, [&] {
-        auto in = application(hApplication);
+        auto opened = application(hApplication);
         requirePointer(phContainer);
         *phContainer = handles().containers.add(
-            createContainer(std::move(in), containerName(szContainerName)));
+            createContainer(std::move(opened), containerName(szContainerName)));
         call.outputs().handle("phContainer", *phContainer);
     });
 }
 
 ULONG SKF_DeleteContainer(HAPPLICATION hApplication, LPSTR szContainerName) {
-    Call call("SKF_DeleteContainer");
+    Call call(__func__);
     call.handle("hApplication", hApplication).text("szContainerName", szContainerName);
     return answer(
         call, [&] { deleteContainer(*application(hApplication), containerName(szContainerName)); });
 }
 
 ULONG SKF_OpenContainer(HAPPLICATION hApplication, LPSTR szContainerName, HCONTAINER *phContainer) {
-    Call call("SKF_OpenContainer");
+    Call call(__func__);
     call.handle("hApplication", hApplication).text("szContainerName", szContainerName);
     return answer(call, [&] {
-        auto in = application(hApplication);
+        auto opened = application(hApplication);
         requirePointer(phContainer);
-        *phContainer =
-            handles().containers.add(openContainer(std::move(in), containerName(szContainerName)));
+        *phContainer = handles().containers.add(
+            openContainer(std::move(opened), containerName(szContainerName)));
         call.outputs().handle("phContainer", *phContainer);
     });
 }
 
 ULONG SKF_CloseContainer(HCONTAINER hContainer) {
-    Call call("SKF_CloseContainer");
+    Call call(__func__);
     call.handle("hContainer", hContainer);
     return answer(call, [&] {
         require(handles().containers.take(hContainer) != nullptr, SAR_INVALIDHANDLEERR);
@@ -121,7 +108,7 @@ ULONG SKF_CloseContainer(HCONTAINER hContainer) {
 }
 
 ULONG SKF_GetContainerType(HCONTAINER hContainer, ULONG *pulContainerType) {
-    Call call("SKF_GetContainerType");
+    Call call(__func__);
     call.handle("hContainer", hContainer);
     return answer(call, [&] {
         const auto found = container(hContainer);

@@ -1,4 +1,4 @@
-// Random numbers, and the device authentication that is a challenge of them.
+// Random numbers and device authentication, which uses them as challenges.
 #include "entry.h"
 #include "handles.h"
 
@@ -11,18 +11,18 @@
 using namespace tembra;
 using namespace tembra::token;
 using namespace tembra::token::skf;
-using tembra::door::Call;
+using tembra::fault_injection::Call;
 
 namespace {
 
-constexpr ULONG MAX_RANDOM_LENGTH = 0x7FFFFFFF; // more is a negative number that lost its sign
+constexpr ULONG MAX_RANDOM_LENGTH = 0x7FFFFFFF; // more is a negative number converted to ULONG
 
 void rememberChallenge(OpenDevice &device, const BYTE *random) {
     const std::lock_guard guard(device.mutex);
     std::copy_n(random, device.challenge.emplace().size(), device.challenge->begin());
 }
 
-void giveRandom(OpenDevice &device, BYTE *out, ULONG length) {
+void outputRandom(OpenDevice &device, BYTE *out, ULONG length) {
     require(length <= MAX_RANDOM_LENGTH, SAR_INVALIDPARAMERR);
     require(out != nullptr || length == 0, SAR_INVALIDPARAMERR);
     crypto::fillRandom({out, length});
@@ -30,8 +30,8 @@ void giveRandom(OpenDevice &device, BYTE *out, ULONG length) {
         rememberChallenge(device, out);
 }
 
-// The host proves that it knows the key: it returns the challenge, filled up with zeros, encrypted.
-// A challenge is good for one try.
+// The host proves knowledge of the key by returning the encrypted challenge, padded with zeros. A
+// challenge is valid for one try.
 void authenticate(OpenDevice &device, crypto::ByteView proof) {
     require(proof.size() == crypto::SM4_BLOCK_SIZE, SAR_INDATALENERR);
     const auto image = imageOf(device);
@@ -48,18 +48,18 @@ void authenticate(OpenDevice &device, crypto::ByteView proof) {
 } // namespace
 
 ULONG SKF_GenRandom(DEVHANDLE hDev, BYTE *pbRandom, ULONG ulRandomLen) {
-    Call call("SKF_GenRandom");
+    Call call(__func__);
     call.handle("hDev", hDev).number("ulRandomLen", ulRandomLen);
     return answer(call, [&] {
         const auto opened = device(hDev);
         (void)imageOf(*opened);
-        giveRandom(*opened, pbRandom, ulRandomLen);
+        outputRandom(*opened, pbRandom, ulRandomLen);
         call.outputs().secret("pbRandom", pbRandom);
     });
 }
 
 ULONG SKF_DevAuth(DEVHANDLE hDev, BYTE *pbAuthData, ULONG ulLen) {
-    Call call("SKF_DevAuth");
+    Call call(__func__);
     call.handle("hDev", hDev).bytes("pbAuthData", pbAuthData, ulLen);
     return answer(call, [&] {
         const auto opened = device(hDev);

@@ -5,31 +5,26 @@
 #include "token/store/directory.h"
 
 #include <algorithm>
-#include <exception>
 #include <memory>
 #include <span>
 #include <string>
 
 using namespace tembra::token;
 using namespace tembra::token::skf;
-using tembra::door::Call;
+using tembra::fault_injection::Call;
 
 namespace {
 
 constexpr VERSION INTERFACE_VERSION = {1, 0};
 constexpr VERSION HARDWARE_VERSION = {1, 0};
 constexpr VERSION FIRMWARE_VERSION = {1, 0};
-constexpr ULONG MAX_PIECE = 0x7FFFFFFF; // nothing here limits the length of a piece
+constexpr ULONG MAX_PIECE = 0x7FFFFFFF; // data of any length is accepted
 
-// A file that isn't a token, or is being removed, is no device.
+// A file that is not a token, or is being removed, is not listed.
 bool isPlugged(const std::string &name) {
     try {
         return model::Token::named(name)->current()->plugged;
-    } catch (const std::bad_alloc &) {
-        throw;
-    } catch (const std::exception &) {
-        return false;
-    } catch (const Refused &) {
+    } catch (const Error &) {
         return false;
     }
 }
@@ -62,9 +57,9 @@ void disconnect(OpenDevice &device) {
 void lock(OpenDevice &device, ULONG milliseconds) {
     require(device.token->lock().acquire(milliseconds), SAR_TIMEOUTERR);
     const std::lock_guard guard(device.mutex);
-    if (!device.open) { // disconnected by another thread meanwhile
+    if (!device.open) { // disconnected by another thread in the meantime
         device.token->lock().release();
-        throw Refused{SAR_INVALIDHANDLEERR};
+        throw Error{SAR_INVALIDHANDLEERR};
     }
     ++device.locks;
 }
@@ -104,16 +99,16 @@ DEVINFO describe(const model::Image &image) {
 } // namespace
 
 ULONG SKF_EnumDev(BOOL bPresent, LPSTR szNameList, ULONG *pulSize) {
-    Call call("SKF_EnumDev");
+    Call call(__func__);
     call.number("bPresent", bPresent).handle("szNameList", szNameList);
     return answer(call, [&] {
-        giveNames(deviceNames(bPresent != 0), szNameList, pulSize);
+        outputNames(deviceNames(bPresent != 0), szNameList, pulSize);
         call.outputs().number("pulSize", *pulSize);
     });
 }
 
 ULONG SKF_ConnectDev(LPSTR szName, DEVHANDLE *phDev) {
-    Call call("SKF_ConnectDev");
+    Call call(__func__);
     call.text("szName", szName);
     return answer(call, [&] {
         requirePointer(phDev);
@@ -123,7 +118,7 @@ ULONG SKF_ConnectDev(LPSTR szName, DEVHANDLE *phDev) {
 }
 
 ULONG SKF_DisConnectDev(DEVHANDLE hDev) {
-    Call call("SKF_DisConnectDev");
+    Call call(__func__);
     call.handle("hDev", hDev);
     return answer(call, [&] {
         const auto taken = handles().devices.take(hDev);
@@ -133,7 +128,7 @@ ULONG SKF_DisConnectDev(DEVHANDLE hDev) {
 }
 
 ULONG SKF_LockDev(DEVHANDLE hDev, ULONG ulTimeOut) {
-    Call call("SKF_LockDev");
+    Call call(__func__);
     call.handle("hDev", hDev).number("ulTimeOut", ulTimeOut);
     return answer(call, [&] {
         const auto opened = device(hDev);
@@ -143,13 +138,13 @@ ULONG SKF_LockDev(DEVHANDLE hDev, ULONG ulTimeOut) {
 }
 
 ULONG SKF_UnlockDev(DEVHANDLE hDev) {
-    Call call("SKF_UnlockDev");
+    Call call(__func__);
     call.handle("hDev", hDev);
     return answer(call, [&] { unlock(*device(hDev)); });
 }
 
 ULONG SKF_GetDevInfo(DEVHANDLE hDev, DEVINFO *pDevInfo) {
-    Call call("SKF_GetDevInfo");
+    Call call(__func__);
     call.handle("hDev", hDev);
     return answer(call, [&] {
         const auto opened = device(hDev);

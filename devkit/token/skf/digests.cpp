@@ -1,4 +1,4 @@
-// SM3 digests in pieces, and the handles of keys and digests alike.
+// SM3 digests, and closing the handles of keys and digests.
 #include "entry.h"
 #include "handles.h"
 
@@ -12,11 +12,11 @@
 using namespace tembra;
 using namespace tembra::token;
 using namespace tembra::token::skf;
-using tembra::door::Call;
+using tembra::fault_injection::Call;
 
 namespace {
 
-// A signature covers its signer: the digest begins with Z, that of identity and public key.
+// A signed digest begins with Z, the digest of the signer's identity and public key.
 void addSigner(crypto::Digest &digest, const ECCPUBLICKEYBLOB *publicKey, crypto::ByteView id) {
     requirePointer(publicKey);
     const auto z = crypto::sm2SignerDigest(model::fromBlob(*publicKey), crypto::asText(id));
@@ -24,15 +24,15 @@ void addSigner(crypto::Digest &digest, const ECCPUBLICKEYBLOB *publicKey, crypto
     digest.update(*z);
 }
 
-std::shared_ptr<RunningDigest> startDigest(std::shared_ptr<OpenDevice> on, ULONG algorithm,
+std::shared_ptr<RunningDigest> startDigest(std::shared_ptr<OpenDevice> device, ULONG algorithm,
                                            const ECCPUBLICKEYBLOB *publicKey, crypto::ByteView id) {
-    (void)imageOf(*on);
+    (void)imageOf(*device);
     require(algorithm == SGD_SM3, SAR_NOTSUPPORTYETERR);
     auto running = std::make_shared<RunningDigest>();
     running->digest.emplace(crypto::DigestAlgorithm::sm3);
     if (!id.empty())
         addSigner(*running->digest, publicKey, id);
-    running->device = std::move(on);
+    running->device = std::move(device);
     return running;
 }
 
@@ -46,7 +46,7 @@ void finish(RunningDigest &running, BYTE *out, ULONG *length) {
     const std::lock_guard guard(running.mutex);
     require(running.digest.has_value(), SAR_NOTINITIALIZEERR);
     if (roomFor(crypto::SM3_SIZE, out, length)) {
-        giveBytes(running.digest->value(), out, length);
+        outputBytes(running.digest->value(), out, length);
         running.digest.reset();
     }
 }
@@ -55,26 +55,26 @@ void finish(RunningDigest &running, BYTE *out, ULONG *length) {
 
 ULONG SKF_DigestInit(DEVHANDLE hDev, ULONG ulAlgID, ECCPUBLICKEYBLOB *pPubKey, BYTE *pbID,
                      ULONG ulIDLen, HANDLE *phHash) {
-    Call call("SKF_DigestInit");
+    Call call(__func__);
     call.handle("hDev", hDev).number("ulAlgID", ulAlgID);
     call.bytes("pPubKey", pPubKey, sizeof *pPubKey).bytes("pbID", pbID, ulIDLen);
     return answer(call, [&] {
-        auto on = device(hDev);
+        auto opened = device(hDev);
         requirePointer(phHash);
         *phHash = handles().digests.add(
-            startDigest(std::move(on), ulAlgID, pPubKey, bytesArgument(pbID, ulIDLen)));
+            startDigest(std::move(opened), ulAlgID, pPubKey, bytesArgument(pbID, ulIDLen)));
         call.outputs().handle("phHash", *phHash);
     });
 }
 
 ULONG SKF_DigestUpdate(HANDLE hHash, BYTE *pbData, ULONG ulDataLen) {
-    Call call("SKF_DigestUpdate");
+    Call call(__func__);
     call.handle("hHash", hHash).bytes("pbData", pbData, ulDataLen);
     return answer(call, [&] { update(*digest(hHash), bytesArgument(pbData, ulDataLen)); });
 }
 
 ULONG SKF_DigestFinal(HANDLE hHash, BYTE *pbHashData, ULONG *pulHashLen) {
-    Call call("SKF_DigestFinal");
+    Call call(__func__);
     call.handle("hHash", hHash).handle("pbHashData", pbHashData);
     return answer(call, [&] {
         finish(*digest(hHash), pbHashData, pulHashLen);
@@ -83,7 +83,7 @@ ULONG SKF_DigestFinal(HANDLE hHash, BYTE *pbHashData, ULONG *pulHashLen) {
 }
 
 ULONG SKF_CloseHandle(HANDLE hHandle) {
-    Call call("SKF_CloseHandle");
+    Call call(__func__);
     call.handle("hHandle", hHandle);
     return answer(call, [&] {
         const bool closed = handles().keys.take(hHandle) || handles().digests.take(hHandle);

@@ -31,17 +31,17 @@ bool roomFor(std::size_t needed, const void *out, ULONG *length) {
     return out != nullptr;
 }
 
-void giveBytes(crypto::ByteView bytes, void *out, ULONG *length) {
+void outputBytes(crypto::ByteView bytes, void *out, ULONG *length) {
     if (roomFor(bytes.size(), out, length))
         std::copy(bytes.begin(), bytes.end(), static_cast<BYTE *>(out));
 }
 
-void giveNames(const std::vector<std::string> &names, char *out, ULONG *length) {
+void outputNames(const std::vector<std::string> &names, char *out, ULONG *length) {
     std::string list;
     for (const std::string &name : names)
         list.append(name).push_back('\0');
     list.push_back('\0');
-    giveBytes({reinterpret_cast<const BYTE *>(list.data()), list.size()}, out, length);
+    outputBytes({reinterpret_cast<const BYTE *>(list.data()), list.size()}, out, length);
 }
 
 } // namespace tembra::token::skf

@@ -1,4 +1,4 @@
-// Files: bytes of a size fixed at creation, with rights.
+// Files of a fixed size, with access rights.
 #include "entry.h"
 #include "handles.h"
 
@@ -8,7 +8,7 @@
 using namespace tembra;
 using namespace tembra::token;
 using namespace tembra::token::skf;
-using tembra::door::Call;
+using tembra::fault_injection::Call;
 
 namespace {
 
@@ -19,29 +19,23 @@ std::string_view fileName(LPSTR name) {
 }
 
 template <typename Application>
-auto named(Application &in, std::string_view name) {
-    return std::find_if(in.files.begin(), in.files.end(),
-                        [&](const auto &file) { return file.name == name; });
-}
-
-template <typename Application>
-auto &file(Application &in, std::string_view name) {
-    const auto found = named(in, name);
-    require(found != in.files.end(), SAR_FILE_NOT_EXIST);
+auto &fileOf(Application &application, std::string_view name) {
+    auto *found = model::findNamed(application.files, name);
+    require(found != nullptr, SAR_FILE_NOT_EXIST);
     return *found;
 }
 
-// The rights are a set of those who may, or everybody. Nobody helps by logging in where nobody may.
+// If no role has the right, logging in cannot help, so the result is SAR_FAIL.
 void requireRight(ULONG rights, const model::Login &login) {
-    const bool allowed = rights == SECURE_ANYONE_ACCOUNT ||
-                         ((rights & SECURE_USER_ACCOUNT) != 0 && login.user) ||
-                         ((rights & SECURE_ADM_ACCOUNT) != 0 && login.admin);
+    const bool isAllowed = rights == SECURE_ANYONE_ACCOUNT ||
+                           ((rights & SECURE_USER_ACCOUNT) != 0 && login.user) ||
+                           ((rights & SECURE_ADM_ACCOUNT) != 0 && login.admin);
     const bool loginWouldHelp = (rights & (SECURE_USER_ACCOUNT | SECURE_ADM_ACCOUNT)) != 0;
-    require(allowed, loginWouldHelp ? SAR_USER_NOT_LOGGED_IN : SAR_FAIL);
+    require(isAllowed, loginWouldHelp ? SAR_USER_NOT_LOGGED_IN : SAR_FAIL);
 }
 
-void requireAnyLogin(const OpenApplication &in) {
-    require(in.login->user || in.login->admin, SAR_USER_NOT_LOGGED_IN);
+void requireAnyLogin(const OpenApplication &application) {
+    require(application.login->user || application.login->admin, SAR_USER_NOT_LOGGED_IN);
 }
 
 void requireKnownRights(ULONG rights) {
@@ -50,48 +44,46 @@ void requireKnownRights(ULONG rights) {
             SAR_INVALIDPARAMERR);
 }
 
-// Offset and size within the file, compared so that their sum can't overflow.
+// Compared so that the sum of offset and size cannot overflow.
 void requireInside(const model::File &target, ULONG offset, ULONG size) {
     require(offset <= target.content.size() && size <= target.content.size() - offset,
             SAR_INDATALENERR);
 }
 
-void createFile(const OpenApplication &in, std::string_view name, ULONG size, ULONG readRights,
-                ULONG writeRights) {
+void createFile(const OpenApplication &application, std::string_view name, ULONG size,
+                ULONG readRights, ULONG writeRights) {
     requireKnownRights(readRights);
     requireKnownRights(writeRights);
-    requireAnyLogin(in);
-    model::Change change(in.token());
-    model::Application &stored = locate(change, in);
-    require(named(stored, name) == stored.files.end(), SAR_FILE_ALREADY_EXIST);
+    requireAnyLogin(application);
+    model::Change change(application.token());
+    model::Application &stored = locate(change.image(), application);
+    require(model::findNamed(stored.files, name) == nullptr, SAR_FILE_ALREADY_EXIST);
     require(size <= change.image().totalSpace, SAR_NO_ROOM);
     stored.files.push_back({std::string(name), readRights, writeRights, crypto::Bytes(size)});
     change.commit();
 }
 
-void deleteFile(const OpenApplication &in, std::string_view name) {
-    requireAnyLogin(in);
-    model::Change change(in.token());
-    model::Application &stored = locate(change, in);
-    (void)file(stored, name);
-    stored.files.erase(named(stored, name));
+void deleteFile(const OpenApplication &application, std::string_view name) {
+    requireAnyLogin(application);
+    model::Change change(application.token());
+    require(model::eraseNamed(locate(change.image(), application).files, name), SAR_FILE_NOT_EXIST);
     change.commit();
 }
 
-void readFile(const OpenApplication &in, std::string_view name, ULONG offset, ULONG size, BYTE *out,
-              ULONG *length) {
-    const auto image = imageOf(*in.device);
-    const model::File &source = file(locate(*image, in), name);
-    requireRight(source.readRights, *in.login);
+void readFile(const OpenApplication &application, std::string_view name, ULONG offset, ULONG size,
+              BYTE *out, ULONG *length) {
+    const auto image = imageOf(*application.device);
+    const model::File &source = fileOf(locate(*image, application), name);
+    requireRight(source.readRights, *application.login);
     requireInside(source, offset, size);
-    giveBytes(crypto::ByteView(source.content).subspan(offset, size), out, length);
+    outputBytes(crypto::ByteView(source.content).subspan(offset, size), out, length);
 }
 
-void writeFile(const OpenApplication &in, std::string_view name, ULONG offset,
+void writeFile(const OpenApplication &application, std::string_view name, ULONG offset,
                crypto::ByteView data) {
-    model::Change change(in.token());
-    model::File &target = file(locate(change, in), name);
-    requireRight(target.writeRights, *in.login);
+    model::Change change(application.token());
+    model::File &target = fileOf(locate(change.image(), application), name);
+    requireRight(target.writeRights, *application.login);
     requireInside(target, offset, static_cast<ULONG>(data.size()));
     std::copy(data.begin(), data.end(), target.content.begin() + offset);
     change.commit();
@@ -106,28 +98,24 @@ FILEATTRIBUTE attributesOf(const model::File &source) {
     return attributes;
 }
 
-std::vector<std::string> namesOf(const OpenApplication &in) {
-    const auto image = imageOf(*in.device);
-    std::vector<std::string> names;
-    for (const auto &each : locate(*image, in).files)
-        names.push_back(each.name);
-    return names;
+std::vector<std::string> namesOf(const OpenApplication &application) {
+    return model::namesOf(locate(*imageOf(*application.device), application).files);
 }
 
 } // namespace
 
 ULONG SKF_EnumFiles(HAPPLICATION hApplication, LPSTR szFileList, ULONG *pulSize) {
-    Call call("SKF_EnumFiles");
+    Call call(__func__);
     call.handle("hApplication", hApplication).handle("szFileList", szFileList);
     return answer(call, [&] {
-        giveNames(namesOf(*application(hApplication)), szFileList, pulSize);
+        outputNames(namesOf(*application(hApplication)), szFileList, pulSize);
         call.outputs().number("pulSize", *pulSize);
     });
 }
 
 ULONG SKF_CreateFile(HAPPLICATION hApplication, LPSTR szFileName, ULONG ulFileSize,
                      ULONG ulReadRights, ULONG ulWriteRights) {
-    Call call("SKF_CreateFile");
+    Call call(__func__);
     call.handle("hApplication", hApplication).text("szFileName", szFileName);
     call.number("ulFileSize", ulFileSize);
     call.number("ulReadRights", ulReadRights).number("ulWriteRights", ulWriteRights);
@@ -138,19 +126,19 @@ ULONG SKF_CreateFile(HAPPLICATION hApplication, LPSTR szFileName, ULONG ulFileSi
 }
 
 ULONG SKF_DeleteFile(HAPPLICATION hApplication, LPSTR szFileName) {
-    Call call("SKF_DeleteFile");
+    Call call(__func__);
     call.handle("hApplication", hApplication).text("szFileName", szFileName);
     return answer(call, [&] { deleteFile(*application(hApplication), fileName(szFileName)); });
 }
 
 ULONG SKF_GetFileInfo(HAPPLICATION hApplication, LPSTR szFileName, FILEATTRIBUTE *pFileInfo) {
-    Call call("SKF_GetFileInfo");
+    Call call(__func__);
     call.handle("hApplication", hApplication).text("szFileName", szFileName);
     return answer(call, [&] {
-        const auto in = application(hApplication);
+        const auto opened = application(hApplication);
         requirePointer(pFileInfo);
-        const auto image = imageOf(*in->device);
-        *pFileInfo = attributesOf(file(locate(*image, *in), fileName(szFileName)));
+        const auto image = imageOf(*opened->device);
+        *pFileInfo = attributesOf(fileOf(locate(*image, *opened), fileName(szFileName)));
         call.outputs().number("FileSize", pFileInfo->FileSize);
         call.number("ReadRights", pFileInfo->ReadRights);
         call.number("WriteRights", pFileInfo->WriteRights);
@@ -159,7 +147,7 @@ ULONG SKF_GetFileInfo(HAPPLICATION hApplication, LPSTR szFileName, FILEATTRIBUTE
 
 ULONG SKF_ReadFile(HAPPLICATION hApplication, LPSTR szFileName, ULONG ulOffset, ULONG ulSize,
                    BYTE *pbOutData, ULONG *pulOutLen) {
-    Call call("SKF_ReadFile");
+    Call call(__func__);
     call.handle("hApplication", hApplication).text("szFileName", szFileName);
     call.number("ulOffset", ulOffset).number("ulSize", ulSize);
     return answer(call, [&] {
@@ -171,7 +159,7 @@ ULONG SKF_ReadFile(HAPPLICATION hApplication, LPSTR szFileName, ULONG ulOffset, 
 
 ULONG SKF_WriteFile(HAPPLICATION hApplication, LPSTR szFileName, ULONG ulOffset, BYTE *pbData,
                     ULONG ulSize) {
-    Call call("SKF_WriteFile");
+    Call call(__func__);
     call.handle("hApplication", hApplication).text("szFileName", szFileName);
     call.number("ulOffset", ulOffset).bytes("pbData", pbData, ulSize);
     return answer(call, [&] {

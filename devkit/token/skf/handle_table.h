@@ -1,8 +1,7 @@
-// Handles: numbers that were never used before and never will be, so that one that was closed, or
-// made up, is told from one that is open.
+// Handles: numbers that are never reused, so that closed and invalid handles are detected.
 #pragma once
 
-#include "token/model/refused.h"
+#include "token/model/error.h"
 
 #include <atomic>
 #include <cstdint>
@@ -19,7 +18,7 @@ inline std::uintptr_t nextHandle() {
     return last += 16;
 }
 
-// The open objects of one kind. Thread-safe. An object lives on while a call still works with it.
+// The open objects of one kind. Thread-safe. An object lives until the last call using it returns.
 template <typename Object>
 class HandleTable {
 public:
@@ -30,7 +29,7 @@ public:
         return reinterpret_cast<HANDLE>(handle);
     }
 
-    // Null when there is no such handle.
+    // Null if there is no such handle.
     std::shared_ptr<Object> find(HANDLE handle) const {
         const std::shared_lock guard(m_mutex);
         const auto found = m_objects.find(reinterpret_cast<std::uintptr_t>(handle));
@@ -43,7 +42,7 @@ public:
         return object;
     }
 
-    // Takes the object out; null when there is no such handle.
+    // Removes the object; null if there is no such handle.
     std::shared_ptr<Object> take(HANDLE handle) {
         const std::unique_lock guard(m_mutex);
         const auto node = m_objects.extract(reinterpret_cast<std::uintptr_t>(handle));

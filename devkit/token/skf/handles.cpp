@@ -1,34 +1,9 @@
 #include "handles.h"
 
-#include <algorithm>
-
 namespace tembra::token::skf {
 
-namespace {
-
-template <typename Items>
-auto &withId(Items &items, const std::string &id) {
-    const auto found =
-        std::find_if(items.begin(), items.end(), [&](const auto &item) { return item.id == id; });
-    require(found != items.end(), SAR_INVALIDHANDLEERR);
-    return *found;
-}
-
-template <typename Image>
-auto &applicationIn(Image &image, const OpenApplication &application) {
-    requirePresent(*application.device, image);
-    return withId(image.applications, application.id);
-}
-
-template <typename Image>
-auto &containerIn(Image &image, const OpenContainer &container) {
-    return withId(applicationIn(image, *container.application).containers, container.id);
-}
-
-} // namespace
-
 Handles &handles() {
-    static Handles &all = *new Handles; // calls may come until the very end of the process
+    static Handles &all = *new Handles; // never destroyed: calls may come while the process exits
     return all;
 }
 
@@ -51,14 +26,14 @@ std::shared_ptr<OpenContainer> container(HCONTAINER handle) {
 std::shared_ptr<ImportedKey> key(HANDLE handle) {
     auto found = handles().keys.get(handle);
     require(found->device->open, SAR_INVALIDHANDLEERR);
-    requirePresent(*found->device);
+    (void)imageOf(*found->device);
     return found;
 }
 
 std::shared_ptr<RunningDigest> digest(HANDLE handle) {
     auto found = handles().digests.get(handle);
     require(found->device->open, SAR_INVALIDHANDLEERR);
-    requirePresent(*found->device);
+    (void)imageOf(*found->device);
     return found;
 }
 
@@ -71,26 +46,6 @@ model::Snapshot imageOf(const OpenDevice &device) {
     auto image = device.token->current();
     requirePresent(device, *image);
     return image;
-}
-
-void requirePresent(const OpenDevice &device) {
-    requirePresent(device, *device.token->lastSeen());
-}
-
-const model::Application &locate(const model::Image &image, const OpenApplication &application) {
-    return applicationIn(image, application);
-}
-
-const model::Container &locate(const model::Image &image, const OpenContainer &container) {
-    return containerIn(image, container);
-}
-
-model::Application &locate(model::Change &change, const OpenApplication &application) {
-    return applicationIn(change.image(), application);
-}
-
-model::Container &locate(model::Change &change, const OpenContainer &container) {
-    return containerIn(change.image(), container);
 }
 
 void requireUser(const OpenApplication &application) {

@@ -1,6 +1,6 @@
-// What the handles stand for. A handle whose parent was closed, or whose container was deleted, is
-// good for nothing but being closed itself, so that leaks are seen. One whose token was unplugged
-// or removed answers SAR_DEVICE_REMOVED, also when a token comes back in its place.
+// The objects behind the handles. If the parent of a handle was closed or its container deleted,
+// the handle can only be closed, so that leaks show. If its token was unplugged or removed, every
+// call returns SAR_DEVICE_REMOVED, even after the token is back.
 #pragma once
 
 #include "handle_table.h"
@@ -33,7 +33,7 @@ struct OpenDevice {
 struct OpenApplication {
     std::shared_ptr<OpenDevice> device;
     std::string id;
-    std::string session; // the login it shares
+    std::string session; // the key of the shared login
     std::shared_ptr<model::Login> login;
     std::atomic<bool> open{true};
 
@@ -47,7 +47,7 @@ struct OpenContainer {
     model::Token &token() const { return application->token(); }
 };
 
-// An operation that was initialised and waits for its data.
+// An initialised operation that waits for its data.
 struct CipherOperation {
     crypto::Sm4Padding padding = crypto::Sm4Padding::none;
     crypto::Sm4Block iv{};
@@ -80,32 +80,39 @@ struct Handles {
 };
 Handles &handles();
 
-// The open object behind a handle, its parents open as well; Refused(SAR_INVALIDHANDLEERR).
+// The object behind a handle. Error(SAR_INVALIDHANDLEERR) unless it and its parents are open; keys
+// and digests also require the token to be present.
 std::shared_ptr<OpenDevice> device(DEVHANDLE handle);
 std::shared_ptr<OpenApplication> application(HAPPLICATION handle);
 std::shared_ptr<OpenContainer> container(HCONTAINER handle);
 std::shared_ptr<ImportedKey> key(HANDLE handle);
 std::shared_ptr<RunningDigest> digest(HANDLE handle);
 
-// Refused(SAR_DEVICE_REMOVED) unless the image is that of the token the handle was opened for,
-// plugged in ever since.
+// Error(SAR_DEVICE_REMOVED) unless the token of the handle has been plugged in ever since.
 void requirePresent(const OpenDevice &device, const model::Image &image);
 
-// The present token's image.
+// The image of the token, which must be present.
 model::Snapshot imageOf(const OpenDevice &device);
 
-// For handles that work without the token's content: looks at what this process knows of the token,
-// not at the disk, which would cost more than the work itself.
-void requirePresent(const OpenDevice &device);
+template <typename Items>
+auto &withId(Items &items, const std::string &id) {
+    const auto found = std::ranges::find_if(items, [&](const auto &item) { return item.id == id; });
+    require(found != items.end(), SAR_INVALIDHANDLEERR);
+    return *found;
+}
 
-// The application or container in an image, for reading or within a change; checks the token's
-// presence too. Refused(SAR_INVALIDHANDLEERR) when it was deleted.
-const model::Application &locate(const model::Image &image, const OpenApplication &application);
-const model::Container &locate(const model::Image &image, const OpenContainer &container);
-model::Application &locate(model::Change &change, const OpenApplication &application);
-model::Container &locate(model::Change &change, const OpenContainer &container);
-
-// Refused(SAR_USER_NOT_LOGGED_IN) unless the user has shown the PIN.
+// The application or container in the image of a present token, for reading or within a change.
+// Error(SAR_INVALIDHANDLEERR) if it was deleted.
+template <typename Image>
+auto &locate(Image &image, const OpenApplication &application) {
+    requirePresent(*application.device, image);
+    return withId(image.applications, application.id);
+}
+template <typename Image>
+auto &locate(Image &image, const OpenContainer &container) {
+    return withId(locate(image, *container.application).containers, container.id);
+}
+// Error(SAR_USER_NOT_LOGGED_IN) unless the user is logged in.
 void requireUser(const OpenApplication &application);
 
 } // namespace tembra::token::skf

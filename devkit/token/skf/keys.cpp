@@ -1,4 +1,4 @@
-// Key pairs: generating, importing, exporting the public key.
+// Key pairs: generating and importing; exporting public keys.
 #include "entry.h"
 #include "handles.h"
 
@@ -11,14 +11,14 @@
 using namespace tembra;
 using namespace tembra::token;
 using namespace tembra::token::skf;
-using tembra::door::Call;
+using tembra::fault_injection::Call;
 
 namespace {
 
 constexpr bool SIGNATURE_PLACE = true;
 constexpr bool ENCRYPTION_PLACE = false;
 
-// Making a key takes time: what would be refused afterwards is refused before.
+// Generating a key takes time, so check first whether it can be stored.
 void requireRoomForKey(const OpenContainer &found, ULONG type) {
     requireUser(*found.application);
     const auto image = imageOf(*found.application->device);
@@ -28,7 +28,7 @@ void requireRoomForKey(const OpenContainer &found, ULONG type) {
 
 void store(const OpenContainer &found, bool place, crypto::PrivateKey key) {
     model::Change change(found.token());
-    model::putKey(locate(change, found), place, std::move(key));
+    model::putKey(locate(change.image(), found), place, std::move(key));
     change.commit();
 }
 
@@ -50,8 +50,7 @@ ECCPUBLICKEYBLOB generateSm2(const OpenContainer &found, ULONG algorithm) {
     return blob;
 }
 
-// Opens an envelope with the container's signature key, and stores what is in it as the encryption
-// key. `open` is given that key.
+// Stores the key pair that `open` takes from an envelope with the signature key of the container.
 template <typename Key, typename Open>
 void importKey(const OpenContainer &found, Open open) {
     requireUser(*found.application);
@@ -60,20 +59,20 @@ void importKey(const OpenContainer &found, Open open) {
     store(found, ENCRYPTION_PLACE, open(signatureKey));
 }
 
-void givePublicKey(const crypto::PrivateKey &key, BYTE *out, ULONG *length) {
-    const auto give = [&](const auto &blob) {
-        giveBytes({reinterpret_cast<const BYTE *>(&blob), sizeof blob}, out, length);
+void outputPublicKey(const crypto::PrivateKey &key, BYTE *out, ULONG *length) {
+    const auto output = [&](const auto &blob) {
+        outputBytes({reinterpret_cast<const BYTE *>(&blob), sizeof blob}, out, length);
     };
     if (const auto *rsa = std::get_if<crypto::RsaPrivateKey>(&key))
-        give(model::toBlob(rsa->publicKey()));
+        output(model::toBlob(rsa->publicKey()));
     else
-        give(model::toBlob(std::get<crypto::Sm2KeyPair>(key).publicKey));
+        output(model::toBlob(std::get<crypto::Sm2KeyPair>(key).publicKey));
 }
 
 } // namespace
 
 ULONG SKF_GenRSAKeyPair(HCONTAINER hContainer, ULONG ulBitsLen, RSAPUBLICKEYBLOB *pBlob) {
-    Call call("SKF_GenRSAKeyPair");
+    Call call(__func__);
     call.handle("hContainer", hContainer).number("ulBitsLen", ulBitsLen);
     return answer(call, [&] {
         const auto found = container(hContainer);
@@ -84,7 +83,7 @@ ULONG SKF_GenRSAKeyPair(HCONTAINER hContainer, ULONG ulBitsLen, RSAPUBLICKEYBLOB
 }
 
 ULONG SKF_GenECCKeyPair(HCONTAINER hContainer, ULONG ulAlgId, ECCPUBLICKEYBLOB *pBlob) {
-    Call call("SKF_GenECCKeyPair");
+    Call call(__func__);
     call.handle("hContainer", hContainer).number("ulAlgId", ulAlgId);
     return answer(call, [&] {
         const auto found = container(hContainer);
@@ -95,7 +94,7 @@ ULONG SKF_GenECCKeyPair(HCONTAINER hContainer, ULONG ulAlgId, ECCPUBLICKEYBLOB *
 }
 
 ULONG SKF_ImportECCKeyPair(HCONTAINER hContainer, ENVELOPEDKEYBLOB *pEnvelopedKeyBlob) {
-    Call call("SKF_ImportECCKeyPair");
+    Call call(__func__);
     call.handle("hContainer", hContainer);
     call.bytes("pEnvelopedKeyBlob", pEnvelopedKeyBlob, sizeof *pEnvelopedKeyBlob);
     return answer(call, [&] {
@@ -109,7 +108,7 @@ ULONG SKF_ImportECCKeyPair(HCONTAINER hContainer, ENVELOPEDKEYBLOB *pEnvelopedKe
 
 ULONG SKF_ImportRSAKeyPair(HCONTAINER hContainer, ULONG ulSymAlgId, BYTE *pbWrappedKey,
                            ULONG ulWrappedKeyLen, BYTE *pbEncryptedData, ULONG ulEncryptedDataLen) {
-    Call call("SKF_ImportRSAKeyPair");
+    Call call(__func__);
     call.handle("hContainer", hContainer).number("ulSymAlgId", ulSymAlgId);
     call.bytes("pbWrappedKey", pbWrappedKey, ulWrappedKeyLen);
     call.bytes("pbEncryptedData", pbEncryptedData, ulEncryptedDataLen);
@@ -124,14 +123,14 @@ ULONG SKF_ImportRSAKeyPair(HCONTAINER hContainer, ULONG ulSymAlgId, BYTE *pbWrap
 }
 
 ULONG SKF_ExportPublicKey(HCONTAINER hContainer, BOOL bSignFlag, BYTE *pbBlob, ULONG *pulBlobLen) {
-    Call call("SKF_ExportPublicKey");
+    Call call(__func__);
     call.handle("hContainer", hContainer).number("bSignFlag", bSignFlag).handle("pbBlob", pbBlob);
     return answer(call, [&] {
         const auto found = container(hContainer);
         const auto image = imageOf(*found->application->device);
         const auto &slot = model::slotOf(locate(*image, *found), bSignFlag != 0);
         require(slot.key.has_value(), SAR_KEYNOTFOUNTERR);
-        givePublicKey(*slot.key, pbBlob, pulBlobLen);
+        outputPublicKey(*slot.key, pbBlob, pulBlobLen);
         call.outputs().bytes("pbBlob", pbBlob, *pulBlobLen);
     });
 }

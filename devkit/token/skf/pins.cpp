@@ -1,4 +1,4 @@
-// PINs: showing, changing, unblocking, asking.
+// PINs: verifying, changing, unblocking, querying.
 #include "token/model/pins.h"
 
 #include "entry.h"
@@ -8,7 +8,7 @@
 
 using namespace tembra::token;
 using namespace tembra::token::skf;
-using tembra::door::Call;
+using tembra::fault_injection::Call;
 
 namespace {
 
@@ -18,10 +18,10 @@ auto &pinOf(Application &application, ULONG type) {
     return type == USER_TYPE ? application.userPin : application.adminPin;
 }
 
-// A PIN that is refused also ends the login it was to renew.
+// A wrong PIN also ends a previous login.
 void logIn(const OpenApplication &opened, ULONG type, std::string_view pin, ULONG *triesLeft) {
     model::Change change(opened.token());
-    model::Pin &stored = pinOf(locate(change, opened), type);
+    model::Pin &stored = pinOf(locate(change.image(), opened), type);
     std::atomic<bool> &login = type == USER_TYPE ? opened.login->user : opened.login->admin;
     try {
         model::checkPin(change, stored, pin, triesLeft);
@@ -35,7 +35,7 @@ void logIn(const OpenApplication &opened, ULONG type, std::string_view pin, ULON
 void changePin(const OpenApplication &opened, ULONG type, std::string_view oldPin,
                std::string_view newPin, ULONG *triesLeft) {
     model::Change change(opened.token());
-    model::Pin &stored = pinOf(locate(change, opened), type);
+    model::Pin &stored = pinOf(locate(change.image(), opened), type);
     model::requirePinLength(newPin);
     model::checkPin(change, stored, oldPin, triesLeft);
     model::replacePin(stored, newPin);
@@ -45,15 +45,14 @@ void changePin(const OpenApplication &opened, ULONG type, std::string_view oldPi
 void unblockPin(const OpenApplication &opened, std::string_view adminPin,
                 std::string_view newUserPin, ULONG *triesLeft) {
     model::Change change(opened.token());
-    model::Application &stored = locate(change, opened);
+    model::Application &stored = locate(change.image(), opened);
     model::requirePinLength(newUserPin);
     model::checkPin(change, stored.adminPin, adminPin, triesLeft);
     model::replacePin(stored.userPin, newUserPin);
     change.commit();
 }
 
-template <typename Number>
-void give(Number *out, Number value) {
+void set(auto *out, auto value) {
     if (out != nullptr)
         *out = value;
 }
@@ -61,7 +60,7 @@ void give(Number *out, Number value) {
 } // namespace
 
 ULONG SKF_VerifyPIN(HAPPLICATION hApplication, ULONG ulPINType, LPSTR szPIN, ULONG *pulRetryCount) {
-    Call call("SKF_VerifyPIN");
+    Call call(__func__);
     call.handle("hApplication", hApplication).number("ulPINType", ulPINType).secret("szPIN", szPIN);
     return answer(call, [&] {
         logIn(*application(hApplication), ulPINType, textArgument(szPIN), pulRetryCount);
@@ -70,7 +69,7 @@ ULONG SKF_VerifyPIN(HAPPLICATION hApplication, ULONG ulPINType, LPSTR szPIN, ULO
 
 ULONG SKF_ChangePIN(HAPPLICATION hApplication, ULONG ulPINType, LPSTR szOldPin, LPSTR szNewPin,
                     ULONG *pulRetryCount) {
-    Call call("SKF_ChangePIN");
+    Call call(__func__);
     call.handle("hApplication", hApplication).number("ulPINType", ulPINType);
     call.secret("szOldPin", szOldPin).secret("szNewPin", szNewPin);
     return answer(call, [&] {
@@ -81,7 +80,7 @@ ULONG SKF_ChangePIN(HAPPLICATION hApplication, ULONG ulPINType, LPSTR szOldPin, 
 
 ULONG SKF_UnblockPIN(HAPPLICATION hApplication, LPSTR szAdminPIN, LPSTR szNewUserPIN,
                      ULONG *pulRetryCount) {
-    Call call("SKF_UnblockPIN");
+    Call call(__func__);
     call.handle("hApplication", hApplication);
     call.secret("szAdminPIN", szAdminPIN).secret("szNewUserPIN", szNewUserPIN);
     return answer(call, [&] {
@@ -92,15 +91,15 @@ ULONG SKF_UnblockPIN(HAPPLICATION hApplication, LPSTR szAdminPIN, LPSTR szNewUse
 
 ULONG SKF_GetPINInfo(HAPPLICATION hApplication, ULONG ulPINType, ULONG *pulMaxRetryCount,
                      ULONG *pulRemainRetryCount, BOOL *pbDefaultPin) {
-    Call call("SKF_GetPINInfo");
+    Call call(__func__);
     call.handle("hApplication", hApplication).number("ulPINType", ulPINType);
     return answer(call, [&] {
         const auto opened = application(hApplication);
         const auto image = imageOf(*opened->device);
         const model::Pin &pin = pinOf(locate(*image, *opened), ulPINType);
-        give(pulMaxRetryCount, ULONG{pin.maxTries});
-        give(pulRemainRetryCount, ULONG{pin.triesLeft});
-        give(pbDefaultPin, BOOL{pin.isDefault});
+        set(pulMaxRetryCount, pin.maxTries);
+        set(pulRemainRetryCount, pin.triesLeft);
+        set(pbDefaultPin, pin.isDefault);
         call.outputs().number("pulMaxRetryCount", pin.maxTries);
         call.number("pulRemainRetryCount", pin.triesLeft).number("pbDefaultPin", pin.isDefault);
     });

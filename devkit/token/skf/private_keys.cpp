@@ -1,4 +1,4 @@
-// What private keys do: signing and decrypting.
+// Signing and decrypting with private keys.
 #include "entry.h"
 #include "handles.h"
 
@@ -8,13 +8,13 @@
 using namespace tembra;
 using namespace tembra::token;
 using namespace tembra::token::skf;
-using tembra::door::Call;
+using tembra::fault_injection::Call;
 
 namespace {
 
 constexpr std::size_t PADDING_SIZE = 11; // the least that PKCS #1 v1.5 adds
 
-// A private key that the user may work with, for as long as this lives.
+// A private key of a container with a logged-in user.
 template <typename Key>
 class PrivateKeyOf {
 public:
@@ -33,25 +33,25 @@ private:
 };
 
 void signRsa(const crypto::RsaPrivateKey &key, crypto::ByteView data, BYTE *out, ULONG *length) {
-    require(data.size() + PADDING_SIZE <= key.n.size(), SAR_INDATALENERR);
+    require(!data.empty() && data.size() + PADDING_SIZE <= key.n.size(), SAR_INDATALENERR);
     if (!roomFor(key.n.size(), out, length))
         return;
     const auto signature = crypto::rsaSign(key, data);
     require(signature.has_value(), SAR_FAIL);
-    giveBytes(*signature, out, length);
+    outputBytes(*signature, out, length);
 }
 
 void decryptRsa(const crypto::RsaPrivateKey &key, crypto::ByteView cipher, BYTE *out,
                 ULONG *length) {
     requirePointer(length);
     require(cipher.size() == key.n.size(), SAR_INDATALENERR);
-    if (out == nullptr) { // how long it is shows only when it is decrypted
+    if (out == nullptr) { // the exact length is known only after decryption
         *length = static_cast<ULONG>(key.n.size());
         return;
     }
     const auto plain = crypto::rsaDecrypt(key, cipher);
     require(plain.has_value(), SAR_DECRYPTPADERR);
-    giveBytes(*plain, out, length);
+    outputBytes(*plain, out, length);
 }
 
 void decryptSm2(const crypto::Sm2KeyPair &key, const ECCCIPHERBLOB &cipher, BYTE *out,
@@ -61,14 +61,14 @@ void decryptSm2(const crypto::Sm2KeyPair &key, const ECCCIPHERBLOB &cipher, BYTE
         return;
     const auto plain = crypto::sm2Decrypt(key.d, model::fromBlob(cipher));
     require(plain.has_value(), SAR_INDATAERR);
-    giveBytes(*plain, out, length);
+    outputBytes(*plain, out, length);
 }
 
 } // namespace
 
 ULONG SKF_RSASignData(HCONTAINER hContainer, BYTE *pbData, ULONG ulDataLen, BYTE *pbSignature,
                       ULONG *pulSignLen) {
-    Call call("SKF_RSASignData");
+    Call call(__func__);
     call.handle("hContainer", hContainer).bytes("pbData", pbData, ulDataLen);
     return answer(call, [&] {
         const PrivateKeyOf<crypto::RsaPrivateKey> key(hContainer, true);
@@ -79,7 +79,7 @@ ULONG SKF_RSASignData(HCONTAINER hContainer, BYTE *pbData, ULONG ulDataLen, BYTE
 
 ULONG SKF_ECCSignData(HCONTAINER hContainer, BYTE *pbData, ULONG ulDataLen,
                       ECCSIGNATUREBLOB *pSignature) {
-    Call call("SKF_ECCSignData");
+    Call call(__func__);
     call.handle("hContainer", hContainer).bytes("pbData", pbData, ulDataLen);
     return answer(call, [&] {
         const PrivateKeyOf<crypto::Sm2KeyPair> key(hContainer, true);
@@ -95,7 +95,7 @@ ULONG SKF_ECCSignData(HCONTAINER hContainer, BYTE *pbData, ULONG ulDataLen,
 
 ULONG SKF_RSADecrypt(HCONTAINER hContainer, BOOL bSignKey, BYTE *pbIn, ULONG ulInLen, BYTE *pbOut,
                      ULONG *pulOutLen) {
-    Call call("SKF_RSADecrypt");
+    Call call(__func__);
     call.handle("hContainer", hContainer).number("bSignKey", bSignKey);
     call.bytes("pbIn", pbIn, ulInLen);
     return answer(call, [&] {
@@ -107,7 +107,7 @@ ULONG SKF_RSADecrypt(HCONTAINER hContainer, BOOL bSignKey, BYTE *pbIn, ULONG ulI
 
 ULONG SKF_ECCDecrypt(HCONTAINER hContainer, BOOL bSignKey, ECCCIPHERBLOB *pCipher, BYTE *pbOut,
                      ULONG *pulOutLen) {
-    Call call("SKF_ECCDecrypt");
+    Call call(__func__);
     call.handle("hContainer", hContainer).number("bSignKey", bSignKey);
     call.bytes("pCipher", pCipher, offsetof(ECCCIPHERBLOB, Cipher));
     return answer(call, [&] {

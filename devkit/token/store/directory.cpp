@@ -1,7 +1,10 @@
 #include "directory.h"
 
 #include <algorithm>
-#include <stdexcept>
+
+#include "fault_injection/platform.h"
+#include "token/model/error.h"
+#include "token/store/platform.h"
 
 namespace tembra::token::store {
 
@@ -15,18 +18,18 @@ constexpr std::size_t MAX_SERIAL = 32;
 } // namespace
 
 Path tokenDirectory() {
-    if (const auto directory = environment("TEMBRA_SOFT_TOKEN_DIR"))
-        return pathFromUtf8(*directory);
+    if (const auto directory = fault_injection::environment("TEMBRA_SOFT_TOKEN_DIR"))
+        return fault_injection::pathFromUtf8(*directory);
     if (const auto directory = userTokenDirectory())
         return *directory;
-    throw std::runtime_error("no directory for tokens");
+    throw Error{SAR_FAIL};
 }
 
 std::vector<std::string> tokenNames() {
     std::vector<std::string> names;
     std::error_code missing;
     for (const auto &entry : std::filesystem::directory_iterator(tokenDirectory(), missing)) {
-        const std::string name = utf8FromPath(entry.path().stem());
+        const std::string name = entry.path().stem().string();
         if (entry.path().extension() == ".json" && isTokenName(name))
             names.push_back(name);
     }
@@ -47,7 +50,7 @@ bool isTokenName(std::string_view name) {
 }
 
 Path tokenFile(std::string_view name) {
-    return tokenDirectory() / pathFromUtf8(std::string(name) + ".json");
+    return tokenDirectory() / (std::string(name) + ".json");
 }
 
 Path lockFile(const Path &tokenFile) {

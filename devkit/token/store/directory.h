@@ -1,4 +1,4 @@
-// The directory of tokens: one JSON file and, while somebody works with it, one lock file a token.
+// The directory of tokens: a JSON file and a lock file for each token.
 #pragma once
 
 #include "file_system.h"
@@ -9,15 +9,15 @@
 
 namespace tembra::token::store {
 
-// TEMBRA_SOFT_TOKEN_DIR, else the user's own directory; asked for anew by every call, so that a
-// process may move on to another directory. Throws std::runtime_error when there is neither.
+// TEMBRA_SOFT_TOKEN_DIR, else the user's own directory. Every call reads the variable, so that a
+// process may change it. Error(SAR_FAIL) if there is neither.
 Path tokenDirectory();
 
-// Device names in order. Other files in the directory are passed over.
+// Device names in order. Other files in the directory are ignored.
 std::vector<std::string> tokenNames();
 
-// "TEMBRA-SOFT-" and a serial number; a serial number is 1 to 32 letters, digits, '-' or '_', so
-// that a name is always a plain file name.
+// "TEMBRA-SOFT-" and a serial number of 1 to 32 letters, digits, '-' or '_', which makes every name
+// a valid file name.
 std::string tokenName(std::string_view serial);
 bool isTokenName(std::string_view name);
 

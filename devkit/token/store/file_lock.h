@@ -1,5 +1,5 @@
-// An exclusive lock on a file between processes. The operating system drops it when its holder
-// dies. The twins file_lock_posix.cpp and file_lock_windows.cpp implement it.
+// An exclusive lock on a file between processes. The operating system releases it if its holder
+// dies.
 #pragma once
 
 #include "file_system.h"
@@ -11,15 +11,15 @@ namespace tembra::token::store {
 
 class FileLock {
 public:
-    // Takes the lock if nobody holds it, creating the file; throws std::system_error when the file
-    // can't be opened. The file is opened for each lock, so that a forked process never shares one.
+    // Takes the lock if it is free, creating the file; Error(SAR_FILEERR) if the file cannot be
+    // opened. Each lock opens the file anew, so that a forked process never shares one.
     static std::optional<FileLock> tryAcquire(const Path &file);
 
     FileLock(FileLock &&other) noexcept : m_handle(other.m_handle) { other.m_handle = NONE; }
     FileLock &operator=(FileLock &&) = delete;
     ~FileLock();
 
-    // Gives up the lock and removes its file, when nobody else has it open.
+    // Releases the lock and removes its file unless another process has it open.
     static void releaseAndRemove(FileLock lock, const Path &file);
 
 private:

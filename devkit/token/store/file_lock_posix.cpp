@@ -1,17 +1,17 @@
 #include "file_lock.h"
 
-#include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <system_error>
 #include <unistd.h>
+
+#include "token/model/error.h"
 
 namespace tembra::token::store {
 
 namespace {
 
-// A lock on a file that its last holder has removed excludes nobody.
+// A lock on a file that has been removed excludes no other process.
 bool isFileAt(int fd, const Path &file) {
     struct stat mine = {};
     struct stat there = {};
@@ -25,7 +25,7 @@ std::optional<FileLock> FileLock::tryAcquire(const Path &file) {
     for (;;) {
         const int fd = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
         if (fd < 0)
-            throw std::system_error(errno, std::generic_category(), "open lock file");
+            throw Error{SAR_FILEERR};
         FileLock lock(fd);
         if (::flock(fd, LOCK_EX | LOCK_NB) != 0)
             return std::nullopt;
@@ -40,7 +40,7 @@ FileLock::~FileLock() {
 }
 
 void FileLock::releaseAndRemove(FileLock lock, const Path &file) {
-    (void)lock; // removed while it is held: whoever waits notices that its file has gone
+    (void)lock; // still held: a waiting process finds that its file has been removed
     ::unlink(file.c_str());
 }
 

@@ -1,6 +1,5 @@
 #include "file_lock.h"
 
-#include <system_error>
 #include <utility>
 
 #ifndef NOMINMAX
@@ -8,6 +7,8 @@
 #endif
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
+
+#include "token/model/error.h"
 
 namespace tembra::token::store {
 
@@ -18,8 +19,8 @@ std::optional<FileLock> FileLock::tryAcquire(const Path &file) {
     if (handle == INVALID_HANDLE_VALUE) {
         const DWORD error = ::GetLastError();
         if (error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION)
-            return std::nullopt; // being removed just now
-        throw std::system_error(static_cast<int>(error), std::system_category(), "open lock file");
+            return std::nullopt; // another process is removing it
+        throw Error{SAR_FILEERR};
     }
     FileLock lock(reinterpret_cast<std::intptr_t>(handle));
     OVERLAPPED whole = {};
@@ -35,7 +36,7 @@ FileLock::~FileLock() {
 
 void FileLock::releaseAndRemove(FileLock lock, const Path &file) {
     { const FileLock released(std::move(lock)); }
-    ::DeleteFileW(file.c_str()); // refused while anybody has it open, so no lock is ever orphaned
+    ::DeleteFileW(file.c_str()); // fails while another process has it open
 }
 
 } // namespace tembra::token::store

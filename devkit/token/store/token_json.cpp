@@ -1,12 +1,10 @@
 #include "token_json.h"
 
-#include "crypto/hex.h"
-#include "crypto/private_key.h"
-
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
-#include <stdexcept>
+#include "crypto/hex.h"
+#include "crypto/private_key.h"
+#include "token/model/error.h"
 
 namespace tembra::token::store {
 
@@ -21,18 +19,18 @@ using model::KeySlot;
 using model::Pin;
 
 constexpr const char *FORMAT = "tembra-soft-token";
-constexpr int VERSION = 1;
+constexpr int VERSION = 2;
 constexpr const char *WARNING =
-    "A token for development: its private keys stand here in clear. Keep no real key on it.";
+    "For development only: this file contains private keys in clear. Keep no real key on it.";
 
 Json hex(crypto::ByteView bytes) {
     return crypto::toHex(bytes);
 }
 
 crypto::Bytes unhex(const Json &text) {
-    if (auto bytes = crypto::fromHex(text.get<std::string>()))
-        return std::move(*bytes);
-    throw std::runtime_error("bad hexadecimal text");
+    auto bytes = crypto::fromHex(text.get_ref<const std::string &>());
+    require(bytes.has_value(), SAR_FAIL);
+    return std::move(*bytes);
 }
 
 crypto::SecretBytes unhexSecret(const Json &text) {
@@ -42,7 +40,7 @@ crypto::SecretBytes unhexSecret(const Json &text) {
     return secret;
 }
 
-// Names are bytes to a token, and a host may write them in any encoding. JSON takes UTF-8 only.
+// A host may pass names in any encoding, but JSON is UTF-8.
 Json nameText(const std::string &name) {
     try {
         (void)Json(name).dump();
@@ -60,19 +58,17 @@ std::string nameFrom(const Json &text) {
 }
 
 Json pinJson(const Pin &pin) {
-    return {{"iterations", pin.secret.iterations}, {"salt", hex(pin.secret.salt)},
-            {"hash", hex(pin.secret.hash)},        {"maxTries", pin.maxTries},
-            {"triesLeft", pin.triesLeft},          {"default", pin.isDefault}};
+    return {{"salt", hex(pin.salt)},
+            {"digest", hex(pin.digest)},
+            {"maxTries", pin.maxTries},
+            {"triesLeft", pin.triesLeft},
+            {"default", pin.isDefault}};
 }
 
 Pin pinFrom(const Json &json) {
-    Pin pin;
-    pin.secret = {json.at("iterations").get<unsigned>(), unhex(json.at("salt")),
-                  unhex(json.at("hash"))};
-    pin.maxTries = json.at("maxTries").get<std::uint32_t>();
-    pin.triesLeft = json.at("triesLeft").get<std::uint32_t>();
-    pin.isDefault = json.at("default").get<bool>();
-    return pin;
+    return {unhex(json.at("salt")), unhex(json.at("digest")),
+            json.at("maxTries").get<std::uint32_t>(), json.at("triesLeft").get<std::uint32_t>(),
+            json.at("default").get<bool>()};
 }
 
 Json keyJson(const crypto::PrivateKey &key) {
@@ -86,19 +82,18 @@ Json keyJson(const crypto::PrivateKey &key) {
 }
 
 crypto::Sm2Number sm2Number(const Json &text) {
-    if (const auto number = crypto::toSm2Number(unhex(text)))
-        return *number;
-    throw std::runtime_error("bad SM2 number");
+    const auto number = crypto::toSm2Number(unhex(text));
+    require(number.has_value(), SAR_FAIL);
+    return *number;
 }
 
 crypto::PrivateKey keyFrom(const Json &json) {
-    if (json.at("algorithm") == "SM2") {
+    if (json.at("algorithm") == "SM2")
         return crypto::Sm2KeyPair{{sm2Number(json.at("x")), sm2Number(json.at("y"))},
                                   unhexSecret(json.at("d"))};
-    }
-    if (auto rsa = crypto::decodePkcs1(unhexSecret(json.at("pkcs1"))))
-        return std::move(*rsa);
-    throw std::runtime_error("bad RSA key");
+    auto rsa = crypto::decodePkcs1(unhexSecret(json.at("pkcs1")));
+    require(rsa.has_value(), SAR_FAIL);
+    return std::move(*rsa);
 }
 
 Json slotJson(const KeySlot &slot) {
@@ -177,14 +172,29 @@ Application applicationFrom(const Json &json) {
             arrayFrom(json.at("files"), fileFrom)};
 }
 
+Image imageFrom(const Json &json) {
+    require(json.at("format") == FORMAT && json.at("version") == VERSION, SAR_FAIL);
+    Image image;
+    image.id = json.at("id").get<std::string>();
+    image.label = nameFrom(json.at("label"));
+    image.serial = json.at("serial").get<std::string>();
+    image.manufacturer = nameFrom(json.at("manufacturer"));
+    image.issuer = nameFrom(json.at("issuer"));
+    image.totalSpace = json.at("totalSpace").get<std::uint32_t>();
+    image.deviceAuthKey = unhexSecret(json.at("deviceAuthKey"));
+    image.plugged = json.at("plugged").get<bool>();
+    image.insertions = json.at("insertions").get<std::uint64_t>();
+    image.applications = arrayFrom(json.at("applications"), applicationFrom);
+    return image;
+}
+
 } // namespace
 
 std::string encodeImage(const Image &image) {
     const Json json = {{"format", FORMAT},
                        {"version", VERSION},
-                       {"id", image.id},
-                       {"generation", image.generation},
                        {"warning", WARNING},
+                       {"id", image.id},
                        {"label", nameText(image.label)},
                        {"serial", image.serial},
                        {"manufacturer", nameText(image.manufacturer)},
@@ -198,22 +208,17 @@ std::string encodeImage(const Image &image) {
 }
 
 Image decodeImage(std::string_view text) {
-    const Json json = Json::parse(text);
-    if (json.at("format") != FORMAT || json.at("version") != VERSION)
-        throw std::runtime_error("not a token of this version");
-    Image image;
-    image.id = json.at("id").get<std::string>();
-    image.generation = json.at("generation").get<std::uint64_t>();
-    image.label = nameFrom(json.at("label"));
-    image.serial = json.at("serial").get<std::string>();
-    image.manufacturer = nameFrom(json.at("manufacturer"));
-    image.issuer = nameFrom(json.at("issuer"));
-    image.totalSpace = json.at("totalSpace").get<std::uint32_t>();
-    image.deviceAuthKey = unhexSecret(json.at("deviceAuthKey"));
-    image.plugged = json.at("plugged").get<bool>();
-    image.insertions = json.at("insertions").get<std::uint64_t>();
-    image.applications = arrayFrom(json.at("applications"), applicationFrom);
-    return image;
+    try {
+        return imageFrom(Json::parse(text));
+    } catch (const Json::exception &) {
+        throw Error{SAR_FAIL};
+    }
+}
+
+bool isOldFormat(std::string_view text) {
+    const Json json = Json::parse(text, nullptr, false);
+    return json.is_object() && json.value("format", "") == FORMAT &&
+           json.value("version", VERSION) < VERSION;
 }
 
 } // namespace tembra::token::store

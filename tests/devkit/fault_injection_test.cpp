@@ -6,11 +6,10 @@
 #include <sstream>
 
 #include "fault_injection/call.h"
-#include "fault_injection/control.h"
-#include "fault_injection/function_names.h"
+#include "fault_injection/state.h"
 #include "temporary_directory.h"
 
-namespace tembra::door {
+namespace tembra::fault_injection {
 
 namespace {
 
@@ -130,4 +129,4 @@ TEST_F(Journal, RecordsArgumentsAndResults) {
     }
 }
 
-} // namespace tembra::door
+} // namespace tembra::fault_injection

@@ -1,26 +1,23 @@
+// The functions of tembra_devkit_faults.h.
 #include "tembra_devkit_faults.h"
 
-#include "fault_injection/control.h"
-#include "handed_out.h"
+#include "blocks.h"
+#include "fault_injection/state.h"
 
 using namespace tembra;
 
-extern "C" {
-
 int TembraHostKitSetFaults(const char *plan) {
-    return door::setFaults(plan);
+    return fault_injection::setFaults(plan);
 }
 
 int TembraHostKitSetJournal(const char *path) {
-    return door::setJournal(path);
+    return fault_injection::setJournal(path);
 }
 
 unsigned long long TembraHostKitCallCount(const char *function) {
-    return door::callCount(function);
+    return fault_injection::callCount(function);
 }
 
 unsigned long long TembraHostKitLiveBlocks(void) {
     return host::liveBlocks();
 }
-
-} // extern "C"

@@ -1,15 +1,14 @@
-#include "random_source.h"
-
 #include <cstdarg>
 #include <cstdio>
 
 #include "gcrypt_handles.h"
+#include "random.h"
 
 namespace tembra::crypto {
 
 namespace {
 
-// Everything that is worth a warning goes where libgcrypt would write it.
+// Writes warnings and errors where libgcrypt would, and drops the rest.
 void logWithoutNotes(void *, int level, const char *format, std::va_list arguments) {
     if (level != GCRY_LOG_INFO && level != GCRY_LOG_CONT)
         std::vfprintf(stderr, format, arguments);
@@ -17,8 +16,8 @@ void logWithoutNotes(void *, int level, const char *format, std::va_list argumen
 
 } // namespace
 
-// libgcrypt gathers randomness from all over Windows, which takes long and writes a note about disk
-// statistics each time: so once, as the seed of its own generator, and without the note.
+// On Windows libgcrypt's system generator polls the whole machine for every request and prints a
+// note about disk statistics each time. So keep its default generator, which polls once for a seed.
 void chooseRandomSource() {
     gcry_set_log_handler(logWithoutNotes, nullptr);
 }
