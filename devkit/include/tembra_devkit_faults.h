@@ -2,8 +2,8 @@
  * that load them in-process. C11 and C++. All functions are thread-safe; every text is UTF-8.
  *
  * The software token (QXSKFAPI) exports the TembraSoftToken... functions, the stand-in host library
- * (ORVEL_CRYPTO) the TembraHostKit... ones. Each library has its own plan, journal and counters. The
- * first call into a library reads the initial values from the environment variables
+ * (ORVEL_CRYPTO) the TembraHostKit... ones. Each library has its own plan, journal and counters.
+ * The first call into a library reads the initial values from the environment variables
  * TEMBRA_SOFT_TOKEN_FAULTS (a fault plan) and TEMBRA_SOFT_TOKEN_JOURNAL (the path of a journal).
  *
  * A fault plan is a list of entries separated by commas; white space around an entry is ignored. A
@@ -15,10 +15,10 @@
  *   *:N=CODE       the Nth call of any function of the library (*:N+= and *:*= likewise)
  *
  * NAME is an exported SKF_... or OrvelPKICrypto... name. Entries for the other library are ignored,
- * so one plan can serve both. CODE is a decimal or 0x hexadecimal number of up to 32 bits; functions
- * of the host library return it as an int, or null if they return a pointer. The first matching
- * entry applies. If an entry is bad, the whole plan is refused and the entry is reported on standard
- * error.
+ * so one plan can serve both. CODE is a decimal or 0x hexadecimal number of up to 32 bits;
+ * functions of the host library return it as an int, or null if they return a pointer. The first
+ * matching entry applies. If an entry is bad, the whole plan is refused and the entry is reported
+ * on standard error.
  *
  * The journal is a file of mode 0600 to which every call appends one line of JSON:
  *
@@ -34,8 +34,8 @@
 extern "C" {
 #endif
 
-/* Sets the fault plan and resets the call counters. plan: null or "" removes the plan. Returns 1, or
- * 0 if the plan is bad; the old one then stays. */
+/* Sets the fault plan and resets the call counters. plan: null or "" removes the plan. Returns 1,
+ * or 0 if the plan is bad; the old one then stays. */
 int TembraSoftTokenSetFaults(const char *plan);
 int TembraHostKitSetFaults(const char *plan);
 
