@@ -54,8 +54,8 @@ Arguments &Arguments::flag(const char *form, bool &target, const char *help) {
     return *this;
 }
 
-Arguments &Arguments::choice(const char *form, std::string &target,
-                             std::initializer_list<const char *> choices, const char *help) {
+Arguments &Arguments::choice(const char *form, std::string &target, const char *help,
+                             std::initializer_list<const char *> choices) {
     const Form parts = split(form);
     CLI::Option *option = m_app.add_option(parts.names, target, tr(help));
     std::string shown;

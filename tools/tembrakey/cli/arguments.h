@@ -21,8 +21,8 @@ public:
     Arguments &text(const char *form, std::string &target, const char *help);
     Arguments &number(const char *form, int &target, const char *help, int least, int most);
     Arguments &flag(const char *form, bool &target, const char *help);
-    Arguments &choice(const char *form, std::string &target,
-                      std::initializer_list<const char *> choices, const char *help);
+    Arguments &choice(const char *form, std::string &target, const char *help,
+                      std::initializer_list<const char *> choices);
 
     // The argument declared last is required, or cannot be combined with another one.
     Arguments &required();

@@ -84,13 +84,11 @@ nlohmann::json connectedDevices(const Position &position) {
     platform::setEnvironment("TEMBRA_KEY_PROV_LOG_LEVEL", "0");
     if (!position.provider.empty())
         platform::setEnvironment("TEMBRA_KEY_PROV", position.provider);
-    nlohmann::json devices = nlohmann::json::array();
-    platform::runSelf(DEVICES_WORD, 1, [&](std::string_view line) {
-        const auto listed = nlohmann::json::parse(line, nullptr, false);
-        if (listed.is_object())
-            devices = listed.value("devices", devices);
-    });
-    return devices;
+    std::string text;
+    platform::runSelf(DEVICES_WORD, 1, [&](std::string_view line) { text.append(line) += '\n'; });
+    const auto listed = nlohmann::json::parse(text, nullptr, false);
+    const auto none = nlohmann::json::array();
+    return listed.is_object() ? listed.value("devices", none) : none;
 }
 
 Candidates serials(const Position &position) {

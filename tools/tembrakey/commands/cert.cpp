@@ -26,11 +26,12 @@ private:
         const auto certificate = parseCertificate(requiredCertificate(pair));
         if (!certificate)
             throw Failure(ExitCode::failure,
-                          tr("The certificate of {1} is not X.509", {label(pair)}));
+                          tr("the certificate of {1} is not X.509", {label(pair)}));
         const bool matches = certificate->key == publicKey(pair);
         Json object = detailsOf(*certificate);
         object["matchesKey"] = matches;
-        const char *key = matches ? "for the key of {1}" : "for another key than the one of {1}";
+        const char *key =
+            matches ? N_("for the key of {1}") : N_("for another key than the one of {1}");
         console.result(object, tr("subject {1}", {certificate->subject}) + "\n" +
                                    detailsText(*certificate, "") + "\n" + tr(key, {label(pair)}));
     }
@@ -42,8 +43,9 @@ class CertExport final : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
         declareKeyPair(arguments, m_key);
-        arguments.flag("--der", m_der, "Write DER instead of PEM (with --out)");
-        m_out.declare(arguments, "Where the certificate goes (else standard output)");
+        arguments.flag("--der", m_der, "write DER instead of PEM (with --out)");
+        m_out.declare(arguments,
+                      N_("write the certificate to this file (default: standard output)"));
     }
 
 private:
@@ -68,13 +70,13 @@ void CertExport::work(const Console &console, const Device &device) {
                    {"type", m_key.type},
                    {"subject", certificate ? certificate->subject : ""}},
                   m_der ? crypto::ByteView(der) : crypto::asBytes(pem),
-                  "Certificate written to {1}", "pem", pem);
+                  N_("Certificate written to {1}"), "pem", pem);
 }
 
 class CertImport final : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("FILE", m_file, "An X.509 certificate, PEM or DER").required();
+        arguments.text("FILE", m_file, "X.509 certificate, PEM or DER").required();
         declareKeyPair(arguments, m_key);
         m_login.declare(arguments);
     }
@@ -106,21 +108,21 @@ void CertImport::work(const Console &console, const Device &device) {
 } // namespace
 
 const CommandEntry certShowCommand = {
-    "cert show", "Show a certificate's names, serial number and validity",
-    "The signature of its issuer is not checked.",
+    "cert show", N_("Show a certificate's names, serial number and validity"),
+    N_("The signature of its issuer is not checked."),
     "  tembrakey cert show --label alice\n"
     "  tembrakey cert show --label alice --type encrypt --json | jq -r .notAfter",
     make<CertShow>};
 
 const CommandEntry certExportCommand = {
-    "cert export", "Read a certificate from the token", "",
+    "cert export", N_("Read a certificate from the token"), "",
     "  tembrakey cert export --label alice --out alice.crt\n"
     "  tembrakey cert export --label alice --type encrypt | openssl x509 -text -noout",
     make<CertExport>};
 
 const CommandEntry certImportCommand = {
-    "cert import", "Store a certificate with a key pair, in place of an earlier one",
-    "The certificate must be for the public key of that pair.",
+    "cert import", N_("Store the certificate of a key pair, replacing an earlier one"),
+    N_("The certificate must be for the public key of that pair."),
     "  tembrakey cert import alice.crt --label alice --pin-env PIN\n"
     "  tembrakey cert import alice-enc.crt --label alice --type encrypt",
     make<CertImport>};

@@ -12,8 +12,8 @@ Json detailsOf(const Certificate &certificate) {
 
 std::string detailsText(const Certificate &certificate, const std::string &indentation) {
     const std::string now = currentTime();
-    const char *state = certificate.notAfter < now    ? " (expired)"
-                        : certificate.notBefore > now ? " (not yet valid)"
+    const char *state = certificate.notAfter < now    ? N_(" (expired)")
+                        : certificate.notBefore > now ? N_(" (not yet valid)")
                                                       : "";
     return indentation + tr("issuer {1}", {certificate.issuer}) + "\n" + indentation +
            tr("serial number {1}", {certificate.serial}) + "\n" + indentation +

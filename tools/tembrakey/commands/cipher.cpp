@@ -35,9 +35,8 @@ private:
 };
 
 [[noreturn]] void refuseLength() {
-    throw Failure(
-        ExitCode::usage,
-        tr("The input's length is not a multiple of 16 bytes (--pad lets encrypt fill up)"));
+    throw Failure(ExitCode::usage, tr("the length of the input is not a multiple of 16 bytes (use "
+                                      "--pad with encrypt and decrypt)"));
 }
 
 SPI_CIPHER_HANDLE newCipher(const Device &device, const CipherOptions &options, bool encrypt) {
@@ -90,7 +89,7 @@ void CipherJob::removePadding() {
     for (std::size_t i = 0; good && i < count; ++i)
         good = m_held[BLOCK_SIZE - 1 - i] == count;
     if (!good)
-        throw Failure(ExitCode::usage, tr("The padding is wrong: another key, IV or mode?"));
+        throw Failure(ExitCode::usage, tr("the padding is wrong: another key, IV or mode?"));
     write({m_held.data(), BLOCK_SIZE - count});
 }
 

@@ -47,15 +47,14 @@ CipherOptions::~CipherOptions() {
 
 void CipherOptions::declare(Arguments &arguments) {
     arguments
-        .choice("--algo", m_algorithm,
-                {"sm4-cbc", "sm4-ecb", "sm1-cbc", "sm1-ecb", "ssf33-cbc", "ssf33-ecb"},
-                "Cipher and mode (sm4-cbc)")
-        .text("--key-file FILE", m_keyFile, "A file with the key: 16 bytes, or 32 hex digits")
+        .choice("--algo", m_algorithm, "cipher and mode (default: sm4-cbc)",
+                {"sm4-cbc", "sm4-ecb", "sm1-cbc", "sm1-ecb", "ssf33-cbc", "ssf33-ecb"})
+        .text("--key-file FILE", m_keyFile, "file with the key: 16 bytes, or 32 hex digits")
         .text("--key-hex HEX", m_keyHex,
-              "The key in 32 hex digits; other users of the machine can see it")
+              "key in 32 hex digits; other users of the machine can see it")
         .excludes("--key-file")
-        .text("--iv HEX", m_iv, "CBC: the initialisation vector in 32 hex digits")
-        .flag("--pad", m_pad, "PKCS #7 padding; without it lengths are multiples of 16");
+        .text("--iv HEX", m_iv, "CBC: initialisation vector in 32 hex digits")
+        .flag("--pad", m_pad, "use PKCS #7 padding (without it, lengths must be multiples of 16)");
 }
 
 int CipherOptions::algorithm() const {
@@ -68,7 +67,7 @@ bool CipherOptions::chained() const {
 
 crypto::SecretBytes CipherOptions::key() const {
     if (!keyGiven())
-        throw Failure(ExitCode::usage, tr("Give the key with --key-file or --key-hex"));
+        throw Failure(ExitCode::usage, tr("a key is required: use --key-file or --key-hex"));
     crypto::SecretBytes key = m_keyFile.empty() ? fromHex(m_keyHex) : readWhole(m_keyFile);
     if (key.size() > BLOCK_SIZE && !m_keyFile.empty()) {
         while (!key.empty() && (key.back() == '\n' || key.back() == '\r'))
@@ -76,7 +75,7 @@ crypto::SecretBytes CipherOptions::key() const {
         key = fromHex(crypto::asText(key));
     }
     if (key.size() != BLOCK_SIZE)
-        throw Failure(ExitCode::usage, tr("The key must be 16 bytes"));
+        throw Failure(ExitCode::usage, tr("the key must be 16 bytes"));
     return key;
 }
 

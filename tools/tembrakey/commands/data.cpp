@@ -10,7 +10,7 @@ namespace {
 class DataCommand : public DeviceCommand {
 public:
     void describe(Arguments &arguments) final {
-        arguments.number("ID", m_id, "The object's number", 0, LARGEST_NUMBER).required();
+        arguments.number("ID", m_id, "number of the object", 0, LARGEST_NUMBER).required();
         describeMore(arguments);
         m_login.declare(arguments);
     }
@@ -25,10 +25,14 @@ private:
 
 class DataCreate final : public DataCommand {
     void describeMore(Arguments &arguments) override {
-        arguments.number("--size N", m_size, "Its size in bytes, which stays", 0, LARGEST_NUMBER)
+        arguments
+            .number("--size N", m_size, "size in bytes, which cannot be changed later", 0,
+                    LARGEST_NUMBER)
             .required()
-            .choice("--anyone", m_anyone, {"none", "r", "w", "rw"}, "Rights of anyone (none)")
-            .choice("--user", m_user, {"none", "r", "w", "rw"}, "Rights after user login (rw)");
+            .choice("--anyone", m_anyone, "rights of anyone (default: none)",
+                    {"none", "r", "w", "rw"})
+            .choice("--user", m_user, "rights after user login (default: rw)",
+                    {"none", "r", "w", "rw"});
     }
     void work(const Console &console, const Device &device) override {
         m_login.logInIfGiven(device);
@@ -55,9 +59,12 @@ class DataCreate final : public DataCommand {
 
 class DataRead final : public DataCommand {
     void describeMore(Arguments &arguments) override {
-        arguments.number("--offset N", m_offset, "Where to begin (0)", 0, LARGEST_NUMBER)
-            .number("--length N", m_length, "How many bytes (else to the end)", 0, LARGEST_NUMBER);
-        m_out.declare(arguments, "Where the bytes go (else standard output)");
+        arguments
+            .number("--offset N", m_offset, "offset of the first byte (default: 0)", 0,
+                    LARGEST_NUMBER)
+            .number("--length N", m_length, "number of bytes (default: up to the end)", 0,
+                    LARGEST_NUMBER);
+        m_out.declare(arguments, N_("write the bytes to this file (default: standard output)"));
     }
     void prepare(const Console &console) override {
         if (!console.json())
@@ -98,14 +105,15 @@ void DataRead::work(const Console &console, const Device &device) {
         return;
     }
     writeWhole(m_out.path(), data, Access::owner);
-    m_out.report(console, object, "Data written to {1}");
+    m_out.report(console, object, N_("Data written to {1}"));
 }
 
 class DataWrite final : public DataCommand {
     void describeMore(Arguments &arguments) override {
-        arguments.text("FILE", m_file, "What to write (- is standard input)")
+        arguments.text("FILE", m_file, "file to write into the object (-: standard input)")
             .required()
-            .number("--offset N", m_offset, "Where to begin (0)", 0, LARGEST_NUMBER);
+            .number("--offset N", m_offset, "offset of the first byte (default: 0)", 0,
+                    LARGEST_NUMBER);
     }
     void prepare(const Console &) override { m_data = readWhole(m_file, 1 << 24); }
     void work(const Console &console, const Device &device) override {
@@ -128,7 +136,7 @@ class DataWrite final : public DataCommand {
 
 class DataDelete final : public DataCommand {
     void describeMore(Arguments &arguments) override {
-        arguments.flag("--yes", m_yes, "Do not ask");
+        arguments.flag("--yes", m_yes, "do not ask");
     }
     void prepare(const Console &console) override {
         console.requireConsent(m_yes, tr("Delete data object {1}?", {std::to_string(m_id)}));
@@ -146,23 +154,23 @@ class DataDelete final : public DataCommand {
 } // namespace
 
 const CommandEntry dataCreateCommand = {
-    "data create", "Create a data object of a fixed size", "",
+    "data create", N_("Create a data object of a fixed size"), "",
     "  tembrakey data create 7 --size 256 --pin-env PIN\n"
     "  tembrakey data create 8 --size 64 --anyone r --user rw --pin-env PIN",
     make<DataCreate>};
 
-const CommandEntry dataReadCommand = {"data read", "Read a data object", "",
+const CommandEntry dataReadCommand = {"data read", N_("Read a data object"), "",
                                       "  tembrakey data read 7 --out seven.bin --pin-env PIN\n"
                                       "  tembrakey data read 8 --offset 16 --length 8 --json",
                                       make<DataRead>};
 
 const CommandEntry dataWriteCommand = {
-    "data write", "Write into a data object", "",
+    "data write", N_("Write to a data object"), "",
     "  tembrakey data write 7 seven.bin --pin-env PIN\n"
     "  printf hello | tembrakey data write 7 - --offset 16 --pin-env PIN",
     make<DataWrite>};
 
-const CommandEntry dataDeleteCommand = {"data delete", "Delete a data object", "",
+const CommandEntry dataDeleteCommand = {"data delete", N_("Delete a data object"), "",
                                         "  tembrakey data delete 7 --pin-env PIN\n"
                                         "  tembrakey data delete 8 --yes --pin-env PIN",
                                         make<DataDelete>};

@@ -105,19 +105,21 @@ void Doctor::run(Context &context) {
     examineInChild("all");
     context.console.result(m_report.json(), m_report.text());
     if (m_report.hasFailure(Section::libraries))
-        throw Failure(ExitCode::noProvider, tr("Hosts cannot use the provider: see above"));
+        throw Failure(ExitCode::noProvider, tr("hosts cannot use the provider: see above"));
     if (m_report.count("failure") > 0)
-        throw Failure(ExitCode::failure, tr("Something does not work: see above"));
+        throw Failure(ExitCode::failure, tr("something does not work: see above"));
 }
 
 } // namespace
 
 const CommandEntry doctorCommand = {
-    "doctor", "Find out what is wrong: libraries, settings, trace log, tokens",
-    "Examines everything that a host needs and says what to do about each finding. It does not\n"
-    "log in and changes nothing, except that the provider writes its trace log. The exit code is\n"
-    "0 when hosts can work (there may be warnings), 8 when a library is missing, lacks functions\n"
-    "or cannot be loaded, and 1 when something else does not work.",
+    "doctor", N_("Examine libraries, settings, trace log and tokens, and suggest remedies"),
+    N_("Examines everything that a host needs and says what to do about each finding. It does not\n"
+       "log in and changes nothing, except that the provider writes its trace log. The exit code "
+       "is\n"
+       "0 when hosts can work (there may be warnings), 8 when a library is missing, lacks "
+       "functions\n"
+       "or cannot be loaded, and 1 when something else does not work."),
     "  tembrakey doctor\n"
     "  tembrakey doctor --provider /opt/host/lib/libTembraKeyProv.so\n"
     "  tembrakey doctor --json | jq '.findings[] | select(.status != \"ok\")'",

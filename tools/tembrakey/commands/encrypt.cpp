@@ -10,16 +10,17 @@ namespace {
 class Encrypt final : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("FILE", m_file, "The file to encrypt (- is standard input)").required();
+        arguments.text("FILE", m_file, "file to encrypt (-: standard input)").required();
         m_cipher.declare(arguments);
-        m_out.declare(arguments, "Where the ciphertext goes (else standard output)");
+        m_out.declare(arguments,
+                      N_("write the ciphertext to this file (default: standard output)"));
     }
 
 private:
     void prepare(const Console &console) override { m_out.requireBinary(console, {m_file}); }
     void work(const Console &console, const Device &device) override {
         const auto bytes = runCipher(device, m_cipher, true, m_file, m_out.path());
-        m_out.report(console, {{"bytes", bytes}}, "Ciphertext written to {1}");
+        m_out.report(console, {{"bytes", bytes}}, N_("Ciphertext written to {1}"));
     }
 
     std::string m_file;
@@ -31,11 +32,11 @@ class Decrypt final : public DeviceCommand {
 public:
     Decrypt() { m_key.type = "encrypt"; }
     void describe(Arguments &arguments) override {
-        arguments.text("FILE", m_file, "The file to decrypt (- is standard input)").required();
+        arguments.text("FILE", m_file, "file to decrypt (-: standard input)").required();
         declareKeyPair(arguments, m_key);
         m_login.declare(arguments);
         m_cipher.declare(arguments);
-        m_out.declare(arguments, "Where the plaintext goes (else standard output)");
+        m_out.declare(arguments, N_("write the plaintext to this file (default: standard output)"));
     }
 
 private:
@@ -88,22 +89,22 @@ void Decrypt::work(const Console &console, const Device &device) {
         writeWhole(m_out.path(), clear, Access::owner);
         bytes = clear.size();
     }
-    m_out.report(console, {{"bytes", bytes}}, "Plaintext written to {1}");
+    m_out.report(console, {{"bytes", bytes}}, N_("Plaintext written to {1}"));
 }
 
 } // namespace
 
 const CommandEntry encryptCommand = {
-    "encrypt", "Encrypt a file on the token with a raw key", "",
+    "encrypt", N_("Encrypt a file on the token with a raw key"), "",
     "  tembrakey encrypt disk.img --key-file key.bin --iv $IV --out disk.sm4\n"
     "  tembrakey encrypt letter.txt --algo sm4-ecb --pad --key-file key.bin --out letter.sm4",
     make<Encrypt>};
 
 const CommandEntry decryptCommand = {
-    "decrypt", "Decrypt a file on the token, with a raw key or with a private key",
-    "With --key-file or --key-hex the cipher is symmetric; else the private key of --label is "
-    "used\n"
-    "(SM2 ciphertext in DER as GM/T 0009 has it, or flat: 04 x y C2 C3; RSA PKCS #1 v1.5).",
+    N_("decrypt"), N_("Decrypt a file on the token, with a raw key or with a private key"),
+    N_("With --key-file or --key-hex the cipher is symmetric; else the private key of --label is "
+       "used\n"
+       "(SM2 ciphertext in DER as GM/T 0009 has it, or flat: 04 x y C2 C3; RSA PKCS #1 v1.5)."),
     "  tembrakey decrypt disk.sm4 --key-file key.bin --iv $IV --out disk.img\n"
     "  tembrakey key export --label alice --type encrypt --out alice-enc.pem\n"
     "  openssl pkeyutl -encrypt -pubin -inkey alice-enc.pem -in secret.txt -out secret.sm2\n"

@@ -10,7 +10,7 @@ namespace {
 class HashFile final : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("FILE", m_file, "The file to hash (- is standard input)").required();
+        arguments.text("FILE", m_file, "file to hash (-: standard input)").required();
     }
 
 private:
@@ -38,7 +38,7 @@ void HashFile::work(const Console &console, const Device &device) {
 
 } // namespace
 
-const CommandEntry hashCommand = {"hash", "Compute a file's SM3 digest on the token", "",
+const CommandEntry hashCommand = {"hash", N_("Compute a file's SM3 digest on the token"), "",
                                   "  tembrakey hash disk.img\n"
                                   "  tar c folder | tembrakey hash -",
                                   make<HashFile>};

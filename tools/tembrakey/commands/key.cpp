@@ -11,10 +11,10 @@ constexpr std::size_t LONGEST_LABEL = 63; // of the containers of most tokens
 class KeyGenerate final : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
-        arguments.choice("--algo", m_algorithm, {"sm2", "rsa"}, "Algorithm (sm2)")
-            .number("--bits N", m_bits, "Key size: 256 for SM2, 1024 or 2048 for RSA (2048)", 256,
-                    2048)
-            .text("-l,--label LABEL", m_label, "The label, the name of a new container")
+        arguments.choice("--algo", m_algorithm, "algorithm (default: sm2)", {"sm2", "rsa"})
+            .number("--bits N", m_bits,
+                    "key size: 256 for SM2, 1024 or 2048 for RSA (default: 2048)", 256, 2048)
+            .text("-l,--label LABEL", m_label, "label of the key, the name of its new container")
             .required();
         m_login.declare(arguments);
     }
@@ -35,7 +35,8 @@ void KeyGenerate::prepare(const Console &) {
     if (m_bits == 0)
         m_bits = rsa ? 2048 : 256;
     if (rsa ? m_bits != 1024 && m_bits != 2048 : m_bits != 256)
-        throw Failure(ExitCode::usage, tr("Keys are SM2 with 256 or RSA with 1024 or 2048 bits"));
+        throw Failure(ExitCode::usage,
+                      tr("key size not supported: SM2 has 256 bits, RSA 1024 or 2048"));
 }
 
 void KeyGenerate::work(const Console &console, const Device &device) {
@@ -60,9 +61,9 @@ void KeyGenerate::work(const Console &console, const Device &device) {
 class KeyDelete final : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("-l,--label LABEL", m_label, "The label of the container to delete")
+        arguments.text("-l,--label LABEL", m_label, "label of the container to delete")
             .required()
-            .flag("--yes", m_yes, "Do not ask");
+            .flag("--yes", m_yes, "do not ask");
         m_login.declare(arguments);
     }
 
@@ -95,7 +96,7 @@ class KeyExport final : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
         declareKeyPair(arguments, m_key);
-        m_out.declare(arguments, "Where the PEM goes (else standard output)");
+        m_out.declare(arguments, N_("write the PEM to this file (default: standard output)"));
     }
 
 private:
@@ -105,7 +106,7 @@ private:
         m_out.deliver(
             console,
             {{"label", label(pair)}, {"type", m_key.type}, {"algorithm", algorithmName(pair)}},
-            crypto::asBytes(pem), "Public key written to {1}", "pem", pem);
+            crypto::asBytes(pem), N_("Public key written to {1}"), "pem", pem);
     }
 
     KeyPairChoice m_key;
@@ -115,20 +116,21 @@ private:
 } // namespace
 
 const CommandEntry keyGenerateCommand = {
-    "key generate", "Generate a signature key pair on the token",
-    "Encryption key pairs are brought by key import into a container with a signature key pair.",
+    "key generate", N_("Generate a signature key pair on the token"),
+    N_("Encryption key pairs are brought by key import into a container with a signature key "
+       "pair."),
     "  tembrakey key generate --label alice\n"
     "  tembrakey key generate --algo rsa --bits 2048 --label bob --pin-env PIN",
     make<KeyGenerate>};
 
 const CommandEntry keyDeleteCommand = {
-    "key delete", "Delete a container with both its key pairs and certificates", "",
+    "key delete", N_("Delete a container with both its key pairs and certificates"), "",
     "  tembrakey key delete --label alice\n"
     "  tembrakey key delete --label alice --yes --pin-env PIN",
     make<KeyDelete>};
 
 const CommandEntry keyExportCommand = {
-    "key export", "Export a public key as PEM SubjectPublicKeyInfo", "",
+    "key export", N_("Export a public key as PEM SubjectPublicKeyInfo"), "",
     "  tembrakey key export --label alice --out alice.pem\n"
     "  tembrakey key export --label alice --type encrypt | openssl pkey -pubin -text -noout",
     make<KeyExport>};

@@ -13,10 +13,9 @@ namespace {
 class KeyImport final : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
-        arguments
-            .text("FILE", m_file, "An enveloped key pair blob, or an unencrypted PEM private key")
+        arguments.text("FILE", m_file, "enveloped key pair blob, or unencrypted PEM private key")
             .required()
-            .text("-l,--label LABEL", m_label, "The container with the signature key pair")
+            .text("-l,--label LABEL", m_label, "label of the container with the signature key pair")
             .required();
         m_login.declare(arguments);
     }
@@ -66,13 +65,13 @@ void KeyImport::work(const Console &console, const Device &device) {
 class KeyEnvelope final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("FILE", m_file, "The private key to envelope, unencrypted PEM")
+        arguments.text("FILE", m_file, "private key to envelope, unencrypted PEM")
             .required()
-            .text("--to FILE", m_container, "The container's public signature key, PEM or DER")
+            .text("--to FILE", m_container, "public signature key of the container, PEM or DER")
             .required();
-        m_out.declare(arguments, "Where the blob goes");
-        arguments.required().flag("--gdk", m_gdk,
-                                  "SM2: the 48-byte form of the private key instead of 32 bytes");
+        m_out.declare(arguments, N_("write the blob to this file"));
+        arguments.required().flag(
+            "--gdk", m_gdk, "SM2: use the 48-byte form of the private key instead of 32 bytes");
     }
     void run(Context &context) override {
         m_out.requireNoInput({m_file, m_container});
@@ -81,7 +80,7 @@ public:
         const crypto::Bytes blob = envelopeKeyPair(key, readPublicKey(m_container), form);
         writeWhole(m_out.path(), blob);
         m_out.report(context.console, {{"bytes", blob.size()}},
-                     "Enveloped key pair written to {1}");
+                     N_("Enveloped key pair written to {1}"));
     }
 
 private:
@@ -94,19 +93,21 @@ private:
 } // namespace
 
 const CommandEntry keyImportCommand = {
-    "key import", "Bring an encryption key pair to the token",
-    "The container must hold a signature key pair of the same algorithm. A PEM key (PKCS #8, PKCS\n"
-    "#1 or SEC 1) is enveloped by the provider; an enveloped blob comes from a key management\n"
-    "centre or from key envelope.",
+    "key import", N_("Import an encryption key pair into the token"),
+    N_("The container must hold a signature key pair of the same algorithm. A PEM key (PKCS #8, "
+       "PKCS\n"
+       "#1 or SEC 1) is enveloped by the provider; an enveloped blob comes from a key management\n"
+       "centre or from key envelope."),
     "  tembrakey key import alice.env --label alice --pin-env PIN\n"
     "  openssl genpkey -algorithm EC -pkeyopt ec_paramgen_curve:SM2 -out enc.pem\n"
     "  tembrakey key import enc.pem --label alice",
     make<KeyImport>};
 
 const CommandEntry keyEnvelopeCommand = {
-    "key envelope", "Envelope a key pair for a container, as a key management centre does",
-    "Needs no token: only the container's public key, as key export writes it. The private key is\n"
-    "encrypted with SMS4, the symmetric key to the container's key.",
+    "key envelope", N_("Envelope a key pair for a container, as a key management centre would"),
+    N_("Needs no token: only the container's public key, as key export writes it. The private key "
+       "is\n"
+       "encrypted with SMS4, the symmetric key to the container's key."),
     "  tembrakey key export --label alice --out alice.pem\n"
     "  tembrakey key envelope enc.pem --to alice.pem --out alice.env\n"
     "  tembrakey key import alice.env --label alice",

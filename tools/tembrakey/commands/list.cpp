@@ -19,7 +19,7 @@ class List final : public Command {
 public:
     void describe(Arguments &arguments) override {
         arguments.flag("--long", m_long,
-                       "Show the issuer, serial number and validity of certificates");
+                       "show the issuer, serial number and validity of certificates");
     }
     void run(Context &context) override;
 
@@ -107,16 +107,15 @@ void List::run(Context &context) {
         text += (text.empty() ? "" : "\n") + shown.text;
     }
     if (devices.empty() && !context.device.empty())
-        throw Failure(ExitCode::notFound,
-                      tr("There is no device {1}: list shows them", {context.device}));
+        throw Failure(ExitCode::notFound, tr("no device {1} (see list)", {context.device}));
     if (devices.empty())
-        text = tr("No token is connected");
+        text = tr("no token connected");
     context.console.result({{"devices", devices}}, text);
 }
 
 } // namespace
 
-const CommandEntry listCommand = {"list", "List devices, key pairs and certificates", "",
+const CommandEntry listCommand = {"list", N_("List devices, key pairs and certificates"), "",
                                   "  tembrakey list\n"
                                   "  tembrakey list --long\n"
                                   "  tembrakey list --json | jq -r '.devices[].keyPairs[].label'",

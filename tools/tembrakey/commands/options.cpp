@@ -30,15 +30,14 @@ SecretText PinOption::read(const std::string &token) const {
         return secretFromDescriptor(m_descriptor);
     if (platform::canAskAtTerminal())
         return secretFromPrompt(tr("{1} of {2}", {tr(m_what), token}));
-    throw Failure(
-        ExitCode::usage,
-        tr("There is no terminal to ask for the PIN: use --{1}-env NAME or --{1}-fd N", {m_name}));
+    throw Failure(ExitCode::usage,
+                  tr("no terminal to ask for the PIN: use --{1}-env NAME or --{1}-fd N", {m_name}));
 }
 
 SecretText PinOption::readNew(const std::string &token) const {
     SecretText pin = read(token);
     if (!isGiven() && !(secretFromPrompt(tr("{1} of {2} again", {tr(m_what), token})) == pin))
-        throw Failure(ExitCode::usage, tr("The two PINs differ"));
+        throw Failure(ExitCode::usage, tr("the two PINs differ"));
     return pin;
 }
 
@@ -54,14 +53,14 @@ void LoginOption::logInIfGiven(const Device &device) const {
 
 void declareKeyPair(Arguments &arguments, KeyPairChoice &choice, bool withType) {
     arguments.text("-l,--label LABEL", choice.label,
-                   "The key's label, the name of its container (else the only key there is)");
+                   "label of the key, the name of its container (default: the only key)");
     if (withType)
-        arguments.choice("--type", choice.type, {"sign", "encrypt"}, "Which pair of the container");
+        arguments.choice("--type", choice.type, "key pair of the container", {"sign", "encrypt"});
 }
 
 void declareSignerId(Arguments &arguments, std::string &signerId) {
     arguments.text("--signer-id ID", signerId,
-                   "SM2: the signer's identity (1234567812345678 unless agreed otherwise)");
+                   "SM2: identity of the signer (default: 1234567812345678)");
 }
 
 void OutputOption::declare(Arguments &arguments, const char *help) {
@@ -79,8 +78,9 @@ void OutputOption::requireBinary(const Console &console,
     if (console.json() && path() == "-")
         throw Failure(ExitCode::usage, tr("--json needs --out FILE here"));
     if (!isGiven() && platform::isTerminal(platform::standardOutput()))
-        throw Failure(ExitCode::usage,
-                      tr("Bytes are not shown at a terminal: use --out FILE (- shows them)"));
+        throw Failure(
+            ExitCode::usage,
+            tr("refusing to write binary data to a terminal: use --out FILE (-: standard output)"));
 }
 
 void OutputOption::report(const Console &console, Json object, const char *text) const {

@@ -50,7 +50,7 @@ public:
     void logInIfGiven(const Device &device) const;
 
 private:
-    PinOption m_pin{"pin", "User PIN"};
+    PinOption m_pin{"pin", N_("User PIN")};
 };
 
 // --label, and --type where a command works with both pairs of a container.

@@ -9,9 +9,9 @@ namespace {
 class Login final : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
-        arguments.flag("--so", m_so, "As administrator")
+        arguments.flag("--so", m_so, "log in as administrator")
             .flag("--device-auth", m_deviceAuthentication,
-                  "With the device-authentication key, 32 characters")
+                  "authenticate with the device-authentication key (32 characters)")
             .excludes("--so");
         m_pin.declare(arguments);
     }
@@ -28,14 +28,14 @@ private:
 
     bool m_so = false;
     bool m_deviceAuthentication = false;
-    PinOption m_pin{"pin", "PIN or key"};
+    PinOption m_pin{"pin", N_("PIN or key")};
 };
 
 // A command about the user PIN or, with --so, the administrator PIN.
 class EitherPinCommand : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
-        arguments.flag("--so", m_so, "The administrator PIN instead of the user PIN");
+        arguments.flag("--so", m_so, "use the administrator PIN instead of the user PIN");
     }
 
 protected:
@@ -59,7 +59,7 @@ private:
         console.result({{"pin", name()}, {"ok", true}}, tr("The PIN is right"));
     }
 
-    PinOption m_pin{"pin", "PIN"};
+    PinOption m_pin{"pin", N_("PIN")};
 };
 
 class PinChange final : public EitherPinCommand {
@@ -78,8 +78,8 @@ private:
         console.result({{"pin", name()}, {"changed", true}}, tr("The PIN is changed"));
     }
 
-    PinOption m_pin{"pin", "Present PIN"};
-    PinOption m_newPin{"new-pin", "New PIN"};
+    PinOption m_pin{"pin", N_("Current PIN")};
+    PinOption m_newPin{"new-pin", N_("New PIN")};
 };
 
 class PinUnblock final : public DeviceCommand {
@@ -98,8 +98,8 @@ private:
                        tr("The user PIN is unblocked and set"));
     }
 
-    PinOption m_soPin{"so-pin", "Administrator PIN"};
-    PinOption m_newPin{"new-pin", "New user PIN"};
+    PinOption m_soPin{"so-pin", N_("Administrator PIN")};
+    PinOption m_newPin{"new-pin", N_("New user PIN")};
 };
 
 class PinRetries final : public DeviceCommand {
@@ -125,39 +125,41 @@ private:
 };
 
 const char *const PIN_WARNING =
-    "The provider's trace log holds PINs IN CLEAR from level 3 (information) on, which is the\n"
-    "default: set TEMBRA_KEY_PROV_LOG_LEVEL to 2 or less to keep them out.";
+    N_("The provider's trace log holds PINs IN CLEAR from level 3 (information) on, which is the\n"
+       "default: set TEMBRA_KEY_PROV_LOG_LEVEL to 2 or less to keep them out.");
 
 } // namespace
 
 const CommandEntry loginCommand = {
-    "login", "Check that a login works: user, administrator or device authentication",
-    "A login ends with the process: commands that need one take the PIN options themselves.",
+    "login", N_("Check that a login works: user, administrator or device authentication"),
+    N_("A login ends with the process: commands that need one take the PIN options themselves."),
     "  tembrakey login\n"
     "  tembrakey login --so --pin-env SO_PIN\n"
     "  tembrakey login --device-auth --pin-fd 3 3<device-key.txt",
     make<Login>};
 
-const CommandEntry pinVerifyCommand = {"pin verify", "Check a PIN", PIN_WARNING,
+const CommandEntry pinVerifyCommand = {"pin verify", N_("Check a PIN"), PIN_WARNING,
                                        "  tembrakey pin verify\n"
                                        "  PIN=12345678 tembrakey pin verify --pin-env PIN\n"
                                        "  tembrakey pin verify --so --pin-fd 3 3<so-pin.txt",
                                        make<PinVerify>};
 
 const CommandEntry pinChangeCommand = {
-    "pin change", "Change a PIN", PIN_WARNING,
+    "pin change", N_("Change a PIN"), PIN_WARNING,
     "  tembrakey pin change\n"
     "  tembrakey pin change --pin-env OLD --new-pin-env NEW\n"
     "  printf '%s\\n' \"$OLD\" \"$NEW\" | tembrakey pin change --pin-fd 0 --new-pin-fd 0",
     make<PinChange>};
 
 const CommandEntry pinUnblockCommand = {
-    "pin unblock", "Unblock the user PIN with the administrator PIN, and set it", PIN_WARNING,
+    "pin unblock", N_("Unblock the user PIN with the administrator PIN and set a new one"),
+    PIN_WARNING,
     "  tembrakey pin unblock\n"
     "  tembrakey pin unblock --so-pin-env SO --new-pin-env NEW",
     make<PinUnblock>};
 
-const CommandEntry pinRetriesCommand = {"pin retries", "Show how many tries each PIN has left", "",
+const CommandEntry pinRetriesCommand = {"pin retries", N_("Show how many tries each PIN has left"),
+                                        "",
                                         "  tembrakey pin retries\n"
                                         "  tembrakey pin retries --json | jq .user",
                                         make<PinRetries>};

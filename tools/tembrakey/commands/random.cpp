@@ -13,8 +13,8 @@ namespace {
 class Random final : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
-        arguments.number("N", m_count, "How many bytes", 1, 1 << 30).required();
-        m_out.declare(arguments, "Where they go as bytes (else printed in hex)");
+        arguments.number("N", m_count, "number of bytes", 1, 1 << 30).required();
+        m_out.declare(arguments, N_("write the bytes to this file (default: print them in hex)"));
     }
 
 private:
@@ -27,7 +27,7 @@ private:
 
 // In pieces: tokens refuse to make many bytes in one call.
 void Random::draw(const Device &device, const std::function<void(crypto::ByteView)> &take) const {
-    Progress progress(tr("Drawing"), static_cast<std::uint64_t>(m_count));
+    Progress progress(tr("Getting random bytes"), static_cast<std::uint64_t>(m_count));
     crypto::SecretBytes piece(1024);
     for (int left = m_count; left > 0;) {
         const int length = std::min(left, static_cast<int>(piece.size()));
@@ -51,12 +51,12 @@ void Random::work(const Console &console, const Device &device) {
     OutputFile file(m_out.path(), Access::owner);
     draw(device, [&](crypto::ByteView piece) { file.write(piece); });
     file.commit();
-    m_out.report(console, object, "Random bytes written to {1}");
+    m_out.report(console, object, N_("Random bytes written to {1}"));
 }
 
 } // namespace
 
-const CommandEntry randomCommand = {"random", "Draw random bytes from the token", "",
+const CommandEntry randomCommand = {"random", N_("Get random bytes from the token"), "",
                                     "  tembrakey random 16\n"
                                     "  tembrakey random 32 --out key.bin",
                                     make<Random>};

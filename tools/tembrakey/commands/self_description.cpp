@@ -13,7 +13,7 @@ namespace {
 class Completion final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.choice("SHELL", m_shell, {"bash", "zsh", "fish"}, "the shell").required();
+        arguments.choice("SHELL", m_shell, "the shell", {"bash", "zsh", "fish"}).required();
     }
     void run(Context &) override {
         Console::write(m_shell == "bash"  ? BASH_COMPLETION

@@ -11,10 +11,10 @@ namespace {
 class Sign final : public DeviceCommand {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("FILE", m_file, "The file to sign (- is standard input)").required();
+        arguments.text("FILE", m_file, "file to sign (-: standard input)").required();
         declareKeyPair(arguments, m_key, false);
         declareSignerId(arguments, m_signerId);
-        m_out.declare(arguments, "Where the signature goes as bytes (else it is printed in hex)");
+        m_out.declare(arguments, N_("write the signature to this file (default: print it in hex)"));
         m_login.declare(arguments);
     }
 
@@ -35,7 +35,7 @@ crypto::Bytes Sign::sm2Digest(const KeyPair &pair) const {
     const auto *sm2 = std::get_if<crypto::Sm2PublicKey>(&key);
     if (sm2 == nullptr)
         throw Failure(ExitCode::failure,
-                      tr("The public key of {1} is not an SM2 key", {label(pair)}));
+                      tr("the public key of {1} is not an SM2 key", {label(pair)}));
     return sm2ToBeSigned(m_file, *sm2, m_signerId);
 }
 
@@ -52,16 +52,16 @@ void Sign::work(const Console &console, const Device &device) {
                                             length);
     });
     m_out.deliver(console, {{"label", label(pair)}, {"algorithm", rsa ? "rsa-sha256" : "sm2-sm3"}},
-                  signature, "Signature written to {1}", "signature", crypto::toHex(signature));
+                  signature, N_("Signature written to {1}"), "signature", crypto::toHex(signature));
 }
 
 } // namespace
 
 const CommandEntry signCommand = {
-    "sign", "Sign a file with a key on the token",
-    "SM2 keys sign the SM3 digest of Z and the file; the signature is DER. RSA keys sign the "
-    "file's\n"
-    "SHA-256 digest with PKCS #1 v1.5 padding.",
+    "sign", N_("Sign a file with a key on the token"),
+    N_("SM2 keys sign the SM3 digest of Z and the file; the signature is DER. RSA keys sign the "
+       "file's\n"
+       "SHA-256 digest with PKCS #1 v1.5 padding."),
     "  tembrakey sign letter.txt --label alice --out letter.sig --pin-env PIN\n"
     "  tembrakey verify letter.txt --signature letter.sig --label alice\n"
     "  openssl dgst -sm3 -verify alice.pem -sigopt distid:1234567812345678 \\\n"

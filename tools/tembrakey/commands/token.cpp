@@ -28,18 +28,19 @@ private:
     bool m_unformatted = false;
     int m_space = TEMBRA_SOFT_TOKEN_DEFAULT_TOTAL_SPACE;
     int m_tries = TEMBRA_SOFT_TOKEN_DEFAULT_TRIES;
-    PinOption m_soPin{"so-pin", "Administrator PIN"};
-    PinOption m_pin{"pin", "User PIN"};
-    PinOption m_deviceKey{"device-key", "Device-authentication key (32 digits)"};
+    PinOption m_soPin{"so-pin", N_("Administrator PIN")};
+    PinOption m_pin{"pin", N_("User PIN")};
+    PinOption m_deviceKey{"device-key", N_("Device-authentication key (32 digits)")};
 };
 
 void TokenCreate::describe(Arguments &arguments) {
-    arguments.text("-l,--label LABEL", m_label, "The token's label, up to 32 bytes")
-        .text("--serial SERIAL", m_serial, "Its serial number (else a random one)")
-        .text("--application NAME", m_application, "The application's name (TEMBRA)")
-        .flag("--unformatted", m_unformatted, "Without application, as it leaves the factory")
-        .number("--space N", m_space, "Bytes the token holds (262144)", 1024, 1 << 24)
-        .number("--tries N", m_tries, "Wrong PINs in a row until a PIN locks (10)", 1, 255);
+    arguments.text("-l,--label LABEL", m_label, "label of the token, up to 32 bytes")
+        .text("--serial SERIAL", m_serial, "serial number (default: a random one)")
+        .text("--application NAME", m_application, "name of the application (default: TEMBRA)")
+        .flag("--unformatted", m_unformatted,
+              "create it without an application, as from the factory")
+        .number("--space N", m_space, "capacity in bytes (default: 262144)", 1024, 1 << 24)
+        .number("--tries N", m_tries, "number of wrong PINs that lock a PIN (default: 10)", 1, 255);
     m_soPin.declare(arguments);
     m_pin.declare(arguments);
     m_deviceKey.declare(arguments);
@@ -95,7 +96,7 @@ public:
             text += "\n  " + printable(serial);
         }
         if (tokens.empty())
-            text = tr("There is no software token in {1}", {directory});
+            text = tr("No software tokens in {1}", {directory});
         context.console.result({{"directory", directory}, {"tokens", tokens}}, text);
     }
 };
@@ -103,9 +104,9 @@ public:
 class TokenRemove final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("SERIAL", m_serial, "The token's serial number")
+        arguments.text("SERIAL", m_serial, "serial number of the token")
             .required()
-            .flag("--yes", m_yes, "Do not ask");
+            .flag("--yes", m_yes, "do not ask");
     }
     void run(Context &context) override {
         context.console.requireConsent(
@@ -123,20 +124,21 @@ private:
 } // namespace
 
 const CommandEntry tokenCreateCommand = {
-    "token create", "Make a software token",
-    "For development only: the file of a software token contains its keys in clear.\n"
-    "Tokens are kept in TEMBRA_SOFT_TOKEN_DIR, or in the user's data folder.",
+    "token create", N_("Create a software token"),
+    N_("For development only: the file of a software token contains its keys in clear.\n"
+       "Tokens are kept in TEMBRA_SOFT_TOKEN_DIR, or in the user's data folder."),
     "  tembrakey token create --label Test\n"
     "  SO=12345678 PIN=87654321 tembrakey token create --so-pin-env SO --pin-env PIN\n"
     "  tembrakey token create --unformatted",
     make<TokenCreate>};
 
-const CommandEntry tokenListCommand = {"token list", "List the software tokens", "",
+const CommandEntry tokenListCommand = {"token list", N_("List the software tokens"), "",
                                        "  tembrakey token list\n"
                                        "  tembrakey token list --json | jq -r '.tokens[].serial'",
                                        make<TokenList>};
 
-const CommandEntry tokenRemoveCommand = {"token remove", "Remove a software token for good", "",
+const CommandEntry tokenRemoveCommand = {"token remove", N_("Delete a software token permanently"),
+                                         "",
                                          "  tembrakey token list\n"
                                          "  tembrakey token remove 0123456789012345 --yes",
                                          make<TokenRemove>};

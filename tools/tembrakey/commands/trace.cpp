@@ -59,12 +59,12 @@ private:
 };
 
 void Trace::describe(Arguments &arguments) {
-    arguments.text("FILE", m_file, "trace log (- is standard input, for --json, --html, --redact)")
+    arguments.text("FILE", m_file, "trace log (-: standard input, with --json, --html or --redact)")
         .required()
         .text("--thread ID,...", m_threads, "only calls of these threads")
         .text("--entry NAME,...", m_entryPoints, "only calls of these entry points")
-        .choice("--level LEVEL", m_level, {"error", "warning", "information", "debug", "verbose"},
-                "only lines of this level and the more serious ones")
+        .choice("--level LEVEL", m_level, "only lines of this level and the more serious ones",
+                {"error", "warning", "information", "debug", "verbose"})
         .flag("--errors", m_errorsOnly, "only calls that failed")
         .text("--html OUT", m_page, "write a searchable page with a timeline, in one file")
         .number("--limit N", m_limit, "maximum number of calls on the page", 1, 1000000)
@@ -157,7 +157,7 @@ void Trace::printText(const trace::Filter &wanted) const {
     read(first, tr("Looking for failures"));
     Console::write(trace::summaryText(first.summary(), &translated) + "\n" +
                    trace::failuresText(first.failures(), &translated) + "\n" +
-                   tr(m_errorsOnly ? "These calls in full" : "All calls") + "\n");
+                   tr(m_errorsOnly ? "These calls in full" : N_("All calls")) + "\n");
     trace::Listing listing(&translated);
     trace::TraceReader second(
         trace::Mask::pins, wanted, [&](trace::Call &&call) { Console::write(listing.whole(call)); },
@@ -172,7 +172,7 @@ void Trace::run(Context &context) {
     const trace::Filter wanted = filter();
     if (m_file == "-" && (m_copy.empty() + m_page.empty() != 1) &&
         !(context.console.json() && m_copy.empty() && m_page.empty()))
-        throw Failure(ExitCode::usage, tr("Standard input can be read only once: use - with one of "
+        throw Failure(ExitCode::usage, tr("standard input can be read only once: use - with one of "
                                           "--json, --html and --redact"));
     if (!m_copy.empty())
         redact(context.console);
@@ -189,10 +189,13 @@ void Trace::run(Context &context) {
 } // namespace
 
 const CommandEntry traceCommand = {
-    "trace", "Read a trace log: failures first, then calls; or mask it",
-    "PINs are masked in everything this command writes; in a page and in a masked copy, hex dumps\n"
-    "other than certificates and public keys are masked too. With --json each line is an object:\n"
-    "calls as they end, lines that are not trace lines, and finally a summary with the failures.",
+    "trace", N_("Read a trace log: failures first, then calls; or mask it"),
+    N_("PINs are masked in everything this command writes; in a page and in a masked copy, hex "
+       "dumps\n"
+       "other than certificates and public keys are masked too. With --json each line is an "
+       "object:\n"
+       "calls as they end, lines that are not trace lines, and finally a summary with the "
+       "failures."),
     "  tembrakey trace tembra_key_prov.log\n"
     "  tembrakey trace app.log --errors --thread 4711\n"
     "  tembrakey trace app.log --html trace.html\n"

@@ -15,14 +15,14 @@ namespace {
 class Verify final : public Command {
 public:
     void describe(Arguments &arguments) override {
-        arguments.text("FILE", m_file, "The signed file (- is standard input)")
+        arguments.text("FILE", m_file, "signed file (-: standard input)")
             .required()
-            .text("--signature FILE", m_signature, "The signature, as sign writes or prints it")
+            .text("--signature FILE", m_signature, "signature, as written or printed by sign")
             .required()
-            .text("-l,--label LABEL", m_label, "The label of the signer's key on the token")
-            .text("--key FILE", m_key, "The signer's public key, PEM or DER")
+            .text("-l,--label LABEL", m_label, "label of the signer's key on the token")
+            .text("--key FILE", m_key, "public key of the signer, PEM or DER")
             .excludes("--label")
-            .text("--cert FILE", m_certificate, "The signer's X.509 certificate, PEM or DER")
+            .text("--cert FILE", m_certificate, "X.509 certificate of the signer, PEM or DER")
             .excludes("--label")
             .excludes("--key");
         declareSignerId(arguments, m_signerId);
@@ -46,11 +46,11 @@ private:
 
 void Verify::refuseUnclear() const {
     if (m_label.empty() && m_key.empty() && m_certificate.empty())
-        throw Failure(ExitCode::usage, tr("Give the key with --label, --key or --cert"));
+        throw Failure(ExitCode::usage, tr("a key is required: use --label, --key or --cert"));
     const std::string files[] = {m_file, m_signature, m_key, m_certificate};
     if (std::ranges::count(files, std::string("-")) > 1)
         throw Failure(ExitCode::usage,
-                      tr("Standard input can be read only once: use - for one file"));
+                      tr("standard input can be read only once: use - for one file"));
 }
 
 crypto::PublicKey Verify::signersKey(const Context &context) const {
@@ -87,29 +87,29 @@ void Verify::run(Context &context) {
     refuseUnclear();
     const crypto::PublicKey key = signersKey(context);
     if (!crypto::isUsable(key))
-        throw Failure(ExitCode::usage, tr("The public key cannot be used: RSA keys have 512 to "
+        throw Failure(ExitCode::usage, tr("the public key cannot be used: RSA keys have 512 to "
                                           "4096 bits, SM2 keys are points on the curve"));
     if (!std::visit([&](const auto &one) { return isRight(one); }, key))
         throw Failure(
             ExitCode::badSignature,
-            tr("Signature of {1} is wrong: another file, key or signer's identity?", {m_file}));
+            tr("wrong signature of {1}: another file, key or signer's identity?", {m_file}));
     const auto *rsa = std::get_if<crypto::RsaPublicKey>(&key);
     const int bits = rsa == nullptr ? 256 : static_cast<int>(rsa->bits());
     context.console.result({{"file", m_file},
                             {"algorithm", rsa == nullptr ? "sm2-sm3" : "rsa-sha256"},
                             {"bits", bits},
                             {"ok", true}},
-                           tr("Signature of {1} is right ({2}, {3} bits)",
+                           tr("Signature of {1} is valid ({2}, {3} bits)",
                               {m_file, rsa == nullptr ? "sm2" : "rsa", std::to_string(bits)}));
 }
 
 } // namespace
 
 const CommandEntry verifyCommand = {
-    "verify", "Check the signature of a file",
-    "The exit code is 0 when the signature is right and 11 when it is wrong. No PIN is needed,\n"
-    "and with --key or --cert neither token nor provider. Only the key of a certificate is\n"
-    "used: its issuer and validity are not checked.",
+    "verify", N_("Check the signature of a file"),
+    N_("The exit code is 0 when the signature is right and 11 when it is wrong. No PIN is needed,\n"
+       "and with --key or --cert neither token nor provider. Only the key of a certificate is\n"
+       "used: its issuer and validity are not checked."),
     "  tembrakey verify letter.txt --signature letter.sig --label alice\n"
     "  tembrakey verify letter.txt --signature letter.sig --key alice.pem\n"
     "  tembrakey verify - --signature letter.sig --cert alice.crt <letter.txt",

@@ -42,15 +42,15 @@ struct LibraryKind {
 
 const LibraryKind PROVIDER_KIND = {
     "provider", ENTRY_POINTS, nullptr,
-    "this is another library, or of another version: install the provider again"};
+    N_("this is another library, or of another version: install the provider again")};
 
 const LibraryKind TOKEN_KIND = {
-    "token library", TOKEN_FUNCTIONS, "TembraSoftTokenCreate",
-    "ask the token's vendor for a library with these functions (GM/T 0016)"};
+    N_("token library"), TOKEN_FUNCTIONS, "TembraSoftTokenCreate",
+    N_("ask the token's vendor for a library with these functions (GM/T 0016)")};
 
 const LibraryKind HOST_KIND = {
-    "host library", HOST_FUNCTIONS, "TembraHostKitSetFaults",
-    "install the host framework in the version that the provider is made for"};
+    N_("host library"), HOST_FUNCTIONS, "TembraHostKitSetFaults",
+    N_("install the host framework in the version that the provider is made for")};
 
 std::vector<std::string> missingFunctions(const platform::DynamicLibrary &library,
                                           std::span<const char *const> wanted) {
@@ -125,7 +125,7 @@ std::string loadFailure(const std::string &path, const std::string &reason) {
     if (kind.empty())
         return tr("the file is not a library ({1})", {reason});
     if (kind[0] != ours[0])
-        return tr(kind[0] == 'M' ? "it is a Windows library" : "it is a Linux library");
+        return tr(kind[0] == 'M' ? "it is a Windows library" : N_("it is a Linux library"));
     return kind == ours ? reason : tr("it is for another processor than this program");
 }
 

@@ -18,13 +18,13 @@ void examineCertificate(Report &report, const std::string &token, const KeyPair 
         tr("certificate of {1} ({2})", {label(pair), std::string(typeName(pair))});
     const char *fault = nullptr;
     if (!certificate)
-        fault = "is not X.509";
+        fault = N_("is not X.509");
     else if (certificate->notAfter < currentTime())
-        fault = "is expired";
+        fault = N_("is expired");
     else if (certificate->notBefore > currentTime())
-        fault = "is not yet valid";
+        fault = N_("is not yet valid");
     else if (certificate->key != publicKey(pair))
-        fault = "is for another key";
+        fault = N_("is for another key");
     if (fault != nullptr)
         report.warn(Section::tokens, token, name + " " + tr(fault),
                     tr("store a new one with cert import"));

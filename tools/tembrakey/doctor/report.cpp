@@ -14,11 +14,11 @@ struct SectionName {
     const char *title; // English
 };
 
-constexpr SectionName SECTIONS[] = {{"libraries", "Libraries"},
-                                    {"settings", "Settings"},
-                                    {"trace", "Trace log"},
-                                    {"tokens", "Tokens"},
-                                    {"provider", "Provider at work"}};
+constexpr SectionName SECTIONS[] = {{"libraries", N_("Libraries")},
+                                    {"settings", N_("Settings")},
+                                    {"trace", N_("Trace log")},
+                                    {"tokens", N_("Tokens")},
+                                    {"provider", N_("Provider at work")}};
 
 const char *nameOf(Section section) {
     return SECTIONS[static_cast<std::size_t>(section)].name;
@@ -57,17 +57,17 @@ std::string padded(const std::string &text, std::size_t width) {
 
 void Report::ok(Section section, const std::string &subject, const std::string &text,
                 const Json &details) {
-    add(makeFinding("ok", section, subject, text, "", details));
+    add(makeFinding(N_("ok"), section, subject, text, "", details));
 }
 
 void Report::warn(Section section, const std::string &subject, const std::string &text,
                   const std::string &advice, const Json &details) {
-    add(makeFinding("warning", section, subject, text, advice, details));
+    add(makeFinding(N_("warning"), section, subject, text, advice, details));
 }
 
 void Report::fail(Section section, const std::string &subject, const std::string &text,
                   const std::string &advice, const Json &details) {
-    add(makeFinding("failure", section, subject, text, advice, details));
+    add(makeFinding(N_("failure"), section, subject, text, advice, details));
 }
 
 void Report::add(Json finding) {

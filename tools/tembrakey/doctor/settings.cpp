@@ -18,12 +18,12 @@ struct Flag {
 };
 
 const Flag FLAGS[] = {
-    {"HasSM3", "the provider reports that tokens have no SM3",
-     "the provider reports that tokens have SM3"},
-    {"HasSM4", "the provider reports that tokens have no SM4",
-     "the provider reports that tokens have SM4"},
-    {"SupportGDKMSM2Import", "plain SM2 key pairs are enveloped in the 32-byte form",
-     "plain SM2 key pairs are enveloped in the 48-byte form"},
+    {"HasSM3", N_("the provider reports that tokens have no SM3"),
+     N_("the provider reports that tokens have SM3")},
+    {"HasSM4", N_("the provider reports that tokens have no SM4"),
+     N_("the provider reports that tokens have SM4")},
+    {"SupportGDKMSM2Import", N_("plain SM2 key pairs are enveloped in the 32-byte form"),
+     N_("plain SM2 key pairs are enveloped in the 48-byte form")},
 };
 
 constexpr std::uint32_t DEFAULT_LENGTH = 1024;

@@ -15,7 +15,7 @@ constexpr std::size_t LIST_CAPACITY = 1024; // the provider's
 constexpr std::size_t MOST_TOKENS = 16;
 
 // One token, or the library as a whole, under examination.
-struct Subject {
+struct Token {
     Report &report;
     const Checkpoint &reached;
     const platform::DynamicLibrary &library;
@@ -56,7 +56,7 @@ std::string fieldText(const CHAR *field, std::size_t size) {
     return {field, std::find(field, field + size, '\0')};
 }
 
-void examinePin(const Subject &token, HAPPLICATION application, ULONG type) {
+void examinePin(const Token &token, HAPPLICATION application, ULONG type) {
     const bool isUser = type == USER_TYPE;
     ULONG most = 0;
     ULONG left = 0;
@@ -64,14 +64,14 @@ void examinePin(const Subject &token, HAPPLICATION application, ULONG type) {
     if (!TEMBRA_CALL(token, GetPINInfo, application, type, &most, &left, &isDefault))
         return;
     const std::string text =
-        tr("{1}: {2} of {3} tries left", {tr(isUser ? "user PIN" : "administrator PIN"),
+        tr("{1}: {2} of {3} tries left", {tr(isUser ? "user PIN" : N_("administrator PIN")),
                                           std::to_string(left), std::to_string(most)});
     const Json details = {
         {"pin", isUser ? "user PIN" : "administrator PIN"}, {"triesLeft", left}, {"tries", most}};
     if (left == 0)
         token.report.warn(
             Section::tokens, token.name, text + tr("; it is locked"),
-            tr(isUser ? "unblock it with pin unblock" : "only the token's vendor can help"),
+            tr(isUser ? "unblock it with pin unblock" : N_("only the token's vendor can help")),
             details);
     else if (isDefault != 0)
         token.report.warn(Section::tokens, token.name, text + tr("; it is still the vendor's"),
@@ -80,7 +80,7 @@ void examinePin(const Subject &token, HAPPLICATION application, ULONG type) {
         token.report.ok(Section::tokens, token.name, text, details);
 }
 
-void examineApplication(const Subject &token, DEVHANDLE device) {
+void examineApplication(const Token &token, DEVHANDLE device) {
     std::string list(LIST_CAPACITY * 2, '\0'); // some libraries write more than they were allowed
     ULONG length = LIST_CAPACITY;
     if (!TEMBRA_CALL(token, EnumApplication, device, list.data(), &length))
@@ -105,7 +105,7 @@ void examineApplication(const Subject &token, DEVHANDLE device) {
     TEMBRA_CALL(token, CloseApplication, application);
 }
 
-bool examineToken(const Subject &token) {
+bool examineToken(const Token &token) {
     DEVHANDLE device = nullptr;
     std::string name = token.name;
     if (!TEMBRA_CALL(token, ConnectDev, name.data(), &device))
@@ -133,7 +133,7 @@ bool examineToken(const Subject &token) {
 
 int examineTokens(Report &report, const Checkpoint &reached,
                   const platform::DynamicLibrary &library) {
-    const Subject all{report, reached, library, tr("all")};
+    const Token all{report, reached, library, tr("all")};
     std::string list(LIST_CAPACITY * 2, '\0');
     ULONG length = LIST_CAPACITY;
     if (!TEMBRA_CALL(all, EnumDev, 1, list.data(), &length))

@@ -21,11 +21,11 @@ constexpr std::uintmax_t LARGE = 1 << 30;
 
 const char *levelMeaning(int level) {
     switch (level) {
-    case 1: return "errors";
-    case 2: return "errors and warnings";
-    case 3: return "every call with its arguments";
-    case 4: return "every call with its arguments, entry and exit";
-    default: return level <= 0 ? "nothing" : "everything, hex texts too";
+    case 1: return N_("errors");
+    case 2: return N_("errors and warnings");
+    case 3: return N_("every call with its arguments");
+    case 4: return N_("every call with its arguments, entry and exit");
+    default: return level <= 0 ? N_("nothing") : N_("everything, hex texts too");
     }
 }
 
@@ -43,11 +43,11 @@ int examineLevel(Report &report) {
     };
     if (value && value->find_first_not_of("0123456789") != value->npos)
         warn(tr(" (\"{1}\" is not a number)", {*value}),
-             "set TEMBRA_KEY_PROV_LOG_LEVEL to a number from 0 to 5");
+             N_("set TEMBRA_KEY_PROV_LOG_LEVEL to a number from 0 to 5"));
     else if (level >= LEVEL_OF_PINS)
         warn(tr(level >= LEVEL_OF_DATA ? "; PINs and plaintext are written in clear"
-                                       : "; PINs are written in clear"),
-             "set TEMBRA_KEY_PROV_LOG_LEVEL to 2 or less where PINs are real");
+                                       : N_("; PINs are written in clear")),
+             N_("set TEMBRA_KEY_PROV_LOG_LEVEL to 2 or less where PINs are real"));
     else
         report.ok(Section::trace, tr("level"), text, details);
     return level;

@@ -99,7 +99,7 @@ Bytes envelopeKeyPair(const crypto::PrivateKey &key, const crypto::PublicKey &co
                       Sm2PrivateForm form) {
     if (key.index() != container.index())
         throw Failure(ExitCode::usage,
-                      tr("The key and the container's key are not of one algorithm"));
+                      tr("the key and the key of the container have different algorithms"));
     const auto *rsa = std::get_if<crypto::RsaPrivateKey>(&key);
     const Bytes payload = rsa != nullptr
                               ? rsaPayload(*rsa, std::get<crypto::RsaPublicKey>(container))

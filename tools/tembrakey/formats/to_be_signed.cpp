@@ -25,7 +25,7 @@ crypto::Bytes sm2ToBeSigned(const std::string &file, const crypto::Sm2PublicKey 
                             const std::string &signerId) {
     const auto z = crypto::sm2SignerDigest(key, signerId);
     if (!z)
-        throw Failure(ExitCode::usage, tr("The signer's identity is longer than 8191 bytes"));
+        throw Failure(ExitCode::usage, tr("the signer's identity is longer than 8191 bytes"));
     crypto::Digest digest(crypto::DigestAlgorithm::sm3);
     digest.update(*z);
     return withFile(std::move(digest), file);

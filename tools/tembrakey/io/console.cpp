@@ -59,14 +59,14 @@ void Console::requireConsent(bool yes, const std::string &question) const {
                       tr("{1} There is no terminal to ask at: use --yes", {question}));
     const auto answer = platform::askAtTerminal(question + " " + tr("[y/N]") + " ", false);
     if (!answer || (answer->c_str()[0] != 'y' && answer->c_str()[0] != 'Y'))
-        throw Failure(ExitCode::failure, tr("Nothing was deleted"));
+        throw Failure(ExitCode::failure, tr("nothing was deleted"));
 }
 
 void Console::finish() const {
     std::FILE *stream = platform::standardOutput();
     if (std::fflush(stream) != 0 || std::ferror(stream))
         throw Failure(ExitCode::inputOutput,
-                      tr("Cannot write to standard output: {1}", {std::strerror(errno)}));
+                      tr("cannot write to standard output: {1}", {std::strerror(errno)}));
 }
 
 } // namespace tembra::tool

@@ -33,7 +33,7 @@ std::optional<std::uint64_t> sizeOf(std::FILE *stream) {
 InputFile::InputFile(const std::string &path)
     : m_path(path), m_stream(path == "-" ? stdin : platform::openFile(path, "rb")) {
     if (m_stream == nullptr)
-        fail("Cannot open {1}: {2}", m_path);
+        fail(N_("cannot open {1}: {2}"), m_path);
     if (m_stream != stdin)
         m_size = sizeOf(m_stream);
 }
@@ -46,7 +46,7 @@ InputFile::~InputFile() {
 std::size_t InputFile::read(std::uint8_t *buffer, std::size_t capacity) {
     const std::size_t count = std::fread(buffer, 1, capacity, m_stream);
     if (count < capacity && std::ferror(m_stream))
-        fail("Cannot read {1}: {2}", m_path);
+        fail(N_("cannot read {1}: {2}"), m_path);
     return count;
 }
 
@@ -70,7 +70,7 @@ OutputFile::OutputFile(const std::string &path, Access access) : m_path(path) {
         platform::removeOnInterrupt(m_temporary);
     }
     if (m_stream == nullptr)
-        fail("Cannot write {1}: {2}", path);
+        fail("cannot write {1}: {2}", path);
     if (!m_temporary.empty() && exists(before))
         fs::permissions(toPath(m_temporary), before.permissions(), error);
 }
@@ -87,23 +87,23 @@ OutputFile::~OutputFile() {
 
 void OutputFile::write(crypto::ByteView bytes) {
     if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), m_stream) != bytes.size())
-        fail("Cannot write {1}: {2}", m_path);
+        fail("cannot write {1}: {2}", m_path);
 }
 
 void OutputFile::commit() {
     if (std::fflush(m_stream) != 0)
-        fail("Cannot write {1}: {2}", m_path);
+        fail("cannot write {1}: {2}", m_path);
     if (m_stream == platform::standardOutput())
         return;
     if (std::fclose(std::exchange(m_stream, nullptr)) != 0)
-        fail("Cannot write {1}: {2}", m_path);
+        fail("cannot write {1}: {2}", m_path);
     if (m_temporary.empty())
         return;
     std::error_code error;
     fs::rename(toPath(m_temporary), toPath(m_path), error);
     if (error)
         throw Failure(ExitCode::inputOutput,
-                      tr("Cannot write {1}: {2}", {m_path, error.message()}));
+                      tr("cannot write {1}: {2}", {m_path, error.message()}));
     m_temporary.clear();
     platform::removeOnInterrupt("");
 }

@@ -22,7 +22,7 @@ std::string firstReadable(const std::vector<std::string> &paths, const std::stri
         places += (places.empty() ? "" : ", ") + path;
     }
     throw Failure(ExitCode::noProvider,
-                  tr("Cannot find {1}; looked for {2}; {3}", {what, places, advice}));
+                  tr("cannot find {1}; looked for {2}; {3}", {what, places, advice}));
 }
 
 } // namespace tembra::tool

@@ -14,7 +14,7 @@ SecretText secretFromDescriptor(int descriptor) {
     for (char c = 0; line.size() < longest;) {
         const int count = platform::readDescriptor(descriptor, &c, 1);
         if (count < 0)
-            throw Failure(ExitCode::inputOutput, tr("Cannot read a PIN from descriptor {1}",
+            throw Failure(ExitCode::inputOutput, tr("cannot read a PIN from descriptor {1}",
                                                     {std::to_string(descriptor)}));
         if (count == 0 || c == '\n')
             break;
@@ -28,7 +28,7 @@ SecretText secretFromDescriptor(int descriptor) {
 SecretText secretFromEnvironment(const std::string &variable) {
     auto value = platform::environment(variable);
     if (!value)
-        throw Failure(ExitCode::usage, tr("The environment variable {1} is not set", {variable}));
+        throw Failure(ExitCode::usage, tr("the environment variable {1} is not set", {variable}));
     SecretText text(*value);
     crypto::wipe(value->data(), value->size());
     return text;
@@ -37,7 +37,7 @@ SecretText secretFromEnvironment(const std::string &variable) {
 SecretText secretFromPrompt(const std::string &prompt) {
     auto line = platform::askAtTerminal(prompt + ": ", true);
     if (!line)
-        throw Failure(ExitCode::inputOutput, tr("No PIN was entered"));
+        throw Failure(ExitCode::inputOutput, tr("no PIN was entered"));
     SecretText text(*line);
     crypto::wipe(line->data(), line->size());
     return text;

@@ -54,12 +54,11 @@ Device chooseDevice(const Session &session, const std::string &wanted) {
     if (matching.empty())
         throw Failure(ExitCode::notFound,
                       wanted.empty()
-                          ? tr("No token is connected") + traceOf("DeviceGetAllDevices", false)
-                          : tr("There is no device {1}: list shows them", {wanted}));
+                          ? tr("no token connected") + traceOf("DeviceGetAllDevices", false)
+                          : tr("no device {1} (see list)", {wanted}));
     if (matching.size() > 1)
         throw Failure(ExitCode::notFound,
-                      tr("There are several devices: choose one with --device INDEX (list shows "
-                         "them)"));
+                      tr("more than one device: choose one with --device INDEX (see list)"));
     return Device(session, session->DeviceGetDevice(set.get(), matching.front()));
 }
 

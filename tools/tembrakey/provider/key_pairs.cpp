@@ -23,12 +23,12 @@ KeyPair onlyKeyPair(const Device &device, const KeyPairChoice &choice) {
             continue;
         if (found)
             throw Failure(ExitCode::notFound,
-                          tr("There are several keys: choose one with --label (list shows them)"));
+                          tr("more than one key: choose one with --label (see list)"));
         found = std::move(pair);
     }
     if (!found)
         throw Failure(ExitCode::notFound,
-                      tr("The device has no key pair of type {1}", {choice.type}));
+                      tr("the device has no key pair of type {1}", {choice.type}));
     return found;
 }
 
@@ -42,7 +42,7 @@ KeyPair chooseKeyPair(const Device &device, const KeyPairChoice &choice) {
     if (session->DeviceFindKeypair(device.get(), typeNumber(choice), choice.label.c_str(),
                                    &handle) != TEMBRA_SUCCESS)
         throw Failure(ExitCode::notFound,
-                      tr("There is no key pair of type {1} with the label {2}: list shows them",
+                      tr("no key pair of type {1} with the label {2} (see list)",
                          {choice.type, choice.label}));
     return KeyPair(session, handle);
 }
@@ -87,9 +87,9 @@ crypto::Bytes publicKeyDer(const KeyPair &pair) {
 crypto::PublicKey publicKey(const KeyPair &pair) {
     const auto key = crypto::decodePublicKey(publicKeyDer(pair));
     if (!key)
-        throw Failure(ExitCode::failure,
-                      tr("The host library did not encode the public key as X.509 "
-                         "SubjectPublicKeyInfo"));
+        throw Failure(
+            ExitCode::failure,
+            tr("the host library did not encode the public key as X.509 SubjectPublicKeyInfo"));
     return *key;
 }
 

@@ -17,23 +17,27 @@ struct Meaning {
 };
 
 const Meaning MEANINGS[] = {
-    {TEMBRA_FAILURE, ExitCode::failure, "failure", "the trace log has the token's own result"},
-    {TEMBRA_BAD_ARGUMENT, ExitCode::failure, "bad argument",
-     "see the command's --help for what it takes"},
-    {TEMBRA_NULL_HANDLE, ExitCode::failure, "no handle", "the key pair may have been deleted"},
-    {ORVEL_PKI_MOREDATA, ExitCode::failure, "buffer too short",
-     "the token changed its result; try again"},
-    {TEMBRA_WRONG_PIN, ExitCode::wrongPin, "wrong or locked PIN",
-     "pin retries shows how many tries are left"},
-    {TEMBRA_ALREADY_EXISTS, ExitCode::alreadyExists, "already exists", "choose another name"},
-    {TEMBRA_NOT_FOUND, ExitCode::doesNotExist, "does not exist", "check the number"},
-    {TEMBRA_NOT_LOGGED_IN, ExitCode::notLoggedIn, "user not logged in",
-     "give the user PIN with --pin-env NAME or --pin-fd N"},
-    {TEMBRA_PIN_LENGTH, ExitCode::pinLength, "PIN length",
-     "the token does not take a PIN of this length"},
+    {TEMBRA_FAILURE, ExitCode::failure, N_("failure"),
+     N_("the trace log has the token's own result")},
+    {TEMBRA_BAD_ARGUMENT, ExitCode::failure, N_("bad argument"),
+     N_("see the command's --help for what it takes")},
+    {TEMBRA_NULL_HANDLE, ExitCode::failure, N_("no handle"),
+     N_("the key pair may have been deleted")},
+    {ORVEL_PKI_MOREDATA, ExitCode::failure, N_("buffer too short"),
+     N_("the token changed its result; try again")},
+    {TEMBRA_WRONG_PIN, ExitCode::wrongPin, N_("wrong or locked PIN"),
+     N_("pin retries shows how many tries are left")},
+    {TEMBRA_ALREADY_EXISTS, ExitCode::alreadyExists, N_("already exists"),
+     N_("choose another name")},
+    {TEMBRA_NOT_FOUND, ExitCode::doesNotExist, N_("does not exist"), N_("check the number")},
+    {TEMBRA_NOT_LOGGED_IN, ExitCode::notLoggedIn, N_("user not logged in"),
+     N_("give the user PIN with --pin-env NAME or --pin-fd N")},
+    {TEMBRA_PIN_LENGTH, ExitCode::pinLength, N_("PIN length"),
+     N_("the token does not take a PIN of this length")},
 };
 
-const Meaning UNKNOWN = {0, ExitCode::failure, "unknown result", "the trace log may contain more"};
+const Meaning UNKNOWN = {0, ExitCode::failure, N_("unknown result"),
+                         N_("the trace log may contain more")};
 
 const Meaning &meaningOf(int result) {
     for (const Meaning &one : MEANINGS)

@@ -23,18 +23,18 @@ struct Refusal {
 };
 
 const Refusal REFUSALS[] = {
-    {0x0A000004, ExitCode::inputOutput, "a file could not be read or written"},
-    {0x0A000006, ExitCode::usage, "a value is out of range"},
-    {0x0A000009, ExitCode::usage, "a name or text is empty or too long"},
-    {0x0A000023, ExitCode::notFound, "there is no token of that name (see token list)"},
-    {0x0A000027, ExitCode::pinLength, "PINs have 6 to 16 bytes"},
-    {0x0A00002C, ExitCode::alreadyExists, "the token has an application of that name"},
-    {0x0A00002F, ExitCode::alreadyExists, "there is a token with that serial number"},
-    {0x0A000030, ExitCode::failure, "the token has no room for it"},
+    {0x0A000004, ExitCode::inputOutput, N_("a file could not be read or written")},
+    {0x0A000006, ExitCode::usage, N_("a value is out of range")},
+    {0x0A000009, ExitCode::usage, N_("a name or text is empty or too long")},
+    {0x0A000023, ExitCode::notFound, N_("there is no token of that name (see token list)")},
+    {0x0A000027, ExitCode::pinLength, N_("PINs have 6 to 16 bytes")},
+    {0x0A00002C, ExitCode::alreadyExists, N_("the token has an application of that name")},
+    {0x0A00002F, ExitCode::alreadyExists, N_("there is a token with that serial number")},
+    {0x0A000030, ExitCode::failure, N_("the token has no room for it")},
 };
 
-const Refusal OTHER_REFUSAL = {0, ExitCode::failure,
-                               "there is no directory for tokens, or a token's file is damaged"};
+const Refusal OTHER_REFUSAL = {
+    0, ExitCode::failure, N_("there is no directory for tokens, or a token's file is damaged")};
 
 void require(const char *function, std::uint32_t result) {
     if (result == 0)

@@ -42,7 +42,7 @@ std::string table(const std::vector<Failure> &failures, const std::string &title
 
 std::string summaryText(const Summary &summary, Translate tr) {
     if (!summary.begin)
-        return tr("This file has no trace lines ({1} lines)", {grouped(summary.lines)});
+        return tr("this file has no trace lines ({1} lines)", {grouped(summary.lines)});
     std::string text = tr("{1} lines, {2} calls on {3} threads, {4} to {5}",
                           {grouped(summary.lines), grouped(summary.calls),
                            grouped(summary.threads.size()) + (summary.hasMoreThreads ? "+" : ""),
