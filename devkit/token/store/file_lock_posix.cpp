@@ -5,8 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "token/model/error.h"
-
 namespace tembra::token::store {
 
 namespace {
@@ -25,7 +23,7 @@ std::optional<FileLock> FileLock::tryAcquire(const Path &file) {
     for (;;) {
         const int fd = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
         if (fd < 0)
-            throw Error{SAR_FILEERR};
+            throwFileError();
         FileLock lock(fd);
         if (::flock(fd, LOCK_EX | LOCK_NB) != 0)
             return std::nullopt;

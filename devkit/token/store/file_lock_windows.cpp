@@ -8,8 +8,6 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
-#include "token/model/error.h"
-
 namespace tembra::token::store {
 
 std::optional<FileLock> FileLock::tryAcquire(const Path &file) {
@@ -20,7 +18,7 @@ std::optional<FileLock> FileLock::tryAcquire(const Path &file) {
         const DWORD error = ::GetLastError();
         if (error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION)
             return std::nullopt; // another process is removing it
-        throw Error{SAR_FILEERR};
+        throwFileError();
     }
     FileLock lock(reinterpret_cast<std::intptr_t>(handle));
     OVERLAPPED whole = {};

@@ -2,7 +2,7 @@
 
 #include <chrono>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <thread>
 
 #include "token/model/error.h"
@@ -34,6 +34,10 @@ bool write(const Path &file, std::string_view content) {
 
 } // namespace
 
+void throwFileError() {
+    throw Error{SAR_FILEERR};
+}
+
 void makePrivateDirectory(const Path &directory) {
     std::error_code error;
     if (fs::create_directories(directory, error))
@@ -48,7 +52,9 @@ std::optional<std::string> readFile(const Path &file) {
         std::error_code error;
         if (!stream.is_open())
             return !fs::exists(file, error) && !error;
-        content.emplace(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
+        std::ostringstream text;
+        text << stream.rdbuf(); // in blocks; character by character is much slower
+        content = std::move(text).str();
         return !stream.bad();
     });
     return content;

@@ -10,6 +10,10 @@ namespace tembra::token::store {
 
 using Path = std::filesystem::path;
 
+// Throws Error(SAR_FILEERR). For the locks: windows.h and the SKF types cannot be included
+// together.
+[[noreturn]] void throwFileError();
+
 // Creates a directory, closed to other users, and its parents.
 void makePrivateDirectory(const Path &directory);
 
