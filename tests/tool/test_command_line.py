@@ -82,7 +82,7 @@ class CommandLine(CommandTest):
         for run in filter(None, runs):
             with self.subTest(run=run):
                 text = self.run_tool(*run, LC_ALL="zh_CN.UTF-8").decode() + self.stderr
-                text = re.sub("\n用法.*|\n示例(.|\n)*", "", text.replace("\r", ""))
+                text = re.sub("\n用法.*|\n示例(.|\n)*|\n  -.*?(?=  |\n)", "", text.replace("\r", ""))
                 for name in names:
                     text = text.replace(name, "")
                 self.assertEqual(re.findall("[A-Za-z]*[a-z]{2} [a-z]{2,}", text), [], text)
