@@ -1,5 +1,5 @@
-// Entry points in any order with any arguments, over tokens that do what they should unless the
-// plan, which is part of the input, lets a call or an allocation fail.
+// Entry points in any order with any arguments, over correct tokens; a plan, which is part of the
+// input, makes calls and allocations fail.
 #include "support/provider_run.h"
 #include "support/session.h"
 
@@ -14,7 +14,7 @@ namespace {
 
 const ULONG CODES[] = {SAR_FAIL,
                        SAR_USER_NOT_LOGGED_IN,
-                       0x0A00000D,
+                       SAR_OBJERR,
                        SAR_DECRYPTPADERR,
                        SAR_DEVICE_REMOVED,
                        SAR_PIN_INCORRECT,
@@ -25,30 +25,30 @@ const ULONG CODES[] = {SAR_FAIL,
                        1,
                        3};
 
-// Two tokens: one with an application of three containers, one without any.
-void insertTokens(Input &in) {
-    test::ApplicationModel &application =
-        insertToken({test::ecc("c0", true, true), test::rsa("c1", 1024, true, in.once(2)), {"c2"}});
-    application.containers.front().signCertificate = Bytes(in.byte(), 0x30);
+// One or two tokens: one with an application of three containers, one without applications.
+void insertTokens(Input &input) {
+    test::ApplicationModel &application = insertToken(
+        {test::ecc("c0", true, true), test::rsa("c1", 1024, true, input.once(2)), {"c2"}});
+    application.containers.front().signCertificate = Bytes(input.byte(), 0x30);
     application.files["1"] = {Bytes(64, 0x31), SECURE_ANYONE_ACCOUNT, SECURE_USER_ACCOUNT};
-    if (in.once(4))
+    if (input.once(4))
         test::script().memory.addDevice("blank");
 }
 
-void planFaults(Input &in, ProviderRun &run) {
-    for (unsigned faults = in.byte() % 4; faults > 0; --faults) {
-        const std::string &function = in.pick(test::scriptedFunctions());
-        const int nth = 1 + in.byte() % 8;
-        const ULONG code = in.pick(CODES);
+void planFaults(Input &input, ProviderRun &run) {
+    for (unsigned faults = input.byte() % 4; faults > 0; --faults) {
+        const std::string &function = input.pick(test::scriptedFunctions());
+        const int nth = 1 + input.byte() % 8;
+        const ULONG code = input.pick(CODES);
         if (function.find("Free") != std::string::npos)
-            run.forgiveHostBlocks();
-        // A host library that says 1 says success, and then it has given something.
+            run.allowHostLeaks();
+        // 1 is success for the host library, which would then have to return something.
         test::planAnswer(function, nth, code == 1 && function[0] == 'O' ? 0 : code);
-        run.forgiveOpenHandles();
+        run.allowOpenHandles();
     }
-    if (in.once(4)) {
-        run.forgiveOpenHandles();
-        test::ProviderAllocator::failAt(1 + in.number() % 500, in.once(4));
+    if (input.once(4)) {
+        run.allowOpenHandles();
+        test::ProviderAllocator::failAt(1 + input.number() % 500, input.once(4));
     }
 }
 

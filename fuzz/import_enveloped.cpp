@@ -8,15 +8,22 @@ using namespace tembra::fuzz;
 
 namespace {
 
-const ULONG ANSWERS[] = {SAR_OK,     SAR_OK,     SAR_OK, SAR_USER_NOT_LOGGED_IN, 0x0A00000D,
-                         0x0A00001E, 0x0B000033, 1,      SAR_DEVICE_REMOVED};
+const ULONG ANSWERS[] = {SAR_OK,
+                         SAR_OK,
+                         SAR_OK,
+                         SAR_USER_NOT_LOGGED_IN,
+                         SAR_OBJERR,
+                         SAR_DECRYPTPADERR,
+                         0x0B000033,
+                         1,
+                         SAR_DEVICE_REMOVED};
 
 bool same(const void *field, const ExactBlock &blob, std::size_t at, std::size_t size) {
     return at + size <= static_cast<std::size_t>(blob.size()) &&
            std::memcmp(field, blob.data() + at, size) == 0;
 }
 
-// Every byte that the token is given stands at its place in the blob.
+// Whether every byte that the token receives comes from its place in the blob.
 bool isShareOf(const ExactBlock &blob, const ENVELOPEDKEYBLOB *share) {
     const ECCCIPHERBLOB &cipher = share->ECCCipherBlob;
     const std::size_t c2 = 20 + 142;
@@ -34,7 +41,7 @@ bool isShareOf(const ExactBlock &blob, const ENVELOPEDKEYBLOB *share) {
 
 void checkShare(const ExactBlock &blob) {
     test::script().SKF_ImportECCKeyPair.run([&blob](void *container, ENVELOPEDKEYBLOB *share) {
-        require(isShareOf(blob, share), "the token is given what the blob does not hold");
+        require(isShareOf(blob, share), "the token receives bytes that are not in the blob");
         return test::script().SKF_ImportECCKeyPair.usual(container, share);
     });
     test::script().SKF_ImportRSAKeyPair.run([&blob](void *container, ULONG algorithm, BYTE *key,
@@ -42,7 +49,7 @@ void checkShare(const ExactBlock &blob) {
         const auto total = static_cast<std::size_t>(blob.size());
         require(size < total && same(data, blob, total - size, size) &&
                     same(key, blob, total - size - 4 - keySize, keySize),
-                "the token is given what the blob does not hold");
+                "the token receives bytes that are not in the blob");
         return test::script().SKF_ImportRSAKeyPair.usual(container, algorithm, key, keySize, data,
                                                          size);
     });
@@ -66,9 +73,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const int rv = DeviceImportKeypair(device, blob.data(), blob.size(),
                                        ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, "c", &pair);
     require(rv == 1 || rv == 0 || rv == TEMBRA_NOT_LOGGED_IN || rv == TEMBRA_BAD_ARGUMENT,
-            "a result that there is not");
-    require((rv == 1) == (pair != nullptr), "a handle without success, or none with it");
-    require(DeviceGetKeypairCount(device) == before + (rv == 1), "the number of key pairs");
+            "an undefined result");
+    require((rv == 1) == (pair != nullptr), "the handle contradicts the result");
+    require(DeviceGetKeypairCount(device) == before + (rv == 1), "wrong number of key pairs");
     DeviceFreeKeypair(pair);
     return 0;
 }

@@ -1,6 +1,6 @@
 // DeviceImportKeypair with a plain blob ("_KEYPAIR") of any bytes, over a host library and a token
-// that answer in any lengths while the provider envelopes it.
-#include "support/lies.h"
+// that return any lengths while the provider envelopes the key pair.
+#include "support/faulty_replies.h"
 #include "support/provider_run.h"
 
 #include "../tests/support/key_pair_blobs.h"
@@ -22,16 +22,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const OneDevice device;
     test::allowPlainRsa(input.byte() & 1u ? 2048 : 1024);
     const Bytes answers = input.bytes(input.byte());
-    Input lies(answers.data(), answers.size());
-    if (!lies.done())
-        tellLies(lies);
+    Input replies(answers.data(), answers.size());
+    if (!replies.done())
+        scriptFaultyReplies(replies);
     const ExactBlock blob(input.rest());
 
     SPI_KEYPAIR_HANDLE pair = nullptr;
     const int rv = DeviceImportKeypair(device, blob.data(), blob.size(),
                                        ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, "c", &pair);
-    require(rv == 1 || rv == 0 || rv == TEMBRA_BAD_ARGUMENT, "a result that there is not");
-    require((rv == 1) == (pair != nullptr), "a handle without success, or none with it");
+    require(rv == 1 || rv == 0 || rv == TEMBRA_BAD_ARGUMENT, "an undefined result");
+    require((rv == 1) == (pair != nullptr), "the handle contradicts the result");
     DeviceFreeKeypair(pair);
     return 0;
 }

@@ -21,6 +21,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
             "the settings file cannot be written");
 
     DeviceEnd();
-    require(DeviceInit() == 1, "settings keep the provider from starting");
+    require(DeviceInit() == 1, "the provider does not start with these settings");
     return 0;
 }

@@ -1,5 +1,5 @@
 // DevicePrivateKeyDecrypt with an SM2 ciphertext of any bytes and buffers of any size.
-#include "support/lies.h"
+#include "support/faulty_replies.h"
 #include "support/provider_run.h"
 
 #include "../tests/support/call_faults.h"
@@ -28,10 +28,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         test::planAnswer("SKF_ECCDecrypt", 1, answer);
         test::planAnswer("SKF_RSADecrypt", 1, answer);
     }
-    const Bytes untrue = input.bytes(input.byte() % 16);
-    Input lies(untrue.data(), untrue.size());
-    if (!lies.done())
-        tellLies(lies);
+    const Bytes faults = input.bytes(input.byte() % 16);
+    Input replies(faults.data(), faults.size());
+    if (!replies.done())
+        scriptFaultyReplies(replies);
     const ExactBlock clear(Bytes(input.byte() * 2u, 0xEE));
     const ExactBlock cipher(input.rest());
 
@@ -40,11 +40,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
                                            clear.data(), clear.size(), &length);
     require(rv == 1 || rv == 0 || rv == TEMBRA_BAD_ARGUMENT || rv == TEMBRA_NOT_LOGGED_IN ||
                 rv == ORVEL_PKI_MOREDATA,
-            "a result that there is not");
+            "an undefined result");
     require(rv != 1 || (length >= 0 && length <= clear.size()), "a length beyond the buffer");
-    require(rv != ORVEL_PKI_MOREDATA || length > clear.size(), "a buffer refused that is enough");
+    require(rv != ORVEL_PKI_MOREDATA || length > clear.size(), "a sufficient buffer was refused");
     for (int i = rv == 1 ? length : 0; i < clear.size(); ++i)
-        require(clear.data()[i] == 0xEE, "the buffer is written where nothing is delivered");
+        require(clear.data()[i] == 0xEE, "bytes were written beyond the output");
     DeviceFreeKeypair(pair);
     return 0;
 }

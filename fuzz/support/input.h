@@ -1,4 +1,4 @@
-// The bytes a fuzzer hands in, taken from the front; once they are used up everything is zero.
+// The input of a fuzzer, consumed from the front; when it is used up, every value is zero.
 #pragma once
 
 #include <algorithm>
@@ -24,17 +24,17 @@ public:
         std::memcpy(&value, take(count), count);
         return value;
     }
-    // Once in that many times; never when the input is used up.
-    bool once(unsigned in) { return !done() && byte() % in == in - 1; }
+    // True once in that many times, and never when the input is used up.
+    bool once(unsigned times) { return !done() && byte() % times == times - 1; }
     template <typename Choices>
     const auto &pick(const Choices &choices) {
         return *(std::begin(choices) + byte() % static_cast<std::uint8_t>(std::size(choices)));
     }
-    // Exactly as many; zeros stand for what is missing.
+    // Exactly this many, padded with zeros.
     Bytes bytes(std::size_t count) {
-        const std::size_t there = std::min(count, m_size);
-        const std::uint8_t *from = take(there);
-        Bytes bytes(from, from + there);
+        const std::size_t available = std::min(count, m_size);
+        const std::uint8_t *first = take(available);
+        Bytes bytes(first, first + available);
         bytes.resize(count);
         return bytes;
     }
@@ -52,7 +52,7 @@ private:
     std::size_t m_size;
 };
 
-// A copy in a heap block of exactly its size, so that a byte read behind it is noticed.
+// A copy in a heap block of exactly its size, so that reading beyond its end is noticed.
 class ExactBlock {
 public:
     explicit ExactBlock(const Bytes &bytes)

@@ -1,6 +1,6 @@
 #include "operations.h"
 
-#include "buffers.h"
+#include "arguments.h"
 
 namespace tembra::fuzz {
 namespace {
@@ -21,39 +21,40 @@ const int ALGORITHMS[] = {ORVEL_PKI_ALGORITHM_RSA,
 const int USAGES[] = {1, 2, 3, 5, 7, 11, 0, 40, -1};
 const TembraEccParam CURVES[] = {{7, 0}, {7, 0}, {7, 0}, {7, 1}, {6, 0}};
 
-// Not too many, for an input to be done soon.
+// Limited, to keep runs short.
 void discover(Session &s) {
     if (s.discoveries++ < 8)
         s.keep(s.sets, DeviceGetAllDevices());
 }
 
-// The algorithm that belongs to the pair, or any.
+// The algorithm of the key pair, or any.
 int algorithmOf(Session &s, SPI_KEYPAIR_HANDLE pair, int rsa, int ecc) {
-    if (pair == nullptr || s.in.once(8))
-        return s.in.pick(ALGORITHMS);
+    if (pair == nullptr || s.input.once(8))
+        return s.input.pick(ALGORITHMS);
     return DeviceGetKeypairAlgorithm(pair) == ORVEL_PKI_ALGORITHM_RSA ? rsa : ecc;
 }
 
 const void *anyParam(Session &s) {
     static const int hashes[] = {ORVEL_PKI_ALGORITHM_SM3, 0};
-    switch (s.in.byte() % 4) {
+    switch (s.input.byte() % 4) {
     case 0: return nullptr;
-    case 1: return &s.in.pick(CURVES);
+    case 1: return &s.input.pick(CURVES);
     default: return &hashes[0];
     }
 }
 
 void generate(Session &s) {
     SPI_DEVICE_HANDLE device = s.any(s.devices);
-    const bool rsa = s.in.once(2);
-    const int algorithm = s.in.once(8) ? s.in.pick(ALGORITHMS) : rsa ? 1 : 4;
+    const bool rsa = s.input.once(2);
+    const int algorithm = s.input.once(8) ? s.input.pick(ALGORITHMS) : rsa ? 1 : 4;
     const int sizes[] = {rsa ? 1024 : 256, rsa ? 2048 : 256, 0, 512};
-    const int bits = s.in.pick(sizes);
-    const void *param = s.in.once(8) ? anyParam(s) : rsa ? nullptr : &s.in.pick(CURVES);
-    const Text label(s.in, {"new", "c0", "n1", "n2", ""});
+    const int bits = s.input.pick(sizes);
+    const void *param = s.input.once(8) ? anyParam(s) : rsa ? nullptr : &s.input.pick(CURVES);
+    const Text label(s.input, {"new", "c0", "n1", "n2", ""});
     SPI_KEYPAIR_HANDLE pair = nullptr;
-    const int result = DeviceGenerateKeypair(device, algorithm, bits, param, s.in.once(8) ? 1 : 2,
-                                             label, s.in.once(16) ? nullptr : &pair);
+    const int result =
+        DeviceGenerateKeypair(device, algorithm, bits, param, s.input.once(8) ? 1 : 2, label,
+                              s.input.once(16) ? nullptr : &pair);
     require(pair == nullptr || result == 1, "a generated pair without success");
     s.keep(s.pairs, pair);
 }
@@ -62,8 +63,8 @@ void sign(Session &s) {
     SPI_KEYPAIR_HANDLE pair = s.any(s.pairs);
     const int algorithm =
         algorithmOf(s, pair, ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_SIGN, ORVEL_PKI_ALGORITHM_SM2_SIGN);
-    const Data data(s.in);
-    const Output out(s.in);
+    const Data data(s.input);
+    const Output out(s.input);
     out.check(DeviceSign(pair, algorithm, anyParam(s), data.data(), data.length(), out.data(),
                          out.capacity(), out.needed()));
 }
@@ -72,67 +73,69 @@ void decrypt(Session &s) {
     SPI_KEYPAIR_HANDLE pair = s.any(s.pairs);
     const int algorithm =
         algorithmOf(s, pair, ORVEL_PKI_ALGORITHM_RSA_PKCS1_V1_5_ENC, ORVEL_PKI_ALGORITHM_SM2_ENC);
-    Bytes cipher = s.in.bytes(s.in.once(4) ? s.in.byte() : 97 + s.in.byte());
+    Bytes cipher = s.input.bytes(s.input.once(4) ? s.input.byte() : 97 + s.input.byte());
     if (!cipher.empty())
-        cipher[0] = s.in.once(8) ? 2 : 4;
+        cipher[0] = s.input.once(8) ? 2 : 4;
     const ExactBlock block(cipher);
-    const Output out(s.in);
+    const Output out(s.input);
     out.check(DevicePrivateKeyDecrypt(pair, algorithm, anyParam(s),
-                                      s.in.once(16) ? nullptr : block.data(), block.size(),
+                                      s.input.once(16) ? nullptr : block.data(), block.size(),
                                       out.data(), out.capacity(), out.needed()));
 }
 
 void newHashes(Session &s) {
     SPI_DEVICE_HANDLE device = s.any(s.devices);
-    const int algorithm = s.in.once(8) ? 1 : ORVEL_PKI_ALGORITHM_SM3;
-    for (int count = s.in.once(8) ? 66 : 1; count > 0; --count)
+    const int algorithm = s.input.once(8) ? 1 : ORVEL_PKI_ALGORITHM_SM3;
+    for (int count = s.input.once(8) ? 66 : 1; count > 0; --count)
         s.keep(s.hashes, DeviceNewHash(device, algorithm));
 }
 
 void newCiphers(Session &s) {
     SPI_DEVICE_HANDLE device = s.any(s.devices);
-    const ExactBlock key(s.in.bytes(16));
-    const ExactBlock iv(s.in.bytes(16));
-    const int algorithm = s.in.once(8) ? s.in.pick(ALGORITHMS) : s.in.pick(CIPHERS);
-    const int encrypts = s.in.byte() % 2;
-    for (int count = s.in.once(8) ? 66 : 1; count > 0; --count) {
+    const ExactBlock key(s.input.bytes(16));
+    const ExactBlock iv(s.input.bytes(16));
+    const int algorithm = s.input.once(8) ? s.input.pick(ALGORITHMS) : s.input.pick(CIPHERS);
+    const int encrypts = s.input.byte() % 2;
+    for (int count = s.input.once(8) ? 66 : 1; count > 0; --count) {
         s.keep(s.ciphers,
-               DeviceNewCipher(device, encrypts, algorithm, s.in.once(16) ? nullptr : key.data(),
-                               s.in.once(16) ? 15 : 16, s.in.once(8) ? nullptr : iv.data()));
+               DeviceNewCipher(device, encrypts, algorithm, s.input.once(16) ? nullptr : key.data(),
+                               s.input.once(16) ? 15 : 16, s.input.once(8) ? nullptr : iv.data()));
     }
 }
 
 void updateCipher(Session &s) {
     SPI_CIPHER_HANDLE cipher = s.any(s.ciphers);
-    const ExactBlock in(s.in.once(4) ? s.in.bytes(s.in.byte())
-                                     : Bytes(16u * (1 + s.in.byte() % 100), s.in.byte()));
-    const ExactBlock out(Bytes(s.in.once(4) ? s.in.byte() : static_cast<std::size_t>(in.size())));
-    const bool inPlace = s.in.once(4);
-    const int size = s.in.once(16) ? -1 : in.size();
+    const ExactBlock plain(s.input.once(4)
+                               ? s.input.bytes(s.input.byte())
+                               : Bytes(16u * (1 + s.input.byte() % 100), s.input.byte()));
+    const ExactBlock out(
+        Bytes(s.input.once(4) ? s.input.byte() : static_cast<std::size_t>(plain.size())));
+    const bool inPlace = s.input.once(4);
+    const int size = s.input.once(16) ? -1 : plain.size();
     int length = 0;
-    const int result =
-        DeviceCipherUpdate(cipher, s.in.once(16) ? nullptr : in.data(), size,
-                           s.in.once(8) ? nullptr
-                           : inPlace    ? in.data()
-                                        : out.data(),
-                           inPlace ? in.size() : out.size(), s.in.once(16) ? nullptr : &length);
-    require(result >= -4 && result <= 1, "a result that there is not");
+    const int result = DeviceCipherUpdate(cipher, s.input.once(16) ? nullptr : plain.data(), size,
+                                          s.input.once(8) ? nullptr
+                                          : inPlace       ? plain.data()
+                                                          : out.data(),
+                                          inPlace ? plain.size() : out.size(),
+                                          s.input.once(16) ? nullptr : &length);
+    require(result >= -4 && result <= 1, "an undefined result");
 }
 
 void createData(Session &s) {
     SPI_DEVICE_HANDLE device = s.any(s.devices);
-    Bytes mode = {s.in.byte()}; // its count, then as many rights as that can mean
-    const Bytes rights = s.in.bytes(4);
-    mode[0] = s.in.once(4) ? mode[0] : static_cast<unsigned char>(2 + mode[0] % 3);
+    Bytes mode = {s.input.byte()}; // its count, then as many rights as that can mean
+    const Bytes rights = s.input.bytes(4);
+    mode[0] = s.input.once(4) ? mode[0] : static_cast<unsigned char>(2 + mode[0] % 3);
     mode.insert(mode.end(), rights.begin(), rights.end());
     const ExactBlock block(mode);
-    DeviceCreateData(device, s.in.byte() % 4 - 1,
-                     s.in.once(16) ? nullptr : reinterpret_cast<const char *>(block.data()),
-                     static_cast<signed char>(s.in.byte()));
+    DeviceCreateData(device, s.input.byte() % 4 - 1,
+                     s.input.once(16) ? nullptr : reinterpret_cast<const char *>(block.data()),
+                     static_cast<signed char>(s.input.byte()));
 }
 
 int anyOffset(Session &s) {
-    return s.in.once(8) ? static_cast<int>(s.in.number()) : s.in.byte() % 64;
+    return s.input.once(8) ? static_cast<int>(s.input.number()) : s.input.byte() % 64;
 }
 
 // In the order of the table of entry points.
@@ -141,17 +144,17 @@ const Operation TABLE[] = {
     [](Session &s) { DeviceGetDeviceCount(s.any(s.sets)); },
     [](Session &s) {
         SPI_DEVICESET_HANDLE set = s.any(s.sets);
-        s.keep(s.devices, DeviceGetDevice(set, s.in.byte() % 6 - 1));
+        s.keep(s.devices, DeviceGetDevice(set, s.input.byte() % 6 - 1));
     },
     [](Session &s) { s.freeSet(s.take(s.sets)); },
     [](Session &s) { s.freeDevice(s.take(s.devices)); },
     [](Session &s) {
-        const Output out(s.in);
+        const Output out(s.input);
         out.check(
             DeviceGetSerialNumber(s.any(s.devices), out.text(), out.capacity(), out.needed()));
     },
     [](Session &s) {
-        const Output out(s.in);
+        const Output out(s.input);
         out.check(DeviceGetLabel(s.any(s.devices), out.text(), out.capacity(), out.needed()));
     },
     [](Session &s) {
@@ -161,18 +164,18 @@ const Operation TABLE[] = {
     [](Session &s) { DeviceGetKeypairCount(s.any(s.devices)); },
     [](Session &s) {
         SPI_DEVICE_HANDLE device = s.any(s.devices);
-        s.keep(s.pairs, DeviceGetKeypair(device, s.in.byte() % 8 - 1));
+        s.keep(s.pairs, DeviceGetKeypair(device, s.input.byte() % 8 - 1));
     },
     [](Session &s) {
         SPI_DEVICE_HANDLE device = s.any(s.devices);
-        const Text label(s.in, {"c0", "c1", "c2", "new"});
+        const Text label(s.input, {"c0", "c1", "c2", "new"});
         SPI_KEYPAIR_HANDLE pair = nullptr;
-        DeviceFindKeypair(device, s.in.byte() % 4, label, s.in.once(16) ? nullptr : &pair);
+        DeviceFindKeypair(device, s.input.byte() % 4, label, s.input.once(16) ? nullptr : &pair);
         s.keep(s.pairs, pair);
     },
     [](Session &s) { s.freePair(s.take(s.pairs)); },
     [](Session &s) {
-        const Output out(s.in);
+        const Output out(s.input);
         out.check(DeviceGetKeypairLabel(s.any(s.pairs), out.text(), out.capacity(), out.needed()));
     },
     [](Session &s) {
@@ -186,7 +189,7 @@ const Operation TABLE[] = {
     [](Session &s) { s.importPair(); },
     [](Session &s) { s.keep(s.publicKeys, DeviceGetPublicKeyFromKeypair(s.any(s.pairs))); },
     [](Session &s) {
-        const Output out(s.in);
+        const Output out(s.input);
         out.check(
             DeviceExportPublicKey(s.any(s.publicKeys), out.data(), out.capacity(), out.needed()));
     },
@@ -198,9 +201,9 @@ const Operation TABLE[] = {
     [](Session &s) { DeviceFreePublicKey(s.take(s.publicKeys)); },
     [](Session &s) { DeviceGetCertificateCount(s.any(s.pairs)); },
     [](Session &s) {
-        const Output out(s.in);
+        const Output out(s.input);
         SPI_KEYPAIR_HANDLE pair = s.any(s.pairs);
-        out.check(DeviceGetCertificate(pair, s.in.byte() % 4 - 1, out.data(), out.capacity(),
+        out.check(DeviceGetCertificate(pair, s.input.byte() % 4 - 1, out.data(), out.capacity(),
                                        out.needed()));
     },
     [](Session &s) { s.updateCertificate(); },
@@ -208,40 +211,40 @@ const Operation TABLE[] = {
     decrypt,
     [](Session &s) {
         SPI_DEVICE_HANDLE device = s.any(s.devices);
-        const Text pin(s.in, {"user-pin", "admin-pin", "12345678123456781234567812345678"});
+        const Text pin(s.input, {"user-pin", "admin-pin", "12345678123456781234567812345678"});
         int tries = 0;
-        DeviceVerifyPwd(device, s.in.byte() % 5, pin, s.in.once(8) ? nullptr : &tries);
+        DeviceVerifyPwd(device, s.input.byte() % 5, pin, s.input.once(8) ? nullptr : &tries);
     },
     [](Session &s) {
         SPI_DEVICE_HANDLE device = s.any(s.devices);
-        const Text from(s.in, {"user-pin", "admin-pin"});
-        const Text to(s.in, {"user-pin", "admin-pin"});
+        const Text from(s.input, {"user-pin", "admin-pin"});
+        const Text to(s.input, {"user-pin", "admin-pin"});
         int tries = 0;
-        DeviceChangePwd(device, s.in.byte() % 4, from, to, s.in.once(8) ? nullptr : &tries);
+        DeviceChangePwd(device, s.input.byte() % 4, from, to, s.input.once(8) ? nullptr : &tries);
     },
     [](Session &s) {
         SPI_DEVICE_HANDLE device = s.any(s.devices);
-        const Text admin(s.in, {"admin-pin", "user-pin"});
-        const Text to(s.in, {"user-pin", "admin-pin"});
+        const Text admin(s.input, {"admin-pin", "user-pin"});
+        const Text to(s.input, {"user-pin", "admin-pin"});
         int tries = 0;
-        DeviceUnlockPwd(device, s.in.byte() % 3, admin, to, s.in.once(8) ? nullptr : &tries);
+        DeviceUnlockPwd(device, s.input.byte() % 3, admin, to, s.input.once(8) ? nullptr : &tries);
     },
     [](Session &s) {
         SPI_DEVICE_HANDLE device = s.any(s.devices);
         int tries = 0;
-        DeviceGetPwdRetryNum(device, s.in.byte() % 4, s.in.once(8) ? nullptr : &tries);
+        DeviceGetPwdRetryNum(device, s.input.byte() % 4, s.input.once(8) ? nullptr : &tries);
     },
     [](Session &s) {
-        const ExactBlock random(Bytes(s.in.byte()));
+        const ExactBlock random(Bytes(s.input.byte()));
         DeviceGenerateRandom(s.any(s.devices), random.size(), random.data());
     },
     newHashes,
     [](Session &s) {
-        const Data data(s.in);
+        const Data data(s.input);
         DeviceHashUpdate(s.any(s.hashes), data.data(), data.length());
     },
     [](Session &s) {
-        const Output out(s.in);
+        const Output out(s.input);
         out.check(DeviceHashFinal(s.any(s.hashes), out.data(), out.capacity(), out.needed()));
     },
     [](Session &s) { DeviceFreeHash(s.take(s.hashes)); },
@@ -251,26 +254,26 @@ const Operation TABLE[] = {
     createData,
     [](Session &s) {
         SPI_DEVICE_HANDLE device = s.any(s.devices);
-        const Output out(s.in);
+        const Output out(s.input);
         const int offset = anyOffset(s);
-        out.check(DeviceReadDataEx(device, s.in.byte() % 4 - 1, offset, out.data(), out.capacity(),
-                                   out.needed()));
+        out.check(DeviceReadDataEx(device, s.input.byte() % 4 - 1, offset, out.data(),
+                                   out.capacity(), out.needed()));
     },
     [](Session &s) {
         SPI_DEVICE_HANDLE device = s.any(s.devices);
-        const Data data(s.in);
+        const Data data(s.input);
         const int offset = anyOffset(s);
-        DeviceWriteDataEx(device, s.in.byte() % 4 - 1, offset, data.data(), data.length());
+        DeviceWriteDataEx(device, s.input.byte() % 4 - 1, offset, data.data(), data.length());
     },
     [](Session &s) {
         SPI_DEVICE_HANDLE device = s.any(s.devices);
-        DeviceDeleteData(device, s.in.byte() % 4 - 1);
+        DeviceDeleteData(device, s.input.byte() % 4 - 1);
     },
     [](Session &s) {
         SPI_DEVICE_HANDLE device = s.any(s.devices);
-        const int algorithm = s.in.once(2) ? s.in.pick(CIPHERS) : s.in.pick(ALGORITHMS);
-        const int bits = s.in.once(2) ? 1024 : 512;
-        const int usage = s.in.pick(USAGES);
+        const int algorithm = s.input.once(2) ? s.input.pick(CIPHERS) : s.input.pick(ALGORITHMS);
+        const int bits = s.input.once(2) ? 1024 : 512;
+        const int usage = s.input.pick(USAGES);
         DeviceIsSupportedAlgorithm2(device, algorithm, bits, usage, anyParam(s));
     },
 };

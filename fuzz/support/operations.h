@@ -1,4 +1,4 @@
-// Every entry point between DeviceInit and DeviceEnd as one step of a session.
+// The entry points between DeviceInit and DeviceEnd, each as one step of a session.
 #pragma once
 
 #include "session.h"

@@ -36,8 +36,9 @@ void report(const char *what) {
 ProviderRun::ProviderRun(Input &input) {
     test::resetScript();
     startOnce();
-    ProviderAllocator::refuseAbove(std::size_t{1} << 24); // a token may announce gigabytes
-    // Most of the time silent: a trace of every line costs half the speed.
+    ProviderAllocator::refuseAbove(std::size_t{1}
+                                   << 24); // a token may report a length of gigabytes
+    // Mostly without trace, which would halve the speed.
     traceLevel[sizeof traceLevel - 2] = input.once(4) ? '5' : '0';
     g_supportGDKMSM2Import = input.byte() & 1u;
     g_hasSM3 = g_hasSM4 = input.byte() & 1u;
@@ -46,11 +47,11 @@ ProviderRun::ProviderRun(Input &input) {
 
 ProviderRun::~ProviderRun() {
     ProviderAllocator::failAt(0);
-    require(ProviderAllocator::live() == 0, "the provider has lost memory");
-    require(script().host.foreignFrees == 0, "memory given back that is not the host library's");
-    require(script().host.blocks.empty() || !m_wantsBlocksBack, "memory of the host library lost");
+    require(ProviderAllocator::live() == 0, "the provider leaked memory");
+    require(script().host.foreignFrees == 0, "memory freed that is not the host library's");
+    require(script().host.blocks.empty() || m_allowsHostLeaks, "memory of the host library leaked");
     require(script().memory.containersClosedTwice == 0, "a container closed twice");
-    require(script().memory.open() == 0 || !m_wantsHandlesBack, "a token handle left open");
+    require(script().memory.open() == 0 || m_allowsOpenHandles, "a token handle left open");
 }
 
 test::ApplicationModel &insertToken(std::initializer_list<test::ContainerModel> containers) {

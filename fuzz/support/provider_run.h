@@ -1,5 +1,4 @@
-// What one input does to the provider: a fresh token, a started provider, and at the end the proof
-// that nothing was lost.
+// One run of a harness: a fresh token, a started provider, and at the end a check for leaks.
 #pragma once
 
 #include "input.h"
@@ -9,7 +8,7 @@
 
 namespace tembra::fuzz {
 
-// Ends the process with a text that says what is wrong: a finding.
+// Reports a finding and ends the process.
 [[noreturn]] void report(const char *what);
 inline void require(bool holds, const char *what) {
     if (!holds)
@@ -18,31 +17,30 @@ inline void require(bool holds, const char *what) {
 
 class ProviderRun {
 public:
-    // Takes a byte for the trace level and three for the settings.
+    // Consumes a byte for the trace level and three for the settings.
     explicit ProviderRun(Input &input);
-    // Wants every block of the provider and of the host library back, and unless forgiven every
-    // handle of the token.
+    // Requires that all memory has been freed and, unless allowed, all token handles closed.
     ~ProviderRun();
     ProviderRun(const ProviderRun &) = delete;
     ProviderRun &operator=(const ProviderRun &) = delete;
 
-    // The provider leaves handles open when the token or memory fails it at some places.
-    void forgiveOpenHandles() { m_wantsHandlesBack = false; }
-    // The host library was told to refuse what is given back to it.
-    void forgiveHostBlocks() { m_wantsBlocksBack = false; }
+    // In some places the provider leaves handles open when the token or an allocation fails.
+    void allowOpenHandles() { m_allowsOpenHandles = true; }
+    // The host library has been told to refuse to free memory.
+    void allowHostLeaks() { m_allowsHostLeaks = true; }
 
 private:
-    bool m_wantsHandlesBack = true;
-    bool m_wantsBlocksBack = true;
+    bool m_allowsOpenHandles = false;
+    bool m_allowsHostLeaks = false;
 };
 
 // A device with one application, "app", that holds these containers.
 test::ApplicationModel &insertToken(std::initializer_list<test::ContainerModel> containers);
 
-// The same with a container, "c", that has a signature key of any kind.
+// The same with a container "c" that has a signature key of any algorithm.
 void insertTokenForImports(Input &input);
 
-// The device of the only token, discovered; given back at the end of the object's life.
+// The device of the only token, discovered and later freed.
 class OneDevice {
 public:
     OneDevice();

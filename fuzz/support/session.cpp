@@ -1,7 +1,7 @@
 #include "session.h"
 
 #include "../../tests/support/key_pair_blobs.h"
-#include "buffers.h"
+#include "arguments.h"
 #include "operations.h"
 #include "provider/lock.h"
 
@@ -13,7 +13,7 @@ bool isLastReference(const TembraDevice *device) {
            device->m_keypairCount + device->m_hashCount + device->m_cipherCount;
 }
 
-// What frees the hash and cipher records of a device that goes.
+// Frees the hash or cipher handles of a device that is about to be freed.
 template <typename Handle, typename Free>
 void freeAllOf(std::vector<Handle> &handles, const TembraDevice *device, Free free) {
     for (std::size_t i = handles.size(); i-- > 0;) {
@@ -24,17 +24,17 @@ void freeAllOf(std::vector<Handle> &handles, const TembraDevice *device, Free fr
     }
 }
 
-test::Bytes anyBlob(Input &in) {
+test::Bytes anyBlob(Input &input) {
     test::Bytes blob;
-    switch (in.byte() % 6) {
-    case 0: blob = in.bytes(in.byte()); break;
-    case 1: blob = test::plainSm2(test::Bytes(32, in.byte())); break;
-    case 2: blob = test::plainRsa(1024, test::Bytes(in.byte(), 0x30)); break;
-    case 3: blob = test::RsaEnvelope(in.once(2) ? 2048 : 1024).blob(); break;
+    switch (input.byte() % 6) {
+    case 0: blob = input.bytes(input.byte()); break;
+    case 1: blob = test::plainSm2(test::Bytes(32, input.byte())); break;
+    case 2: blob = test::plainRsa(1024, test::Bytes(input.byte(), 0x30)); break;
+    case 3: blob = test::RsaEnvelope(input.once(2) ? 2048 : 1024).blob(); break;
     default: blob = test::Sm2Envelope().blob(); break;
     }
-    for (unsigned changes = in.byte() % 4; changes > 0 && !blob.empty(); --changes)
-        blob[in.number() % blob.size()] = in.byte();
+    for (unsigned changes = input.byte() % 4; changes > 0 && !blob.empty(); --changes)
+        blob[input.number() % blob.size()] = input.byte();
     return blob;
 }
 
@@ -43,8 +43,8 @@ test::Bytes anyBlob(Input &in) {
 void Session::play(int calls) {
     operations().front()(*this);
     keep(devices, DeviceGetDevice(any(sets), 0));
-    for (; calls > 0 && !in.done(); --calls)
-        operations()[in.byte() % operations().size()](*this);
+    for (; calls > 0 && !input.done(); --calls)
+        operations()[input.byte() % operations().size()](*this);
 }
 
 Session::~Session() {
@@ -62,8 +62,8 @@ Session::~Session() {
         freeDevice(device);
     for (SPI_DEVICESET_HANDLE set : sets)
         freeSet(set);
-    // A deletion leaves the container record in memory, one reference too many on the device, and
-    // slots beyond the count.
+    // After a deletion the container record stays in memory, the device has one reference too many,
+    // and container slots beyond the count are in use.
     for (TembraContainer *container : m_keptContainers)
         freeContainer(container);
     for (TembraDevice *device : m_keptDevices) {
@@ -112,24 +112,24 @@ void Session::deletePair() {
 
 void Session::updateCertificate() {
     SPI_KEYPAIR_HANDLE pair = any(pairs);
-    const Data certificate(in);
+    const Data certificate(input);
     const int taken = test::script().memory.certificatesTaken;
     const int result = DeviceUpdateCertificate(pair, certificate.data(), certificate.length());
     if (result == 0 && test::script().memory.certificatesTaken > taken)
-        g_lock.leave(); // left held by contract when memory is short for the copy
+        g_lock.leave(); // held by contract when memory runs out for the copy
 }
 
 void Session::importPair() {
     SPI_DEVICE_HANDLE device = any(devices);
-    const ExactBlock blob(anyBlob(in));
-    const Text label(in, {"c0", "c1", "c2", "new", ""});
+    const ExactBlock blob(anyBlob(input));
+    const Text label(input, {"c0", "c1", "c2", "new", ""});
     SPI_KEYPAIR_HANDLE pair = nullptr;
-    const int type = in.once(8) ? in.byte() : ORVEL_PKI_KEYPAIRTYPE_ENCRYPT;
-    const int size = in.once(8) ? in.byte() % (blob.size() + 1) : blob.size();
-    const bool wanted = !in.once(16);
-    const int result = DeviceImportKeypair(device, in.once(16) ? nullptr : blob.data(), size, type,
-                                           label, wanted ? &pair : nullptr);
-    require((result == 1) == (pair != nullptr), "an import's result and its handle");
+    const int type = input.once(8) ? input.byte() : ORVEL_PKI_KEYPAIRTYPE_ENCRYPT;
+    const int size = input.once(8) ? input.byte() % (blob.size() + 1) : blob.size();
+    const bool wanted = !input.once(16);
+    const int result = DeviceImportKeypair(device, input.once(16) ? nullptr : blob.data(), size,
+                                           type, label, wanted ? &pair : nullptr);
+    require((result == 1) == (pair != nullptr), "an import's result contradicts its handle");
     keep(pairs, pair);
 }
 

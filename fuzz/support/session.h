@@ -1,6 +1,6 @@
 // A host that calls entry points in any order with any arguments, within the rules for handles:
-// every handle is one it was given and has not freed, and hash and cipher handles go before the
-// last handle of their device.
+// every handle is valid, and hash and cipher handles are freed before the last handle of their
+// device.
 #pragma once
 
 #include "input.h"
@@ -14,16 +14,16 @@ namespace tembra::fuzz {
 
 class Session {
 public:
-    explicit Session(Input &input) : in(input) {}
-    // Frees every handle, and what the provider keeps by contract after a deletion.
+    explicit Session(Input &source) : input(source) {}
+    // Frees all handles, and the records that the provider keeps by contract after a deletion.
     ~Session();
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
 
-    // A discovery, then calls chosen by the input until it is used up, at most so many.
+    // A discovery, then at most this many calls, chosen by the input until it is used up.
     void play(int calls);
 
-    Input &in;
+    Input &input;
     std::vector<SPI_DEVICESET_HANDLE> sets;
     std::vector<SPI_DEVICE_HANDLE> devices;
     std::vector<SPI_KEYPAIR_HANDLE> pairs;
@@ -32,10 +32,10 @@ public:
     std::vector<SPI_CIPHER_HANDLE> ciphers;
     int discoveries = 0;
 
-    // One of the handles, or null: without handles and now and then.
+    // One of the handles; null if there is none, and occasionally.
     template <typename Handle>
     Handle any(const std::vector<Handle> &handles) {
-        return handles.empty() || in.once(16) ? nullptr : in.pick(handles);
+        return handles.empty() || input.once(16) ? nullptr : input.pick(handles);
     }
     template <typename Handle>
     void keep(std::vector<Handle> &handles, Handle handle) {

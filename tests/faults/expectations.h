@@ -1,4 +1,4 @@
-// What a failed call below the provider makes of the entry point that made it.
+// The results of entry points when a call to a library fails.
 #pragma once
 
 #include <cstdint>
@@ -6,12 +6,7 @@
 
 namespace tembra::test {
 
-struct Expectation {
-    int result;
-    std::string line; // in the trace; empty: no line names the call
-};
-
-// entry as the scenario calls it, call the function that answered the code.
-Expectation expected(const std::string &entry, const std::string &call, std::uint32_t code);
+// The result of this entry point if the function `call` returned `code`.
+int expectedResult(const std::string &entry, const std::string &call, std::uint32_t code);
 
 } // namespace tembra::test

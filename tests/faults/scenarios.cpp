@@ -17,7 +17,7 @@ int sizeOf(const Bytes &bytes) {
     return static_cast<int>(bytes.size());
 }
 
-// No two runs of bytes in them are alike.
+// Pseudo-random, so that any eight bytes identify a secret.
 Bytes secret(std::size_t size, std::uint32_t seed) {
     Bytes bytes(size);
     for (unsigned char &byte : bytes) {
@@ -130,7 +130,7 @@ void signAndDecrypt(Session &s) {
     s.discover();
     const Bytes data(32, 0x17);
     Bytes cipher(65 + MESSAGE.size() + 32, 4);
-    for (std::size_t i = 0; i < MESSAGE.size(); ++i) // the token in memory masks it
+    for (std::size_t i = 0; i < MESSAGE.size(); ++i) // as the scripted token masks it
         cipher[65 + i] = MESSAGE[i] ^ 0x5A;
     for (const bool isSm2 : {true, false}) {
         const char *label = isSm2 ? "c" : "r";
@@ -185,23 +185,23 @@ void updateCertificates(Session &s) {
     }
 }
 
-void importPair(Session &s, const char *entry, const char *label, const Bytes &blob) {
+void importPair(Session &s, const char *label, const Bytes &blob) {
     SPI_KEYPAIR_HANDLE pair = nullptr;
     const int result =
         DeviceImportKeypair(s.device, blob.data(), sizeOf(blob), ENCRYPT, label, &pair);
-    s.keep(entry, pair, result);
+    s.keep("DeviceImportKeypair", pair, result);
 }
 
 void importEnveloped(Session &s) {
     s.discover();
-    importPair(s, "DeviceImportKeypair", "c", Sm2Envelope().blob());
-    importPair(s, "DeviceImportKeypair", "r", RsaEnvelope().blob());
+    importPair(s, "c", Sm2Envelope().blob());
+    importPair(s, "r", RsaEnvelope().blob());
 }
 
 void importPlain(Session &s) {
     s.discover();
-    importPair(s, "DeviceImportKeypair plain", "c", plainSm2(SCALAR));
-    importPair(s, "DeviceImportKeypair plain", "r", plainRsa(1024, DER));
+    importPair(s, "c", plainSm2(SCALAR));
+    importPair(s, "r", plainRsa(1024, DER));
 }
 
 void failToEncipherKeys(Session &s) {
@@ -211,7 +211,7 @@ void failToEncipherKeys(Session &s) {
         SPI_KEYPAIR_HANDLE pair = nullptr;
         const int result =
             DeviceImportKeypair(s.device, blob.data(), sizeOf(blob), ENCRYPT, label, &pair);
-        s.did("DeviceImportKeypair plain", result == 0);
+        s.did("DeviceImportKeypair", result == 0);
     }
 }
 

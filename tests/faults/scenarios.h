@@ -1,4 +1,4 @@
-// What the fault loops run: together all entry points with all their ways to succeed.
+// The scenarios of the fault loops. Together they call all entry points.
 #pragma once
 
 #include "session.h"

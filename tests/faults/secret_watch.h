@@ -22,7 +22,7 @@ struct Secret {
     const char *lastCall;
 };
 
-// Looks for any eight bytes of a secret, as they are and as hex text.
+// Looks for any eight bytes of a secret, raw or as hex text.
 class SecretWatch {
 public:
     explicit SecretWatch(const std::vector<Secret> &secrets);

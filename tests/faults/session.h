@@ -1,5 +1,4 @@
-// A host that goes through a scenario until the first entry point that does not succeed, and gives
-// everything back.
+// A host that plays a scenario up to the first entry point that fails, and then frees everything.
 #pragma once
 
 #include "secret_watch.h"
@@ -15,26 +14,26 @@
 namespace tembra::test {
 
 struct Step {
-    std::string entry;                // the entry point, or a kind of its use
-    int result;                       // constructors: 1 with a handle
+    std::string entry;                // the entry point
+    int result;                       // 1 if an entry point returned a handle
     std::size_t callsBegin, callsEnd; // in the journal
 };
 
 class Session {
 public:
-    // Thrown out of a scenario when a step has failed.
+    // Thrown when a step fails.
     struct Ended {};
 
     explicit Session(SecretWatch *watch = nullptr)
         : m_watch(watch), m_callsBegin(script().journal.size()) {}
-    // Gives every handle back.
+    // Frees all handles.
     ~Session();
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
 
-    // What an entry point has answered; 1 lets the scenario go on.
+    // Records the result of an entry point; the scenario continues if it is 1.
     void did(const std::string &entry, int result);
-    // The same for an entry point with bytes to hand out, which also answers their number.
+    // The same for an entry point that returns bytes, first asked for their number.
     template <typename Ask>
     Bytes got(const std::string &entry, Ask ask) {
         int length = 0;
@@ -50,17 +49,17 @@ public:
     void keep(const std::string &entry, SPI_KEYPAIR_HANDLE pair, int result);
     void keepHash(SPI_HASH_HANDLE hash);
     void keepCipher(SPI_CIPHER_HANDLE cipher);
-    // Also notes what stays in memory by contract when it succeeds.
+    // If it succeeds, also records what stays in memory by contract.
     void deletePair(SPI_KEYPAIR_HANDLE pair);
 
     const std::vector<Step> &steps() const { return m_steps; }
     const Step *failed() const;
-    std::set<std::string> entries{}; // everything called
+    std::set<std::string> entries{}; // all that were called
 
     SPI_DEVICESET_HANDLE set = nullptr;
     SPI_DEVICE_HANDLE device = nullptr;
 
-    // What a deletion leaves: the device, and the record of the container.
+    // The records that stay after a deletion.
     struct Kept {
         TembraDevice *device = nullptr;
         TembraContainer *container = nullptr;

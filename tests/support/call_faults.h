@@ -1,4 +1,4 @@
-// Planned answers of the scripted functions by name (ELF only).
+// Planned results of the scripted functions by name (ELF only).
 #pragma once
 
 #include "scripted_token.h"
@@ -8,8 +8,8 @@ namespace tembra::test {
 // The functions that the provider imports.
 const std::vector<std::string> &scriptedFunctions();
 
-// The nth call of the function from now on answers this code and does nothing else; a function that
-// returns a pointer returns null.
+// The nth call of the function from now on only returns this code; a function that returns a
+// pointer returns null.
 void planAnswer(const std::string &function, int nth, ULONG code);
 
 } // namespace tembra::test

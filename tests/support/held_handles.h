@@ -1,4 +1,4 @@
-// The provider's handles that a test holds, given back together.
+// The provider's handles that a test holds, all freed together.
 #pragma once
 
 #include "tembra_key_prov.h"
@@ -9,10 +9,10 @@ namespace tembra::test {
 
 class HeldHandles {
 protected:
-    // The pair of this kind, given back by release(); null, and a failure, when there is none.
+    // The key pair of this type, freed by release(); null, and a test failure, if there is none.
     SPI_KEYPAIR_HANDLE find(const char *label, int type);
     void release();
-    // What the host gets of the pair's public key.
+    // The encoded public key of the pair.
     static std::vector<unsigned char> exportedKey(SPI_KEYPAIR_HANDLE pair);
 
     SPI_DEVICESET_HANDLE m_set = nullptr;

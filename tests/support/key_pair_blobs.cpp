@@ -112,7 +112,7 @@ void allowPlainRsa(int bits) {
     script().OrvelPKICryptoPublicKeyEncrypt.run([bits](void *key, int algo, const void *param,
                                                        const unsigned char *data, int dataLen,
                                                        unsigned char **out, int *outLen) {
-        // The host library in memory puts one byte before what is no SM2; the data is masked.
+        // Unless it is SM2, the host library in memory prepends one byte. The data is masked.
         Bytes block(data, data + dataLen);
         for (unsigned char &byte : block) {
             byte = static_cast<unsigned char>(byte ^ 0xFF);

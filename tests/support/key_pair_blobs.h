@@ -1,11 +1,11 @@
-// Key pair blobs for the containers of the token in memory, which checks no cryptography.
+// Key pair blobs for the containers of the scripted token, which checks no cryptography.
 #pragma once
 
 #include "memory_token.h"
 
 namespace tembra::test {
 
-// What an enveloped SM2 blob ("SCAENCKP") holds, field by field.
+// The fields of an enveloped SM2 blob ("SCAENCKP").
 struct Sm2Envelope {
     std::uint32_t curve = 7;
     Bytes x, y; // of the container's signature key
@@ -28,19 +28,19 @@ struct RsaEnvelope {
 
 // A plain blob ("_KEYPAIR"): x, y and d of 32 bytes each.
 Bytes plainSm2(const Bytes &d);
-// A plain blob of an RSA key: what follows the modulus length comes out of the host library in
-// memory as the DER.
+// A plain blob of an RSA key; the host library in memory returns the bytes after the modulus length
+// as the DER.
 Bytes plainRsa(int bits, const Bytes &der);
 
-// Writes a number (4 bytes, big-endian) over bytes of a blob or behind it.
+// Writes a number (4 bytes, big-endian) into a blob or appends it.
 void putNumber(Bytes &blob, std::size_t at, std::uint32_t value);
 void appendNumber(Bytes &blob, std::uint32_t value);
 
-// Cut or lengthened blobs pass the header's check again.
+// Makes the length field of a truncated or extended blob correct again.
 void fixLength(Bytes &blob);
 
-// Lets the token in memory pad as PaddingType 1 says, and the host library in memory give RSA
-// ciphertexts of a modulus' length: without these two no plain RSA blob can be enveloped.
+// Makes the token in memory pad for PaddingType 1, and the host library in memory return RSA
+// ciphertexts as long as the modulus. Enveloping a plain RSA blob needs both.
 void allowPlainRsa(int bits);
 
 } // namespace tembra::test

@@ -1,5 +1,4 @@
-// The provider over the development kit's own libraries: what runs natively runs against the DLLs
-// as well.
+// The provider over the development kit's libraries: these tests run natively and against the DLLs.
 #pragma once
 
 #include "held_handles.h"
@@ -17,17 +16,17 @@ protected:
     static constexpr const char *ADMIN_PIN = "admin-12345";
     static constexpr const char *USER_PIN = "12345678";
 
-    // A token in a directory of its own with the application "app", a started provider, the trace
-    // at level verbose and marked.
+    // Creates a token with the application "app" in its own directory, starts the provider, and
+    // marks the trace, at level verbose.
     void SetUp() override;
-    // Frees everything, ends the provider and wants every handle of the kit back.
+    // Frees everything, ends the provider and requires that all handles of the kit are closed.
     void TearDown() override;
 
-    void discover(); // anew, logged out
+    void discover(); // again, logged out
     void logIn();
-    // A new signature pair, given back at the end.
+    // A new signature key pair, freed at the end.
     SPI_KEYPAIR_HANDLE generate(const char *label, int algo, int bits);
-    // What the host library makes of a plaintext under the pair's public key.
+    // The plaintext encrypted by the host library with the pair's public key.
     static Bytes encrypted(SPI_KEYPAIR_HANDLE pair, int algo, const void *param,
                            const Bytes &plain);
 

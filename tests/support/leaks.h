@@ -1,5 +1,5 @@
-// What the provider keeps allocated by contract (the container record of a deleted key pair, and
-// with it the device) is no finding: allocations made in the life of this object are not reported.
+// Allocations made during the life of this object are not reported as leaks, since the provider
+// keeps some by contract: the container record of a deleted key pair, and with it the device.
 #pragma once
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -30,7 +30,7 @@ private:
     }
 };
 
-// Looks for lost memory now and reports it; false where nobody looks.
+// Reports memory leaked so far; false without a leak checker.
 inline bool leaksFound() {
 #ifdef TEMBRA_HAS_LEAK_CHECK
     return __lsan_do_recoverable_leak_check() != 0;

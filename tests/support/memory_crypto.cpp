@@ -1,5 +1,4 @@
-// The token in memory: what stands for its cryptography. No secrets, no standards, only bytes that
-// a test can foresee.
+// The token in memory: predictable bytes instead of cryptography.
 #include "scripted_token.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// The host library in memory: encodings that show exactly which bytes came in.
+// The host library in memory: encodings that contain exactly the bytes passed in.
 #include "scripted_token.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@ MemoryHost &host() {
     return script().host;
 }
 
-int handOut(const Bytes &bytes, unsigned char **out, int *length) {
+int returnBlock(const Bytes &bytes, unsigned char **out, int *length) {
     auto *block = new unsigned char[bytes.size()];
     std::copy(bytes.begin(), bytes.end(), block);
     host().blocks[block] = bytes.size();
@@ -66,20 +66,21 @@ int OrvelPKICryptoGenerateRandom(void *, int length, unsigned char *out) {
 
 int OrvelPKICryptoEncodeRSAPubKey(const unsigned char *n, int nLen, const unsigned char *e,
                                   int eLen, unsigned char **out, int *outLen) {
-    return handOut(join({'R', 'S', 'A'}, {{n, nLen}, {e, eLen}}), out, outLen);
+    return returnBlock(join({'R', 'S', 'A'}, {{n, nLen}, {e, eLen}}), out, outLen);
 }
 
 int OrvelPKICryptoEncodeECCPubKey(int curve, const unsigned char *x, int xLen,
                                   const unsigned char *y, int yLen, unsigned char **out,
                                   int *outLen) {
-    return handOut(join({'E', 'C', 'C', static_cast<unsigned char>(curve)}, {{x, xLen}, {y, yLen}}),
-                   out, outLen);
+    return returnBlock(
+        join({'E', 'C', 'C', static_cast<unsigned char>(curve)}, {{x, xLen}, {y, yLen}}), out,
+        outLen);
 }
 
 int OrvelPKICryptoDecodeRSAPubKey(const unsigned char *key, int keyLen, unsigned char **n,
                                   int *nLen, unsigned char **e, int *eLen) {
-    return keyLen > 7 && handOut(Bytes(key + 3, key + keyLen - 4), n, nLen) &&
-           handOut(Bytes(key + keyLen - 3, key + keyLen), e, eLen);
+    return keyLen > 7 && returnBlock(Bytes(key + 3, key + keyLen - 4), n, nLen) &&
+           returnBlock(Bytes(key + keyLen - 3, key + keyLen), e, eLen);
 }
 
 int OrvelPKICryptoDecodeECCPubKey(const unsigned char *key, int keyLen, int *curve,
@@ -87,13 +88,13 @@ int OrvelPKICryptoDecodeECCPubKey(const unsigned char *key, int keyLen, int *cur
     if (keyLen != 68)
         return 0;
     *curve = key[3];
-    return handOut(Bytes(key + 4, key + 36), x, xLen) &&
-           handOut(Bytes(key + 36, key + 68), y, yLen);
+    return returnBlock(Bytes(key + 4, key + 36), x, xLen) &&
+           returnBlock(Bytes(key + 36, key + 68), y, yLen);
 }
 
 int OrvelPKICryptoEncodeECCSignature(const unsigned char *r, int rLen, const unsigned char *s,
                                      int sLen, unsigned char **out, int *outLen) {
-    return handOut(join({'S', 'I', 'G'}, {{r, rLen}, {s, sLen}}), out, outLen);
+    return returnBlock(join({'S', 'I', 'G'}, {{r, rLen}, {s, sLen}}), out, outLen);
 }
 
 // After the 20 bytes of the header: x, y, d.
@@ -103,32 +104,32 @@ int OrvelPKICryptoDecodeECCKeyPair(const unsigned char *blob, int blobLen, int *
     if (blobLen != 116)
         return 0;
     *curve = 7;
-    return handOut(Bytes(blob + 20, blob + 52), x, xLen) &&
-           handOut(Bytes(blob + 52, blob + 84), y, yLen) &&
-           handOut(Bytes(blob + 84, blob + 116), d, dLen);
+    return returnBlock(Bytes(blob + 20, blob + 52), x, xLen) &&
+           returnBlock(Bytes(blob + 52, blob + 84), y, yLen) &&
+           returnBlock(Bytes(blob + 84, blob + 116), d, dLen);
 }
 
 int OrvelPKICryptoRSAPrivKeyToDER(const unsigned char *blob, int blobLen, unsigned char **der,
                                   int *derLen) {
-    return blobLen > 20 && handOut(Bytes(blob + 20, blob + blobLen), der, derLen);
+    return blobLen > 20 && returnBlock(Bytes(blob + 20, blob + blobLen), der, derLen);
 }
 
 int OrvelPKICryptoImportPublicKey(void *, const unsigned char *key, int keyLen, void **publicKey) {
     int ignored = 0;
     unsigned char *block = nullptr;
-    handOut(Bytes(key, key + keyLen), &block, &ignored);
+    returnBlock(Bytes(key, key + keyLen), &block, &ignored);
     *publicKey = block;
     return 1;
 }
 
-// For SM2 the flat form 04, 64 bytes, the data, 32 bytes; else the data behind an 'E'.
+// For SM2 the flat form 04, 64 bytes, the data, 32 bytes; otherwise the data after an 'E'.
 int OrvelPKICryptoPublicKeyEncrypt(void *, int algo, const void *, const unsigned char *data,
                                    int dataLen, unsigned char **out, int *outLen) {
     if (algo != 0x40)
-        return handOut(join({'E'}, {{data, dataLen}}), out, outLen);
+        return returnBlock(join({'E'}, {{data, dataLen}}), out, outLen);
     const Bytes point = coordinate(9);
-    return handOut(join({0x04}, {{point.data(), 64}, {data, dataLen}, {point.data(), 32}}), out,
-                   outLen);
+    return returnBlock(join({0x04}, {{point.data(), 64}, {data, dataLen}, {point.data(), 32}}), out,
+                       outLen);
 }
 
 } // namespace tembra::test::memory_token

@@ -109,7 +109,7 @@ ULONG checkPin(ApplicationModel &model, ULONG type, const char *pin, ULONG *retr
     return right ? SAR_OK : left > 0 ? SAR_PIN_INCORRECT : SAR_PIN_LOCKED;
 }
 
-// Sets the one PIN for who knows the other.
+// Sets one PIN if the known one is correct.
 ULONG setPin(HAPPLICATION application, ULONG knownType, const char *known, ULONG type,
              const char *pin, ULONG *retries) {
     return with(token().application(application), [&](ApplicationModel &model) {
@@ -194,7 +194,7 @@ ULONG SKF_CreateContainer(HAPPLICATION application, LPSTR name, HCONTAINER *cont
 ULONG SKF_DeleteContainer(HAPPLICATION application, LPSTR name) {
     return with(token().application(application), [name](ApplicationModel &model) {
         return with(find(model.containers, name), [&](ContainerModel &container) {
-            for (HandleModel &handle : token().handles) { // go with their container
+            for (HandleModel &handle : token().handles) { // become invalid with their container
                 handle.isDeleted = handle.isDeleted || handle.container == &container;
                 handle.open = handle.open && !handle.isDeleted;
             }

@@ -1,5 +1,5 @@
-// What stands behind the scripted functions: tokens in memory, without cryptography. Keys are the
-// bytes a test can foresee, ciphers are a toy with real chaining, every handle is accounted for.
+// The default behaviour of the scripted functions: tokens in memory, without cryptography. Keys are
+// predictable bytes, ciphers are a toy with real chaining, and every handle is recorded.
 #pragma once
 
 #include "platform/orvel_crypto.h"
@@ -47,7 +47,7 @@ struct DeviceModel {
 
 enum class HandleKind { device, application, container, key, digest };
 
-// Every handle the token has given out. Its memory is kept, so a stale one is noticed.
+// A handle that the token returned. Its memory is kept, so using a closed one is noticed.
 struct HandleModel {
     HandleKind kind;
     bool open = true;
@@ -66,7 +66,7 @@ struct MemoryToken {
     int containersClosedTwice = 0;
     int certificatesTaken = 0;
 
-    // What an open handle stands for; null for any other.
+    // The model of an open handle of this kind; null for any other.
     HandleModel *find(void *handle, HandleKind kind);
     DeviceModel *device(DEVHANDLE handle);
     ApplicationModel *application(HAPPLICATION handle);
@@ -78,8 +78,8 @@ struct MemoryToken {
 };
 
 struct MemoryHost {
-    std::map<void *, std::size_t> blocks{}; // memory handed out and not yet given back
-    int pseudoDevices = 0;                  // handed out less given back
+    std::map<void *, std::size_t> blocks{}; // returned and not yet freed
+    int pseudoDevices = 0;                  // returned minus freed
     int foreignFrees = 0;
 
     MemoryHost() = default;
@@ -96,18 +96,17 @@ ContainerModel rsa(const std::string &name, ULONG bits, bool sign, bool encrypt)
 Bytes coordinate(unsigned char seed);
 // 256 bytes as the token exports them, byte i being seed + i.
 Bytes modulus(unsigned char seed);
-// What the host library's encoders make of an exported public key and of a signature.
+// The encodings that the host library makes of an exported public key and of a signature.
 Bytes encodedEccKey(bool sign);
 Bytes encodedRsaKey(bool sign, int bits);
 Bytes encodedSignature();
-// What the toy cipher makes of whole blocks; an empty iv is ECB.
+// Whole blocks encrypted by the toy cipher; with an empty iv in ECB mode.
 Bytes toyEncrypt(const Bytes &key, Bytes iv, const Bytes &plain);
 
-// The usual answer to a length query, a short buffer and a good one.
+// The usual buffer protocol: a length query, a short buffer, or a sufficient one.
 ULONG giveBytes(const Bytes &bytes, BYTE *out, ULONG *length);
 
-// What the action makes of a model, if the handle stood for one; an action without a result
-// succeeds.
+// The result of the action on a model; SAR_OK if the action has none, an error without a model.
 template <typename Model, typename Action>
 ULONG with(Model *model, Action action) {
     if (model == nullptr)
@@ -120,7 +119,7 @@ ULONG with(Model *model, Action action) {
     }
 }
 
-// The usual behaviour of each function.
+// The default behaviour of each function.
 namespace memory_token {
 #define TEMBRA_IMPORT(result, name, parameters) result name parameters;
 #include "platform/orvel_crypto_functions.h"

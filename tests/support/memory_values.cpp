@@ -61,7 +61,7 @@ Bytes encodedSignature() {
     return signature;
 }
 
-// Block by block: the chained block under exclusive or with the key, reversed.
+// Each block is combined with the previous one and the key by exclusive or, and reversed.
 Bytes toyEncrypt(const Bytes &key, Bytes iv, const Bytes &plain) {
     Bytes out(plain.size());
     for (std::size_t at = 0; at + 16 <= plain.size(); at += 16) {

@@ -29,7 +29,7 @@ State &state() {
     return *instance;
 }
 
-// From operator new, since malloc is what is wrapped.
+// By operator new, since malloc is wrapped.
 void *allocate(std::size_t size) {
     State &at = state();
     if (at.callObserver)
@@ -44,7 +44,7 @@ void *allocate(std::size_t size) {
         return nullptr;
     void *block = ::operator new(size, std::nothrow);
     if (block != nullptr) {
-        std::memset(block, 0xA5, size); // what a test has left there is none of the provider's
+        std::memset(block, 0xA5, size); // so that old contents cannot be mistaken for valid data
         at.blocks.emplace(block, size);
     }
     return block;
@@ -59,7 +59,7 @@ void release(void *block) {
     const std::lock_guard guard(at.mutex);
     const auto found = at.blocks.find(block);
     if (found == at.blocks.end()) {
-        std::fprintf(stderr, "the provider frees %p, which it does not hold\n", block);
+        std::fprintf(stderr, "the provider frees %p, which it has not allocated\n", block);
         std::abort();
     }
     if (at.observer)

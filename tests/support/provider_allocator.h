@@ -1,4 +1,4 @@
-// Every allocation of the provider, under a test's control (ELF only).
+// Controls the provider's allocations (ELF only).
 //
 // For programs that load TembraKeyProvFaults, or link the provider's objects with --wrap=malloc,
 // calloc, realloc and free: the wrapped functions are defined here. All functions are thread-safe.
@@ -10,25 +10,25 @@
 namespace tembra::test {
 
 struct ProviderAllocator {
-    // Lets the nth allocation from now on fail (from 1), and with everAfter all later ones too; 0
-    // lets none fail.
+    // Makes the nth allocation from now on fail (from 1), and with everAfter all later ones; 0
+    // makes none fail.
     static void failAt(unsigned nth, bool everAfter = false);
-    // Larger blocks are always refused; 0: whatever there is.
+    // Larger allocations always fail; 0 removes the limit.
     static void refuseAbove(std::size_t size);
-    // Allocations refused since the last failAt().
+    // The number of failed allocations since the last failAt().
     static unsigned refused();
 
-    // Blocks that the provider holds now.
+    // The number of blocks that the provider has allocated and not freed.
     static std::size_t live();
 
-    // Is shown every block as it is when the provider frees it; an empty function ends that.
+    // Called with each block before the provider frees it; an empty function ends this.
     using Observer = std::function<void(const unsigned char *block, std::size_t size)>;
     static void observeFrees(Observer observer);
     // Is called before every allocation and every release; an empty function ends that. To be set
     // while the provider is idle.
     static void observeCalls(std::function<void()> observer);
 
-    // Frees a block that the provider holds and will not look at again.
+    // Frees a block of the provider that it will not access again.
     static void discard(void *block);
 };
 

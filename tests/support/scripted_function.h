@@ -1,4 +1,4 @@
-// One function of the libraries below the provider, under a test's control.
+// One imported function of the provider, under a test's control.
 #pragma once
 
 #include "strict_arguments.h"
@@ -16,21 +16,21 @@
 
 namespace tembra::test {
 
-// Serialises the scripted functions and their records; they call each other while it is held.
+// Serialises the scripted functions and their records. Recursive, since they call each other.
 inline std::recursive_mutex &scriptMutex() {
     static std::recursive_mutex mutex;
     return mutex;
 }
 
-// A failure of the nth call (from 1) of either library, and with everAfter of all later ones. A
-// function that gives something back does so all the same.
+// Makes the nth call (from 1) to one of the libraries fail, and with everAfter all later ones. A
+// function that releases something still does so.
 struct CallFault {
-    char library = 0; // the first letter of the functions that are counted; 0: nothing fails
+    char library = 0; // the first letter of the functions that count; 0: none fails
     unsigned nth = 0;
     std::uint32_t code = 0;
     bool everAfter = false;
     unsigned calls = 0;              // counted so far
-    std::vector<std::size_t> hits{}; // where the failed calls stand in the journal
+    std::vector<std::size_t> hits{}; // indexes of the failed calls in the journal
 
     bool failsNow(const char *name, std::size_t journalIndex) {
         if (name[0] != library || ++calls < nth || (calls > nth && !everAfter))
@@ -64,14 +64,14 @@ public:
     Scripted(const Scripted &) = delete;
     Scripted &operator=(const Scripted &) = delete;
 
-    // Every call does this instead of what the in-memory token would do.
+    // Every call does this instead of the default.
     void run(Behaviour behaviour) { m_behaviour = std::move(behaviour); }
-    // Every call, or the nth one from now on (from 1), answers a code without acting.
+    // Every call, or the nth one from now on (from 1), only returns a code.
     void answer(Result result) {
         run([result](Arguments...) { return result; });
     }
     void answerAt(int nth, Result result) { m_planned[calls() + nth] = result; }
-    // Back to the in-memory token, the records kept.
+    // Restores the default behaviour and keeps the records.
     void restore() {
         m_behaviour = nullptr;
         m_planned.clear();
@@ -79,7 +79,7 @@ public:
     Result usual(Arguments... arguments) { return m_usual(arguments...); }
 
     int calls() const { return static_cast<int>(m_arguments.size()); }
-    // Argument number Index of the nth call, from 0; of the last call when nth is left out.
+    // Argument number Index of the nth call, both from 0, or of the last call.
     template <std::size_t Index>
     auto argument(int nth) const {
         return std::get<Index>(m_arguments.at(static_cast<std::size_t>(nth)));

@@ -1,7 +1,7 @@
-// A token and a host library that answer whatever a test wants (ELF only).
+// A token and a host library that return what a test wants (ELF only).
 //
-// The test program itself exports all functions below the provider, so the provider calls these
-// instead of the kit's libraries. Unless told otherwise they are a small token in memory.
+// The test program itself exports all functions that the provider imports, so the provider calls
+// these instead of the kit's libraries. By default they are a small token in memory.
 #pragma once
 
 #include "memory_token.h"
@@ -21,7 +21,7 @@ struct TokenScript {
 #undef TEMBRA_IMPORT
 };
 
-// The script in force; resetScript() replaces it, everything forgotten.
+// The current script; resetScript() replaces it with a fresh one.
 TokenScript &script();
 void resetScript();
 

@@ -1,6 +1,5 @@
-// What a token and a host library do with their arguments at the least: they read every input as
-// far as its length says and reach every output to the end of its capacity. A wrong length is thus
-// seen by AddressSanitizer, whatever the function then answers.
+// Accesses the arguments of a library call as far as a real library may: every input to its length,
+// every output to its capacity. AddressSanitizer then detects a wrong length.
 #pragma once
 
 #include "platform/skf.h"
@@ -17,7 +16,7 @@
 namespace tembra::test {
 
 inline void reach(const void *data, std::size_t size) {
-    static std::vector<unsigned char> copy; // the sanitizer looks at a whole copy in one go
+    static std::vector<unsigned char> copy; // one copy, which the sanitizer checks as a whole
     if (data == nullptr || size == 0)
         return;
     copy.resize(size);
@@ -34,7 +33,7 @@ inline void reach(const ENVELOPEDKEYBLOB *blob) {
     reach(&blob->ECCCipherBlob);
 }
 
-// The first of these arguments; a length, or a pointer to a capacity, follows bytes.
+// Handles the first of these arguments; bytes are followed by a length or a pointer to a capacity.
 template <typename First, typename... Rest>
 void reachFirst(std::string_view function, First first, Rest... rest) {
     using Next = std::tuple_element_t<0, std::tuple<Rest..., void>>;
@@ -48,7 +47,7 @@ void reachFirst(std::string_view function, First first, Rest... rest) {
         if (isText && !function.starts_with("SKF_Enum"))
             reach(first, std::strlen(reinterpret_cast<const char *>(first)) + 1);
         else if constexpr (std::is_same_v<Next, ULONG> || std::is_same_v<Next, int>)
-            // A length below zero is one that the host library gave of a block of its own.
+            // A length below zero comes from the host library itself, for a block of its own.
             reach(first, static_cast<std::size_t>(
                              std::max<std::int64_t>(std::get<0>(std::tuple(rest...)), 0)));
         else if constexpr (std::is_same_v<Next, ULONG *>)

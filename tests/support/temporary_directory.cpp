@@ -14,7 +14,7 @@ TemporaryDirectory::TemporaryDirectory() {
     } while (!std::filesystem::create_directory(m_path));
 }
 
-// What still holds a file open must not turn a finished test into a failure.
+// A file that is still open must not make a finished test fail.
 TemporaryDirectory::~TemporaryDirectory() {
     std::error_code ignored;
     std::filesystem::remove_all(m_path, ignored);

@@ -1,4 +1,4 @@
-// A fresh directory that goes away with its object.
+// A new directory that is removed with the object.
 #pragma once
 
 #include <filesystem>

@@ -1,7 +1,7 @@
-// Reads back what the provider writes to its trace.
+// Reads the trace log that the provider writes.
 //
-// The provider keeps the first path it could open, so one file serves a whole test process; a mark
-// says from where on a test looks.
+// The provider keeps the first path that it could open, so there is one file per test process; a
+// test sets a mark and reads the lines after it.
 #pragma once
 
 #include "temporary_directory.h"
@@ -15,8 +15,7 @@ namespace tembra::test {
 
 using Lines = std::vector<std::string>;
 
-// One line taken apart. A line that does not have the trace's form has an empty level and stands
-// whole in message.
+// A parsed line. A line without the form of a trace line has an empty level and is all message.
 struct TraceLine {
     std::string level;    // "ERROR"
     std::string function; // "DeviceSign"
@@ -35,7 +34,7 @@ public:
 
     const std::filesystem::path &path() const { return m_path; }
 
-    // What TEMBRA_KEY_PROV_LOG_LEVEL says from the next trace statement on.
+    // Sets TEMBRA_KEY_PROV_LOG_LEVEL from the next trace statement on.
     void setLevel(const std::optional<std::string> &level);
 
     void mark();
@@ -56,7 +55,7 @@ inline TraceCapture &trace() {
     return TraceCapture::instance();
 }
 
-// Hex dumps of random material shown as "<hex>", for traces over keys that differ from run to run.
+// Replaces hex dumps by "<hex>", for traces of keys that differ from run to run.
 std::string maskHexDump(const std::string &text);
 
 } // namespace tembra::test

@@ -1,6 +1,5 @@
-// Everything that hosts may do at once, done at once: threads that discover, look up, sign,
-// decrypt, hash, encipher, generate, delete and free over shared devices, the whole of it traced to
-// one file, and what the token is asked to another.
+// Concurrent use of the provider: threads that discover, look up, sign, decrypt, hash, encipher,
+// generate, delete and free over shared devices, with one trace log and one journal of token calls.
 #include "crypto/key_pair_blob.h"
 #include "kit_test.h"
 #include "leaks.h"
@@ -24,14 +23,14 @@ constexpr const char *LABEL = "steady";
 constexpr const char *CERTIFIED = "certified";
 constexpr int SM3 = ORVEL_PKI_ALGORITHM_SM3;
 
-// What the threads have done, to be found again in the trace.
+// The numbers of calls made, which the trace must contain.
 struct Counts {
     std::atomic<int> signatures = 0;
     std::atomic<int> discoveries = 0;
     std::atomic<int> generations = 0;
 };
 
-// What the provider holds of the token's handles and of the host library's memory.
+// The token handles and the host library's memory that the provider holds.
 struct Holdings {
     long long handles;
     long long blocks;
@@ -64,12 +63,12 @@ public:
         ASSERT_EQ(DeviceCreateData(m_device, 7, mode, 64), 1);
     }
 
-    // A call that another thread's discovery may have logged out is made again, logged in.
+    // Repeats a call after logging in, since another thread's discovery may have logged out.
     template <typename Call>
-    static int loggedIn(SPI_DEVICE_HANDLE on, Call call) {
+    static int loggedIn(SPI_DEVICE_HANDLE device, Call call) {
         int result = call();
         for (int tries = 0; result == TEMBRA_NOT_LOGGED_IN && tries < 1000; ++tries) {
-            EXPECT_EQ(DeviceVerifyPwd(on, TEMBRA_PWD_USER, USER_PIN, nullptr), 1);
+            EXPECT_EQ(DeviceVerifyPwd(device, TEMBRA_PWD_USER, USER_PIN, nullptr), 1);
             result = call();
         }
         return result;
@@ -83,8 +82,8 @@ public:
         return value;
     }
 
-    void sign(SPI_DEVICE_HANDLE on, SPI_KEYPAIR_HANDLE pair) {
-        const int result = loggedIn(on, [&] {
+    void sign(SPI_DEVICE_HANDLE device, SPI_KEYPAIR_HANDLE pair) {
+        const int result = loggedIn(device, [&] {
             ++counts.signatures;
             Bytes signature(80);
             int length = 80;
@@ -132,7 +131,7 @@ public:
                   1);
     }
 
-    // Each handle belongs to one thread; the device's lists of them, which grow, belong to all.
+    // Each handle is used by one thread; the device's growing lists of handles are shared.
     void holdOnce() {
         static std::atomic<unsigned> serial = 0;
         std::mt19937 random(++serial);
@@ -223,7 +222,7 @@ public:
         EXPECT_EQ(DeviceFreeKeypair(pair), 1);
     }
 
-    // On a device of its own, which a deletion keeps for good.
+    // On its own device, which stays in memory after the deletion.
     void generateOnce() {
         const KeptByContract keptByContract;
         static std::atomic<int> serial = 0;
@@ -258,7 +257,7 @@ public:
     std::uintmax_t traceStart = 0;
 };
 
-// A thread for each work; aborts when one hangs, and says which.
+// Runs each function in a thread; names those that hang and aborts.
 void Soak::run(const std::vector<NamedWork> &works, int rounds) {
     const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(240);
     std::vector<std::future<void>> threads;
@@ -279,7 +278,7 @@ void Soak::run(const std::vector<NamedWork> &works, int rounds) {
         std::abort();
 }
 
-// Every line is whole, and every call's entry and exit lines stand properly nested in its thread.
+// Every line is complete, and the entry and exit lines of calls are properly nested in each thread.
 void Soak::expectWholeTrace() const {
     std::istringstream file(readFile(trace().path()).substr(traceStart));
     std::map<std::string, std::vector<std::string>> open; // calls by thread
@@ -311,7 +310,7 @@ void Soak::expectWholeTrace() const {
     EXPECT_EQ(entered["DeviceGenerateKeypair"], counts.generations);
 }
 
-// A whole line for every call of the token.
+// A complete line for each token call.
 void Soak::expectWholeJournal(const std::filesystem::path &path) const {
     std::istringstream file(readFile(path));
     unsigned long long lines = 0;
@@ -322,12 +321,12 @@ void Soak::expectWholeJournal(const std::filesystem::path &path) const {
 
 TEST_F(Soak, SharedDevicesSurviveEverythingAtOnce) {
     traceStart = std::filesystem::file_size(trace().path());
-    // What one deletion keeps, by contract; of the rest nothing may stay.
+    // By contract a deletion keeps this much; nothing else may stay.
     const Holdings before = holdings();
     generateOnce();
     const Holdings kept = holdings() - before;
     const auto journal = m_directory.path() / "journal";
-    ASSERT_EQ(TembraSoftTokenSetFaults(nullptr), 1); // counts anew
+    ASSERT_EQ(TembraSoftTokenSetFaults(nullptr), 1); // resets the counters
     ASSERT_EQ(TembraSoftTokenSetJournal(journal.string().c_str()), 1);
     constexpr int rounds = 20; // of each thread
     run({{"sign", &Soak::signOnce},
@@ -356,7 +355,7 @@ TEST_F(Soak, HandlesOfOneDeviceComeAndGo) {
     trace().setLevel("1");
     const std::vector<NamedWork> works(4, {"hold", &Soak::holdOnce});
     for (int i = 0; i < 20; ++i) {
-        discover(); // a device whose lists are still to grow
+        discover(); // a device with lists that have not grown yet
         run(works, 2);
     }
 }

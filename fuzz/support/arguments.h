@@ -1,17 +1,17 @@
-// Arguments in which bytes and text go in and come out.
+// Arguments of entry points: buffers, data and texts.
 #pragma once
 
 #include "provider_run.h"
 
 namespace tembra::fuzz {
 
-// A buffer of exactly the capacity that is told, or none, or one whose capacity is told as
-// negative.
+// An output buffer of exactly the capacity passed, or null, or one with a negative capacity.
 class Output {
 public:
-    explicit Output(Input &in) {
-        const unsigned kind = in.byte();
-        const int size = kind % 4 == 0 ? static_cast<int>(in.number() % 1400) : in.byte() % 100;
+    explicit Output(Input &input) {
+        const unsigned kind = input.byte();
+        const int size =
+            kind % 4 == 0 ? static_cast<int>(input.number() % 1400) : input.byte() % 100;
         m_capacity = kind % 16 == 1 ? -size : size;
         if (kind % 8 != 2)
             m_block =
@@ -25,9 +25,9 @@ public:
     int size() const { return m_block ? m_block->size() : 0; }
     int *needed() const { return m_needed; }
 
-    // A buffer that is refused for its size stays as it was.
+    // A buffer that was refused as too small must be unchanged.
     void check(int result) const {
-        require(result >= -19 && result <= 1, "a result that there is not");
+        require(result >= -19 && result <= 1, "an undefined result");
         for (int i = 0; result == ORVEL_PKI_MOREDATA && i < size(); ++i)
             require(data()[i] == UNTOUCHED, "a refused buffer is written to");
     }
@@ -40,15 +40,15 @@ private:
     int *m_needed = nullptr;
 };
 
-// Bytes that go in: exactly as many as are told, or none, or a negative number of them.
+// Input data: exactly as many bytes as the length says, or null, or a negative length.
 class Data {
 public:
-    explicit Data(Input &in) {
-        const unsigned kind = in.byte();
-        const std::size_t size = kind % 8 == 0 ? in.number() % 3000 : in.byte() % 64;
+    explicit Data(Input &input) {
+        const unsigned kind = input.byte();
+        const std::size_t size = kind % 8 == 0 ? input.number() % 3000 : input.byte() % 64;
         m_length = kind % 16 == 1 ? -static_cast<int>(size) : static_cast<int>(size);
         if (kind % 8 != 2) {
-            Bytes bytes = in.bytes(std::min<std::size_t>(size, 64));
+            Bytes bytes = input.bytes(std::min<std::size_t>(size, 64));
             bytes.resize(size, 0x42);
             m_block = std::make_unique<ExactBlock>(bytes);
         }
@@ -62,17 +62,17 @@ private:
     int m_length = 0;
 };
 
-// A text that occurs, or any other, or none.
+// One of the usual texts, any other, or null.
 class Text {
 public:
-    Text(Input &in, std::initializer_list<const char *> usual) {
-        const unsigned kind = in.byte() % 16;
+    Text(Input &input, std::initializer_list<const char *> usual) {
+        const unsigned kind = input.byte() % 16;
         std::string text;
         if (kind == 1) {
-            const Bytes any = in.bytes(in.byte() % 70);
+            const Bytes any = input.bytes(input.byte() % 70);
             text.assign(any.begin(), any.end());
         } else {
-            text = in.pick(usual);
+            text = input.pick(usual);
         }
         if (kind != 2) {
             const char *first = text.c_str();

@@ -1,4 +1,4 @@
-#include "lies.h"
+#include "faulty_replies.h"
 
 #include "../../tests/support/scripted_token.h"
 
@@ -8,35 +8,35 @@ namespace {
 using test::script;
 using test::Scripted;
 
-Input *lies = nullptr;
+Input *replies = nullptr;
 
-// A length around and far away from the right one.
+// A length close to the right one or far from it.
 ULONG oddLength(ULONG right) {
-    switch (lies->byte() % 8) {
+    switch (replies->byte() % 8) {
     case 0: return right;
     case 1: return right + 1;
     case 2: return 0;
     case 3: return 0x7FFFFFFF;
     case 4: return 0x80000000;
     case 5: return 0xFFFFFFFF;
-    case 6: return lies->number();
-    default: return right == 0 ? 0 : lies->byte() % right;
+    case 6: return replies->number();
+    default: return right == 0 ? 0 : replies->byte() % right;
     }
 }
 
-// One byte all over, so without NUL or nothing but that, and some that are chosen one by one.
+// Fills with one byte, which may be NUL, and overwrites some bytes at the beginning.
 void fill(void *out, std::size_t size) {
     if (out == nullptr || size == 0)
         return;
-    std::memset(out, lies->byte(), size);
-    const Bytes some = lies->bytes(std::min<std::size_t>(size, lies->byte() % 64));
+    std::memset(out, replies->byte(), size);
+    const Bytes some = replies->bytes(std::min<std::size_t>(size, replies->byte() % 64));
     std::memcpy(out, some.data(), some.size());
 }
 
-// A block of any size, or none, with an honest length, or one below zero.
-void handOut(unsigned char **out, int *length) {
-    const std::size_t size = lies->once(3) ? lies->number() % 1500 : lies->byte() % 80;
-    const unsigned kind = lies->byte();
+// Returns a block of any size, or none, with its length, or a negative one.
+void returnBlock(unsigned char **out, int *length) {
+    const std::size_t size = replies->once(3) ? replies->number() % 1500 : replies->byte() % 80;
+    const unsigned kind = replies->byte();
     *length = kind % 8 == 1 ? -static_cast<int>(size) : static_cast<int>(size);
     *out = kind % 8 == 2 ? nullptr : new unsigned char[size];
     fill(*out, size);
@@ -44,14 +44,14 @@ void handOut(unsigned char **out, int *length) {
         script().host.blocks[*out] = size;
 }
 
-// Writes to the arguments that are outputs by their types, whatever the function.
+// Writes to the arguments that are outputs, which their types show.
 struct Outputs {
-    bool isList; // an enumeration's text is an output
+    bool isList; // the text of an enumeration is an output
 
     void fillIn() {}
     template <typename... Rest>
     void fillIn(unsigned char **out, int *length, Rest... rest) {
-        handOut(out, length);
+        returnBlock(out, length);
         fillIn(rest...);
     }
     template <typename... Rest>
@@ -73,7 +73,7 @@ struct Outputs {
         if constexpr (std::is_same_v<First, ULONG *> || std::is_same_v<First, int *>) {
             if (first != nullptr)
                 *first = static_cast<std::remove_pointer_t<First>>(
-                    lies->once(3) ? lies->number() : lies->byte() % 16);
+                    replies->once(3) ? replies->number() : replies->byte() % 16);
         } else if constexpr (std::is_same_v<First, DEVINFO *> ||
                              std::is_same_v<First, FILEATTRIBUTE *> ||
                              std::is_same_v<First, ECCSIGNATUREBLOB *> ||
@@ -85,27 +85,26 @@ struct Outputs {
     }
 };
 
-// What gives handles out, or takes something back, keeps to the truth: else every run would lose
-// something.
-bool isHonest(std::string_view name) {
-    constexpr std::string_view giveHandles[] = {"SKF_ConnectDev",
-                                                "SKF_OpenApplication",
-                                                "SKF_OpenContainer",
-                                                "SKF_CreateContainer",
-                                                "SKF_SetSymmKey",
-                                                "SKF_DigestInit",
-                                                "OrvelPKICryptoImportPublicKey"};
+// Functions that return handles or release something: otherwise every run would leak.
+bool mustReplyCorrectly(std::string_view name) {
+    constexpr std::string_view returnHandles[] = {"SKF_ConnectDev",
+                                                  "SKF_OpenApplication",
+                                                  "SKF_OpenContainer",
+                                                  "SKF_CreateContainer",
+                                                  "SKF_SetSymmKey",
+                                                  "SKF_DigestInit",
+                                                  "OrvelPKICryptoImportPublicKey"};
     return test::givesBack(std::string(name)) ||
-           std::ranges::find(giveHandles, name) != std::end(giveHandles);
+           std::ranges::find(returnHandles, name) != std::end(returnHandles);
 }
 
 template <typename Result, typename... Arguments>
-void lieSometimes(Scripted<Result(Arguments...)> &function, std::string_view name) {
+void replyFaultily(Scripted<Result(Arguments...)> &function, std::string_view name) {
     if constexpr (!std::is_pointer_v<Result>) {
-        if (isHonest(name))
+        if (mustReplyCorrectly(name))
             return;
         function.run([&function, name](Arguments... arguments) {
-            if (!lies->once(3))
+            if (!replies->once(3))
                 return function.usual(arguments...);
             Outputs{name.starts_with("SKF_Enum")}.fillIn(arguments...);
             return static_cast<Result>(name.starts_with("SKF_") ? SAR_OK : 1); // success
@@ -113,9 +112,9 @@ void lieSometimes(Scripted<Result(Arguments...)> &function, std::string_view nam
     }
 }
 
-// Whatever is asked for, some token, application or container is opened, as long as there are not
-// too many for an input to be done soon.
-void openSomething() {
+// Opens some token, application or container whatever its name, up to a limit that keeps runs
+// short.
+void openAnything() {
     auto &s = script();
     s.SKF_ConnectDev.run([&s](LPSTR, DEVHANDLE *device) {
         if (s.SKF_ConnectDev.calls() > 3)
@@ -124,7 +123,7 @@ void openSomething() {
     });
     s.SKF_OpenApplication.run([&s](DEVHANDLE device, LPSTR name, HAPPLICATION *application) {
         auto &there = s.memory.devices.front().applications.front().name;
-        const bool any = s.SKF_OpenApplication.calls() < 4 && !lies->once(2);
+        const bool any = s.SKF_OpenApplication.calls() < 4 && !replies->once(2);
         return s.SKF_OpenApplication.usual(device, any ? there.data() : name, application);
     });
     s.SKF_OpenContainer.run([&s](HAPPLICATION application, LPSTR name, HCONTAINER *container) {
@@ -137,13 +136,13 @@ void openSomething() {
 
 } // namespace
 
-void tellLies(Input &source) {
-    lies = &source;
-#define TEMBRA_IMPORT(result, name, parameters) lieSometimes(script().name, #name);
+void scriptFaultyReplies(Input &source) {
+    replies = &source;
+#define TEMBRA_IMPORT(result, name, parameters) replyFaultily(script().name, #name);
 #include "platform/orvel_crypto_functions.h"
 #include "platform/skf_functions.h"
 #undef TEMBRA_IMPORT
-    openSomething();
+    openAnything();
 }
 
 } // namespace tembra::fuzz
