@@ -89,13 +89,13 @@ class Doctor(CommandTest):
         self.environment.pop("TEMBRA_KEY_PROV_LOG_PATH", None)
         for prepare, text in ((lambda: os.symlink(other, log), "is a symbolic link"),
                               (lambda: os.link(other, log), "has several hard links"),
-                              (lambda: os.mkfifo(log), "is no regular file"),
-                              (lambda: None, "not there yet")):
+                              (lambda: os.mkfifo(log), "is not a regular file"),
+                              (lambda: None, "does not exist yet")):
             with self.subTest(text=text):
                 prepare()
                 report = self.examine(TEMBRA_KEY_PROV_LOG_LEVEL="1",
                                       TMPDIR=self.folder)
-                status = "ok" if text == "not there yet" else "warning"
+                status = "ok" if text == "does not exist yet" else "warning"
                 self.assertIn(log, self.expect(report, status, text, "trace")["text"])
                 if os.path.lexists(log):
                     os.remove(log)
