@@ -1,5 +1,5 @@
-// What the kit's cryptography refuses, and its encodings. That it computes what others compute, the
-// tests of the tool show against OpenSSL and those of the provider by the published examples.
+// Refused input and encodings. The tool's tests compare results with OpenSSL, the provider's tests
+// with published examples.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -23,8 +23,8 @@ const RsaPrivateKey &rsaKey() {
     return key;
 }
 
-// Every shorter piece of the bytes, and the bytes with one more, in blocks of exactly that size, so
-// that a read past the end shows.
+// Decodes every prefix of the bytes, and the bytes with one more, from blocks of exactly that size,
+// so that a read past the end is detected.
 template <typename Decode>
 void expectOnlyWholeDecodes(ByteView whole, Decode decode) {
     EXPECT_TRUE(decode(whole));
@@ -91,7 +91,7 @@ TEST(Rsa, UnusableKeysAreSeen) {
 }
 
 TEST(Sm2, KeysOutsideTheirRangeAreRefused) {
-    // The order of the curve; two less is the last key.
+    // The order n of the curve; the largest key is n - 2.
     Bytes d = *fromHex("FFFFFFFEFFFFFFFFFFFFFFFFFFFFFFFF7203DF6B21C6052B53BBF40939D54123");
     for (const bool isKey : {false, false, true}) {
         EXPECT_EQ(sm2PublicKeyOf(d).has_value(), isKey);
@@ -106,7 +106,7 @@ TEST(Sm2, KeysOutsideTheirRangeAreRefused) {
     off.y[31] ^= 1;
     EXPECT_FALSE(isOnSm2Curve(off));
     EXPECT_FALSE(sm2Encrypt(off, Bytes(1)));
-    off.x.fill(0xFF); // no element of the field
+    off.x.fill(0xFF); // not in the field
     EXPECT_FALSE(isOnSm2Curve(off));
     EXPECT_FALSE(isOnSm2Curve(Sm2PublicKey{}));
     EXPECT_FALSE(sm2Sign(pair, Bytes(31)));

@@ -17,7 +17,7 @@ namespace tembra::test {
 using Names = std::vector<std::string>;
 using Bytes = std::vector<BYTE>;
 
-// The interface takes texts it doesn't change as char *.
+// The interface declares constant texts as char *.
 inline LPSTR text(const char *name) {
     return const_cast<LPSTR>(name);
 }
@@ -51,13 +51,13 @@ protected:
         addApplication("APP");
         open();
     }
-    // Every handle that close() does not know must be closed by then.
+    // Tests must have closed the handles that close() does not.
     ~TokenTest() override {
         close();
         EXPECT_EQ(0U, TembraSoftTokenOpenHandles(nullptr));
     }
 
-    // It is the one to open from now on.
+    // open() opens the last one added.
     void addApplication(const char *added) {
         m_applicationName = added;
         const TembraSoftTokenApplication options = {sizeof options, 0,         3,       0,
@@ -68,8 +68,7 @@ protected:
         EXPECT_EQ(SAR_OK, SKF_ConnectDev(m_name.data(), &m_device));
         EXPECT_EQ(SAR_OK, SKF_OpenApplication(m_device, text(m_applicationName), &m_application));
     }
-    // These two and the containers. No handle is ever used again, so one that the test has closed
-    // is none by now.
+    // Handles are never reused, so closing one again has no effect.
     void close() {
         for (const HCONTAINER container : m_containers)
             SKF_CloseContainer(container);

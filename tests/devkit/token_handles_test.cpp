@@ -11,15 +11,15 @@ namespace {
 
 constexpr int NONE = -1;
 
-// A function to be called with a handle and the number of the pointer that is left out, or none.
+// A function called with a handle; leftOut is the number of the pointer that is null, or NONE.
 struct Function {
     const char *name;
     int pointers;
     std::function<ULONG(HANDLE, int leftOut)> call;
 };
 
-// What the function takes beside its handle is made up from the types: the one number for all
-// numbers, and for each pointer memory of its own, which reads as the user's PIN.
+// Makes the other arguments from their types: the same number for all numbers, and memory of its
+// own for each pointer, which contains the user's PIN.
 template <typename... Others>
 Function madeUp(const char *name, ULONG (*function)(HANDLE, Others...), int number = 1) {
     const auto call = [=](HANDLE handle, int leftOut) {
@@ -75,7 +75,7 @@ protected:
     HANDLE m_digest = nullptr;
     HANDLE m_unused = nullptr;
 
-    // Every function that takes a handle, but for those that close or unlock.
+    // All functions that take a handle, except those that close or unlock.
     const std::pair<const HANDLE &, std::vector<Function>> m_kinds[5] = {
         {m_device,
          {SKF(LockDev), SKF(GetDevInfo), SKF(EnumApplication), SKF(OpenApplication), SKF(GenRandom),

@@ -29,7 +29,7 @@ protected:
 
     ECCPUBLICKEYBLOB m_sm2Blob = {};
     RSAPUBLICKEYBLOB m_rsaBlob = {};
-    Bytes m_data = Bytes(128, 0xFF); // as a number not below any modulus
+    Bytes m_data = Bytes(128, 0xFF); // as a number, larger than any modulus
     Bytes m_out = Bytes(128);
     ULONG m_length = 128;
 };

@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 
 class TokenProcesses : public TokenTest {
 protected:
-    // Nothing is open when the process forks, so the child starts as a process of its own would.
+    // Nothing is open when the process forks, so the child starts like an independent process.
     TokenProcesses() { close(); }
 
     pid_t start(auto body) {
@@ -40,7 +40,7 @@ protected:
         statusOf(child);
     }
     bool logIn() { return showPin(USER_TYPE, USER_PIN) == SAR_OK; }
-    // Not checked on the way: a child may be killed at any of these.
+    // Does not stop at a failure: the child may be killed at any call.
     bool makeKey(const std::string &container) {
         HCONTAINER made = nullptr;
         ECCPUBLICKEYBLOB blob = {};
@@ -48,7 +48,7 @@ protected:
         const bool generated = SKF_GenECCKeyPair(made, SGD_SM2_1, &blob) == SAR_OK;
         return SKF_CloseContainer(made) == SAR_OK && created && generated;
     }
-    // How many of the containers have a key; that signs, and the others know that they have none.
+    // The number of containers with a key that signs; the others must report that they have none.
     std::size_t soundKeys() {
         std::size_t keys = 0;
         for (const std::string &container : containers()) {
