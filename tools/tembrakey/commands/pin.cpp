@@ -124,9 +124,9 @@ private:
     }
 };
 
-const char *const PIN_WARNING =
-    N_("The provider's trace log holds PINs IN CLEAR from level 3 (information) on, which is the\n"
-       "default: set TEMBRA_KEY_PROV_LOG_LEVEL to 2 or less to keep them out.");
+const char *const PIN_WARNING = N_(
+    "If TEMBRA_KEY_PROV_LOG_LEVEL or TEMBRA_KEY_PROV_LOG_PATH is set, the trace log contains PINs\n"
+    "IN CLEAR at level 3 (the default) and above: set the level to 2 or less to keep them out.");
 
 } // namespace
 

@@ -36,12 +36,12 @@ std::size_t beginOfCall = 0; // of one without its arguments
 bool isNeeded = false;
 
 std::string newPath() {
-    std::error_code error;
-    const auto folder = std::filesystem::temp_directory_path(error).u8string();
     char name[40];
-    std::snprintf(name, sizeof name, "/tembrakey-%08x.log",
+    std::snprintf(name, sizeof name, "tembrakey-%08x.log",
                   static_cast<unsigned>(std::random_device()()));
-    return std::string(folder.begin(), folder.end()) + name;
+    std::error_code error;
+    const auto path = (std::filesystem::temp_directory_path(error) / name).u8string();
+    return {path.begin(), path.end()};
 }
 
 std::string content() {
