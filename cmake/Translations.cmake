@@ -19,6 +19,7 @@ function(tembra_translate target po)
     COMMAND ${XGETTEXT} --directory=${CMAKE_SOURCE_DIR} --output=${folder}/template.pot --from-code=UTF-8
       --keyword --keyword=tr --keyword=m_tr --keyword=N_ --keyword=t
       --keyword=text:3 --keyword=number:3 --keyword=flag:3 --keyword=choice:3
+      --keyword=TEMBRA_SAR_CODE:3
       --no-wrap --sort-by-file --add-location=file ${sources})
   add_custom_target(template DEPENDS ${folder}/template.pot)
   set_target_properties(template PROPERTIES FILE ${folder}/template.pot PO ${po})
