@@ -9,6 +9,8 @@ import unittest
 
 from command_line import IS_WINDOWS, TOOL, CommandTest, read, write
 
+FAULTY = os.environ.get("TEMBRA_FAULTY_LIBRARIES")  # none in the build for Windows
+
 # How each shell prints what it offers for $LINE, once it has read the script `completion`.
 SHELLS = {
     "bash": ("bash", "-c", """
@@ -124,6 +126,30 @@ class CommandLine(CommandTest):
                                    ("completion ", "bash zsh fish"), ("list x", "")):
                 with self.subTest(shell=shell, line=line):
                     self.assertEqual(self.complete(shell, f"tembrakey {line}"), set(expected.split()))
+
+    def test_connected_tokens_complete_labels_and_serial_numbers(self):
+        self.make_key("alice smith")
+        for words, expected in ((("--device", ""), "AAAA0001\tTest\n"), (("sign", "--label=a"), "--label=alice smith"),
+                                (("token", "remove", "A"), "AAAA0001\t"), (("key", "delete", "-l", ""), "alice smith\t")):
+            for _ in range(10):  # a busy machine may take longer than the child is given
+                offered = self.run_tool("__complete", *words).decode().replace("\r", "")
+                if offered:
+                    break
+            self.assertTrue(offered.startswith(expected), offered)
+        self.assertEqual(self.run_tool("__complete", "--device", "other", "sign", "--label", ""), b"")
+        self.assertFalse(os.path.exists("trace.log"))
+
+    @unittest.skipUnless(FAULTY, "needs the libraries with faults")
+    def test_completion_outlives_libraries_that_hang_crash_or_print(self):
+        os.mkdir("install")
+        for name in (f"{os.path.dirname(TOOL[-1])}/libTembraKeyProv.so", f"{os.path.dirname(TOOL[-1])}/libORVEL_CRYPTO.so",
+                     f"{FAULTY}/faulty-token/libQXSKFAPI.so"):
+            shutil.copy(name, "install")
+        for fault in ("hang in SKF_EnumDev", "abort when loaded", "output"):
+            with self.subTest(fault=fault):
+                words = ("--provider", "install/libTembraKeyProv.so", "--device", "")
+                offered = self.run_tool("__complete", *words, TEMBRA_TEST_FAULT=fault).decode()
+                self.assertNotRegex(offered, "(?m)^(?!FAULTY)")
 
     def test_refusals_say_why_and_in_json_too(self):
         write("empty", b"")

@@ -131,7 +131,7 @@ std::string unknownWord(const CLI::App &app) {
 std::string usageProblem(const CLI::App &app, const CLI::ParseError &error,
                          const std::string &lastWord) {
     // Whatever else is wrong may only follow from a word that nobody takes.
-    const std::string unknown = unknownWord(app);
+    std::string unknown = unknownWord(app);
     if (!unknown.empty())
         return unknown;
     switch (static_cast<CLI::ExitCodes>(error.get_exit_code())) {

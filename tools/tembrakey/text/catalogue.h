@@ -16,7 +16,7 @@ public:
     const char *translation(std::size_t index) const { return text(number(16), index); }
 
     // The translation, or null.
-    const char *find(const char *original) const;
+    const char *find(const char *wanted) const;
 
 private:
     std::uint32_t number(std::size_t offset) const;
