@@ -88,6 +88,7 @@ const Failure FAILURES[] = {
          device->m_isformat = 1;
      }},
     {"certificate", [](auto, auto pair) { DeviceUpdateCertificate(pair, bytes, 8); }},
+    {"deletion of a pair", [](auto, auto pair) { DeviceDeleteKeypair(pair); }},
     {"random bytes", [](auto device, auto) { DeviceGenerateRandom(device, 8, bytes); }},
     {"PIN", [](auto device, auto) { DeviceVerifyPwd(device, 1, "pin", &length); }},
     {"rights of a new file", [](auto device, auto) { DeviceCreateData(device, 8, "", 8); }},
@@ -97,7 +98,7 @@ const Failure FAILURES[] = {
     {"read", [](auto d, auto) { DeviceReadDataEx(d, 7, 0, bytes, 1, &length); }},
     {"offset of a write", [](auto d, auto) { DeviceWriteDataEx(d, 7, 8, bytes, 1); }},
     {"write", [](auto d, auto) { DeviceWriteDataEx(d, 7, 0, bytes, 1); }},
-    {"deletion", [](auto d, auto) { DeviceDeleteData(d, 7); }},
+    {"deletion of a file", [](auto d, auto) { DeviceDeleteData(d, 7); }},
     {"file to read",
      [](auto d, auto) {
          script().SKF_GetFileInfo.answer(SAR_FAIL);
@@ -113,6 +114,7 @@ TEST(ProviderLock, IsFreeWhereAResultIsLogged) {
     scenarios().front().insert();
     script().memory.devices.front().applications.front().files["7"].content = Bytes(8);
     script().SKF_ImportCertificate.answer(SAR_FAIL);
+    script().SKF_DeleteContainer.answer(SAR_USER_NOT_LOGGED_IN);
     script().SKF_GenRandom.answer(SAR_FAIL);
     script().SKF_VerifyPIN.answer(SAR_FAIL);
     script().SKF_CreateFile.answer(SAR_FAIL);

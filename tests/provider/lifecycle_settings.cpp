@@ -138,6 +138,11 @@ TEST_F(Settings, RefuseOtherTypes) {
     }
 }
 
+TEST_F(Settings, EndAnUnclosedTextWithTheFile) {
+    const Lines lines = init(SECTION + "\"MaxOperationLen\"=dword:00000020\r\n\"HasSM3\"=\"a\\");
+    EXPECT_THAT(lines, ::testing::Contains(error("hasSM3", "unsupport HasSM3, error = 0")));
+}
+
 std::string utf16(const std::string &text) {
     std::string wide = "\xFF\xFE";
     for (const char c : text) {
@@ -170,7 +175,7 @@ TEST_F(Settings, AreReadInEveryFormTheEditorWrites) {
     EXPECT_EQ(init(head + SECTION + values), expected);
     EXPECT_EQ(init(utf16(head + SECTION + values) + std::string("\xBE\x8B;", 3)), expected)
         << "UTF-16";
-    EXPECT_EQ(init("\xEF\xBB\xBF" + head + SECTION + values), expected) << "UTF-8 with a mark";
+    EXPECT_EQ(init("\xEF\xBB\xBF" + SECTION + values), expected) << "UTF-8 with a mark";
     EXPECT_EQ(init(bare), expected) << "bare lines";
     EXPECT_EQ(init(shouting), expected) << "letter case";
     EXPECT_EQ(init(around), expected) << "other sections around";

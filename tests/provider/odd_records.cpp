@@ -1,5 +1,6 @@
 // Records as no discovery makes them: what another thread's deletion, or a stray write of the host,
 // can leave. Every entry point has an answer.
+#include "key_pair_blobs.h"
 #include "scripted_test.h"
 
 #include "provider/records.h"
@@ -86,6 +87,19 @@ TEST_F(OddRecords, ContainerGone) {
         EXPECT_EQ(DeviceUpdateCertificate(m_signer, m_bytes, 10), -2);
         m_device->m_containers[0] = container;
     }
+}
+
+// Its label names a container that it does not belong to.
+TEST_F(OddRecords, ImportForAPairOfAnotherContainer) {
+    m_signer->m_container = nullptr;
+    const Bytes blob = plainSm2(Bytes(32, 0xDD));
+    SPI_KEYPAIR_HANDLE imported = nullptr;
+    mark();
+    EXPECT_EQ(DeviceImportKeypair(m_device, blob.data(), static_cast<int>(blob.size()),
+                                  ORVEL_PKI_KEYPAIRTYPE_ENCRYPT, "c", &imported),
+              0);
+    EXPECT_EQ(trace().failures(), errors("DeviceImportKeypair", "EncKeyPairBlob()==0"));
+    m_signer->m_container = m_device->m_containers[0];
 }
 
 // Memory ran out for the copy of a certificate that the token has taken: its length is known.
