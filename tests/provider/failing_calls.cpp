@@ -67,6 +67,8 @@ const FailingCall FAILING_CALLS[] = {
     {"import enveloped", "SKF_ImportRSAKeyPair", 1, SAR_FAIL, {"[ERROR] [importRSAKeyPair] SKF_ImportRSAKeyPair fail, error = 0x0A000001"}},
     {"import enveloped", "SKF_ImportRSAKeyPair", 1, SAR_USER_NOT_LOGGED_IN, {}},
     {"import plain", "OrvelPKICryptoRSAPrivKeyToDER", 1, 0, {"[ERROR] [DeviceImportKeypair] EncKeyPairBlob()==0"}},
+    {"import plain", "SKF_SetSymmKey", 1, SAR_FAIL, {"[ERROR] [DeviceImportKeypair] EncKeyPairBlob()==0"}},
+    {"import plain", "SKF_SetSymmKey", 2, SAR_FAIL, {"[ERROR] [DeviceImportKeypair] EncKeyPairBlob()==0"}},
     {"import plain", "SKF_Encrypt", 1, SAR_FAIL, {"[ERROR] [DeviceImportKeypair] EncKeyPairBlob()==0"}},
     {"PINs", "SKF_ChangePIN", 1, SAR_FAIL, {"[ERROR] [DeviceChangePwd] SKF_ChangePIN fail, error = 0x0A000001"}},
     {"PINs", "SKF_ChangePIN", 1, SAR_PIN_INCORRECT, {}},

@@ -104,6 +104,15 @@ TEST_F(Generation, ReusesTheFirstKeylessContainer) {
     EXPECT_EQ(script().SKF_CreateContainer.calls(), 1);
 }
 
+TEST_F(Generation, CanBeRepeatedAfterARefusal) {
+    insert({});
+    script().SKF_GenECCKeyPair.answer(SAR_USER_NOT_LOGGED_IN);
+    EXPECT_EQ(generated("new"), -8);
+    script().SKF_GenECCKeyPair.restore();
+    EXPECT_EQ(generated("new"), 1);
+    EXPECT_EQ(containers(), 1) << "the container of the first attempt";
+}
+
 TEST_F(Generation, OddModulusOfTheTokenIsAFailure) {
     insert({});
     script().SKF_GenRSAKeyPair.run([](HCONTAINER, ULONG, RSAPUBLICKEYBLOB *blob) {
