@@ -188,6 +188,7 @@ TEST_F(Deletion, DropsBothPairsOfTheContainer) {
                 ElementsAre(info("DeviceDeleteKeypair", "SPI_KEYPAIR_HANDLE hKeypair = %p")));
     EXPECT_EQ(application.containers.size(), 2u);
     EXPECT_EQ(DeviceGetKeypairCount(m_device), 3);
+    EXPECT_EQ(m_device->m_keypairs[3], nullptr) << "for a caller that has read the old count";
     EXPECT_EQ(DeviceFreeKeypair(two), 1);
     EXPECT_EQ(DeviceFindKeypair(m_device, 2, "two", &two), 0);
     const int expectedTypes[] = {2, 1, 2};

@@ -94,6 +94,7 @@ TEST_F(Settings, RoundTheOperationLengthUp) {
         {"dword:00000010", "16"},
         {"dword:00000001", "16"},
         {"dword:000003E8", "1008"},
+        {"dword:0009aAF0", "633584"},
         {"dword:00000000", "1024"},
         {"dword:ffffffff", "1024"},
         {"dword:80000000", "1024"},
