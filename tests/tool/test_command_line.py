@@ -176,6 +176,7 @@ class CommandLine(CommandTest):
                 (8, "no-such-library", "--provider", "no-such-library.so", "list"),
                 (8, "empty", "--provider", "./empty", "list"),
                 (9, "missing.txt", "hash", "missing.txt"),
+                (2, "standard input contains neither", "verify", "empty", "--signature", "empty", "--key", "-"),
                 (9, "no-folder", "random", "4", "--out", "no-folder/x"),
                 (4, "--pin-env", "key", "generate", "--label", "x")):
             with self.subTest(arguments=arguments):

@@ -94,8 +94,8 @@ private:
 void CertImport::work(const Console &console, const Device &device) {
     const KeyPair pair = chooseKeyPair(device, m_key);
     if (m_certificate.key != publicKey(pair))
-        throw Failure(ExitCode::usage,
-                      tr("{1} certifies another key than the one of {2}", {m_file, label(pair)}));
+        throw Failure(ExitCode::usage, tr("{1} certifies another key than the one of {2}",
+                                          {inputName(m_file), label(pair)}));
     m_login.logIn(device);
     const auto &der = m_certificate.der;
     check("DeviceUpdateCertificate", device.session()->DeviceUpdateCertificate(

@@ -38,7 +38,8 @@ void KeyImport::prepare(const Console &) {
         return;
     m_blob = crypto::encodeKeyPairBlob(readPrivateKey(m_file, m_blob));
     if (m_blob.empty())
-        throw Failure(ExitCode::usage, tr("{1}: RSA keys must have 1024 or 2048 bits", {m_file}));
+        throw Failure(ExitCode::usage,
+                      tr("{1}: RSA keys must have 1024 or 2048 bits", {inputName(m_file)}));
 }
 
 void KeyImport::work(const Console &console, const Device &device) {

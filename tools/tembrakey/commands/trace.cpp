@@ -109,7 +109,7 @@ void Trace::redact(const Console &console) const {
         throw Failure(ExitCode::usage,
                       tr("{1} has no trace lines, so what is secret in it is not known; nothing "
                          "was written",
-                         {m_file}));
+                         {inputName(m_file)}));
     file.commit();
     const auto masked = static_cast<std::int64_t>(copy.maskedLines());
     if (m_copy != "-")

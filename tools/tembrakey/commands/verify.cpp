@@ -90,17 +90,18 @@ void Verify::run(Context &context) {
         throw Failure(ExitCode::usage, tr("the public key cannot be used: RSA keys have 512 to "
                                           "4096 bits, SM2 keys are points on the curve"));
     if (!std::visit([&](const auto &one) { return isRight(one); }, key))
-        throw Failure(
-            ExitCode::badSignature,
-            tr("wrong signature of {1}: another file, key or signer's identity?", {m_file}));
+        throw Failure(ExitCode::badSignature,
+                      tr("wrong signature of {1}: another file, key or signer's identity?",
+                         {inputName(m_file)}));
     const auto *rsa = std::get_if<crypto::RsaPublicKey>(&key);
     const int bits = rsa == nullptr ? 256 : static_cast<int>(rsa->bits());
-    context.console.result({{"file", m_file},
-                            {"algorithm", rsa == nullptr ? "sm2-sm3" : "rsa-sha256"},
-                            {"bits", bits},
-                            {"ok", true}},
-                           tr("Signature of {1} is valid ({2}, {3} bits)",
-                              {m_file, rsa == nullptr ? "sm2" : "rsa", std::to_string(bits)}));
+    context.console.result(
+        {{"file", m_file},
+         {"algorithm", rsa == nullptr ? "sm2-sm3" : "rsa-sha256"},
+         {"bits", bits},
+         {"ok", true}},
+        tr("Signature of {1} is valid ({2}, {3} bits)",
+           {inputName(m_file), rsa == nullptr ? "sm2" : "rsa", std::to_string(bits)}));
 }
 
 } // namespace

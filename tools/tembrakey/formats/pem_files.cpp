@@ -26,12 +26,13 @@ crypto::SecretBytes readDer(const std::string &path, std::string_view pemLabel) 
                 return block.data;
     }
     throw Failure(ExitCode::usage,
-                  tr("{1} contains neither PEM \"{2}\" nor DER", {path, pemLabel}));
+                  tr("{1} contains neither PEM \"{2}\" nor DER", {inputName(path), pemLabel}));
 }
 
 crypto::PublicKey required(const std::optional<crypto::PublicKey> &key, const std::string &path) {
     if (!key)
-        throw Failure(ExitCode::usage, tr("{1} does not contain an RSA or SM2 public key", {path}));
+        throw Failure(ExitCode::usage,
+                      tr("{1} does not contain an RSA or SM2 public key", {inputName(path)}));
     return *key;
 }
 
@@ -40,7 +41,8 @@ crypto::PublicKey required(const std::optional<crypto::PublicKey> &key, const st
 Certificate readCertificate(const std::string &path) {
     auto certificate = parseCertificate(readDer(path, "CERTIFICATE"));
     if (!certificate)
-        throw Failure(ExitCode::usage, tr("{1} does not contain an X.509 certificate", {path}));
+        throw Failure(ExitCode::usage,
+                      tr("{1} does not contain an X.509 certificate", {inputName(path)}));
     return std::move(*certificate);
 }
 
@@ -55,9 +57,9 @@ crypto::PublicKey readCertifiedKey(const std::string &path) {
 crypto::PrivateKey readPrivateKey(const std::string &path, crypto::ByteView content) {
     auto key = crypto::decodePrivateKeyPem(crypto::asText(content));
     if (!key)
-        throw Failure(
-            ExitCode::usage,
-            tr("{1} does not contain an unencrypted RSA or SM2 private key in PEM", {path}));
+        throw Failure(ExitCode::usage,
+                      tr("{1} does not contain an unencrypted RSA or SM2 private key in PEM",
+                         {inputName(path)}));
     return std::move(*key);
 }
 

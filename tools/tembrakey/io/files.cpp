@@ -30,10 +30,14 @@ std::optional<std::uint64_t> sizeOf(std::FILE *stream) {
 
 } // namespace
 
+std::string inputName(const std::string &path) {
+    return path == "-" ? tr("standard input") : path;
+}
+
 InputFile::InputFile(const std::string &path)
     : m_path(path), m_stream(path == "-" ? stdin : platform::openFile(path, "rb")) {
     if (m_stream == nullptr)
-        fail(N_("cannot open {1}: {2}"), m_path);
+        fail(N_("cannot open {1}: {2}"), inputName(m_path));
     if (m_stream != stdin)
         m_size = sizeOf(m_stream);
 }
@@ -46,7 +50,7 @@ InputFile::~InputFile() {
 std::size_t InputFile::read(std::uint8_t *buffer, std::size_t capacity) {
     const std::size_t count = std::fread(buffer, 1, capacity, m_stream);
     if (count < capacity && std::ferror(m_stream))
-        fail(N_("cannot read {1}: {2}"), m_path);
+        fail(N_("cannot read {1}: {2}"), inputName(m_path));
     return count;
 }
 
@@ -87,16 +91,16 @@ OutputFile::~OutputFile() {
 
 void OutputFile::write(crypto::ByteView bytes) {
     if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), m_stream) != bytes.size())
-        fail("cannot write {1}: {2}", m_path);
+        fail("cannot write {1}: {2}", m_path == "-" ? tr("standard output") : m_path);
 }
 
 void OutputFile::commit() {
     if (std::fflush(m_stream) != 0)
-        fail("cannot write {1}: {2}", m_path);
+        fail("cannot write {1}: {2}", m_path == "-" ? tr("standard output") : m_path);
     if (m_stream == platform::standardOutput())
         return;
     if (std::fclose(std::exchange(m_stream, nullptr)) != 0)
-        fail("cannot write {1}: {2}", m_path);
+        fail("cannot write {1}: {2}", m_path == "-" ? tr("standard output") : m_path);
     if (m_temporary.empty())
         return;
     std::error_code error;

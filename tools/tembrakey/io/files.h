@@ -10,6 +10,9 @@
 
 namespace tembra::tool {
 
+// What messages call a file that is read: "-" is the standard input.
+std::string inputName(const std::string &path);
+
 class InputFile {
 public:
     explicit InputFile(const std::string &path);
