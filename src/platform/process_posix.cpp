@@ -24,7 +24,7 @@ thread_local long threadId = 0;
 void forgetThreadId() {
     threadId = 0;
 }
-const bool forgetsAtFork = pthread_atfork(nullptr, nullptr, forgetThreadId) == 0;
+const bool FORGETS_AT_FORK = pthread_atfork(nullptr, nullptr, forgetThreadId) == 0;
 
 FileHazard hazardOf(const struct stat &status) {
     if (S_ISLNK(status.st_mode))
@@ -42,10 +42,12 @@ int openWith(const char *path, int flags) {
 
 } // namespace
 
+// The buffer is for systems that copy the value.
+// cppcheck-suppress uninitMemberVar
 EnvironmentVariable::EnvironmentVariable(const char *name) : m_value(std::getenv(name)) {}
 
 long currentThreadId() {
-    if (threadId == 0 || !forgetsAtFork)
+    if (threadId == 0 || !FORGETS_AT_FORK)
         threadId = syscall(SYS_gettid);
     return threadId;
 }

@@ -61,7 +61,7 @@ constexpr int HOST_ALGORITHM_30 = 0x30;
 // Some messages state the requirement, one its negation, and SM2 generation reports a missing
 // capability as a wrong curve. People search traces for these texts, so they must not change.
 // clang-format off
-const Row rows[] = {
+const Row ROWS[] = {
     {ORVEL_PKI_ALGORITHM_SM3,
      {{Test::hasSM3, 0, "g_hasSM3 == 0 "},
       {Test::usage, usages(ORVEL_PKI_USAGE_HASH), nullptr},
@@ -180,7 +180,7 @@ int DeviceIsSupportedAlgorithm2(SPI_DEVICE_HANDLE hDevice, int algo, int keyLen,
     TRACE_DEBUG("usage : %d", usage);
     if (!hDevice)
         return 0;
-    for (const Row &row : rows)
+    for (const Row &row : ROWS)
         if (row.algo == algo)
             return answerRow(row, {hDevice->m_info, keyLen, usage, param}, __func__);
     return 0;
