@@ -45,7 +45,8 @@ const SarCode *findSarCode(std::string_view message) {
             std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
         if (parsed.ptr != digits.data() + DIGITS)
             continue;
-        if (const auto *code = findCode([&](const SarCode &one) { return one.value == value; }))
+        const auto hasValue = [&](const SarCode &one) { return one.value == value; };
+        if (const auto *code = findCode(hasValue))
             return code;
     }
     const std::string_view name = message.substr(std::min(message.find("SAR_"), message.size()));
