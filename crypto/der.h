@@ -1,4 +1,4 @@
-// The part of DER (X.690) that keys, signatures and ciphertexts need, read strictly.
+// The subset of DER (X.690) for keys, signatures and ciphertexts, read strictly.
 #pragma once
 
 #include <cstddef>

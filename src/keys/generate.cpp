@@ -135,7 +135,7 @@ Outcome addKeypair(Device *hDevice, const Request &request, int position,
     return CONTINUE;
 }
 
-// The part that requires the lock.
+// Runs under the lock.
 Outcome generate(Device *hDevice, const Request &request, SPI_KEYPAIR_HANDLE *phKeypair) {
     if (hDevice->m_isformat == 0)
         return {TEMBRA_FAILURE, "hDevice->m_isformat == 0"};

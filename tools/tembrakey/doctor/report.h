@@ -9,7 +9,7 @@
 
 namespace tembra::tool::doctor {
 
-// The parts of the report, in their order.
+// The sections of the report, in their order.
 enum class Section { libraries, settings, trace, tokens, provider };
 
 class Report {
