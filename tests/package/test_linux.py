@@ -88,7 +88,7 @@ class Debian(PackageTest):
             self.assertIn("libQXSKFAPI.so", self.run_command("tembrakey", "list", expect=1))
         advice = self.run_command("tembrakey", "doctor", expect=1)
         for library in ("libQXSKFAPI.so", "libORVEL_CRYPTO.so"):
-            self.assertIn(f"put {library} beside the provider", advice)
+            self.assertIn(f"copy {library}, with everything that it needs itself, to ", advice)
         self.assertIn("failures: 0", self.run_command("tembra-devkit", "tembrakey", "doctor"))
 
     def test_host_by_pkg_config(self):
