@@ -46,7 +46,7 @@ class Trace(CommandTest):
               # Older logs have a full-width comma.
               + call(7, "DeviceGetPwdRetryNum", ("INFO", "hDevice = 0x1, int type = 1\uff0c int *pretrynum = 5")))
         printed = self.run_tool("trace", "a.log", "--json").decode()
-        self.assertNotIn("<", printed)  # so that it can stand in a page
+        self.assertNotIn("<", printed)  # so that a page can embed it
         find, retries, _ = map(json.loads, printed.splitlines())
         self.assertEqual((find["entryPoint"], find["begin"], find["durationSeconds"], find["failed"]),
                          ("DeviceFindKeypair", "2026-11-21 12:30:01", 2, True))

@@ -15,7 +15,7 @@ Json toJson(const Call &call, Translate tr);
 Json toJson(const Summary &summary, const Failures &failures, Translate tr);
 
 // On one line. Bytes that are not UTF-8 become replacement characters; "<" is escaped, so that the
-// text can stand in a page.
+// text can be embedded in a page.
 std::string jsonText(const Json &json);
 
 } // namespace tembra::trace
